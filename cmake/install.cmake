@@ -1,0 +1,19 @@
+# Installed tree: headers, library, CMake package, pkg-config module.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS krKGeneral EXPORT krKGeneralTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY moduls/dll_general/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krKGeneral FILES_MATCHING PATTERN "*.h")
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/krKGeneral)
+install(EXPORT krKGeneralTargets NAMESPACE krKGeneral:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/krKGeneralConfig.cmake.in ${CMAKE_BINARY_DIR}/krKGeneralConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/krKGeneralConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/krKGeneralConfig.cmake ${CMAKE_BINARY_DIR}/krKGeneralConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+list(JOIN KAR_EXACT_FLAGS " " KAR_EXACT_FLAGS_TEXT)
+configure_file(cmake/krkgeneral.pc.in ${CMAKE_BINARY_DIR}/krkgeneral.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/krkgeneral.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,154 @@
+// Elements of intrusive lists: objects that carry their own two links.
+#ifndef KAR_LIST_H
+#define KAR_LIST_H
+
+#include "karalloc.h"
+#include "karenum.h"
+
+/// Where a constructor with a position puts the new element. Any other code leaves both links null.
+enum karListPosition : int {
+    KAR_LIST_APPEND = 5,       ///< at the end of the chain that holds `other`
+    KAR_LIST_INSERT = 6,       ///< directly before `other`
+    KAR_LIST_INSERT_FRONT = 7, ///< at the start of the chain that holds `other`
+};
+
+/// Two links and the operations on them, nothing virtual. Nothing here allocates or can fail, and nothing is tested
+/// but what is said. In a well-formed chain a's successor is b exactly where b's predecessor is a; an element outside
+/// every chain has both links null.
+class KAR_API karListObjectNV {
+public:
+    KAR_LIBRARY_NEW
+
+    /// \name Construction
+    /// \{
+    karListObjectNV() = default;
+    karListObjectNV(const karListObjectNV &) = default; ///< Copies the links; the neighbours don't know the copy.
+    explicit karListObjectNV(karListObjectNV *other) { append(other); }
+    karListObjectNV(karListObjectNV *other, int position); ///< `position` as in `karListPosition`.
+    ~karListObjectNV() { unchain(); }
+    /// \}
+
+    karListObjectNV &operator=(const karListObjectNV &) = default; ///< Copies the links; no neighbour is touched.
+
+    /// \name Type identity
+    /// \{
+    ObjektIdies GetType() const { return KAR_ID_LIST_OBJECT_NV; }
+    int IsType(ObjektIdies id) const { return GetType() == id; }
+    int CanCast(ObjektIdies id) const { return id == KAR_ID_LIST_OBJECT_NV; }
+    /// \}
+
+    /// \name Reading
+    /// \{
+    karListObjectNV *next() const { return nextLink; }
+    karListObjectNV *prev() const { return prevLink; }
+    karListObjectNV *first() const; ///< Start of the chain; the element itself if nothing precedes it. Linear.
+    karListObjectNV *last() const;  ///< End of the chain; the element itself if nothing follows it. Linear.
+    /// Elements of the whole chain, whatever element it is called on. Linear.
+    /// Note: may be called on a null object and then gives 0.
+    int listLength() const;
+    /// \}
+
+    /// \name Changing
+    /// The linking operations overwrite the element's own links: an element that still stands in a chain is unchained
+    /// first, or the old chain keeps pointing at it. A null `other` leaves both links null.
+    /// \{
+    void next(karListObjectNV *element) { nextLink = element; } ///< Stores the link; the neighbour isn't touched.
+    void prev(karListObjectNV *element) { prevLink = element; } ///< \overload
+    void append(karListObjectNV *other);      ///< To the end of the chain of `other`; constant if that is its last.
+    void insert(karListObjectNV *other);      ///< Directly before `other`. Constant.
+    void insertFront(karListObjectNV *other); ///< To the start of the chain of `other`; constant if that is its first.
+    void unchain();                           ///< Bridges the neighbours and clears both links. Constant, repeatable.
+    /// \}
+
+protected:
+    karListObjectNV *nextLink = nullptr;
+    karListObjectNV *prevLink = nullptr;
+};
+
+/// A list element with virtual operations. The element leaves its chain when it dies; the chain owns nothing.
+class KAR_API karListObject : public karListObjectNV {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    virtual int ListObjectOk() = 0; ///< 1 in every concrete class of the library.
+    virtual ~karListObject();
+    virtual int IsType(ObjektIdies id) const; ///< Asks the virtual `GetType`.
+    virtual ObjektIdies GetType() const;      ///< 60 unless a subclass overrides it.
+    virtual int CanCast(ObjektIdies id) const; ///< Equality with 60, without knowledge of base classes.
+    /// \}
+
+    /// \name Construction
+    /// \{
+    karListObject() = default;
+    karListObject(const karListObject &) = default; ///< Copies the links; the neighbours don't know the copy.
+    explicit karListObject(karListObject *other) : karListObjectNV(other) {}
+    karListObject(karListObject *other, int position) : karListObjectNV(other, position) {}
+    /// \}
+
+    karListObject &operator=(const karListObject &) = default; ///< Copies the links; no neighbour is touched.
+
+    /// \name Reading
+    /// As in `karListObjectNV`; null stays null.
+    /// \{
+    karListObject *next() const { return static_cast<karListObject *>(karListObjectNV::next()); }
+    karListObject *prev() const { return static_cast<karListObject *>(karListObjectNV::prev()); }
+    karListObject *first() const { return static_cast<karListObject *>(karListObjectNV::first()); }
+    karListObject *last() const { return static_cast<karListObject *>(karListObjectNV::last()); }
+    karListObject *current() const { return const_cast<karListObject *>(this); } ///< The object itself.
+    karListObject *getListObjectPtr() { return this; }                           ///< The object itself.
+    int listLength() const; ///< Note: may be called on a null object and then gives 0.
+    /// \}
+
+    /// \name Changing
+    /// \{
+    void next(karListObject *element) { karListObjectNV::next(element); }
+    void prev(karListObject *element) { karListObjectNV::prev(element); }
+    /// \}
+};
+
+/// The navigation of `Base` with the type of the class that derives from it: `class A : public karListTyped<A, Base>`.
+/// Every element class of the library has its typed `next`, `prev`, `first`, `last` and `current` from here.
+template <class Self, class Base>
+class karListTyped : public Base {
+public:
+    using Base::Base;
+
+    Self *next() const { return static_cast<Self *>(Base::next()); }
+    Self *prev() const { return static_cast<Self *>(Base::prev()); }
+    Self *first() const { return static_cast<Self *>(Base::first()); }
+    Self *last() const { return static_cast<Self *>(Base::last()); }
+    Self *current() const { return const_cast<Self *>(static_cast<const Self *>(this)); }
+    void next(Self *element) { Base::next(element); }
+    void prev(Self *element) { Base::prev(element); }
+};
+
+/// An element that carries a pointer to an object that it doesn't own or interpret.
+class KAR_API karPtrListObject : public karListTyped<karPtrListObject, karListObject> {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    int ListObjectOk() override; ///< 1.
+    ~karPtrListObject() override;
+    ObjektIdies GetType() const override;      ///< 61.
+    int CanCast(ObjektIdies id) const override; ///< Equality with 61: false for the id of `karListObject`.
+    /// \}
+
+    /// \name Construction
+    /// \{
+    karPtrListObject() = default;
+    karPtrListObject(const karPtrListObject &) = default; ///< Copies links and pointer.
+    karPtrListObject(void *carried, karPtrListObject *other) : karListTyped(other), object(carried) {}
+    karPtrListObject(void *carried, karListObject *other, int position) : karListTyped(other, position), object(carried)
+    {}
+    /// \}
+
+    karPtrListObject &operator=(const karPtrListObject &) = default; ///< Copies links and pointer.
+
+    void *getObject() const { return object; }
+    void setObject(void *carried) { object = carried; }
+
+protected:
+    void *object = nullptr;
+};
+
+#endif

@@ -1,0 +1,7 @@
+// The global allocator.
+#ifndef KAR_MEMGB_H
+#define KAR_MEMGB_H
+
+#include "karalloc.h"
+
+#endif

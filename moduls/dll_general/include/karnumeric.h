@@ -1,0 +1,39 @@
+// Integer arithmetic that wraps at 32 bits, conversions from real to integer, and the tolerances of the geometry.
+#ifndef KAR_NUMERIC_H
+#define KAR_NUMERIC_H
+
+namespace kar {
+
+/// Decides that a length or a difference is zero.
+constexpr double lengthTolerance = 1e-50;
+/// Decides that a point lies on a segment or curve.
+constexpr double curveTolerance = 1e-10;
+
+/// The 32 bits of an unsigned number read as a signed one (two's complement).
+constexpr int toSigned(unsigned bits)
+{
+    return bits <= 0x7fffffffu ? static_cast<int>(bits) : -static_cast<int>(~bits) - 1;
+}
+
+/// \name Sum, difference, product, negation and absolute value, wrapping at 32 bits. |INT_MIN| is INT_MIN.
+/// \{
+constexpr int wrapAdd(int a, int b) { return toSigned(static_cast<unsigned>(a) + static_cast<unsigned>(b)); }
+constexpr int wrapSub(int a, int b) { return toSigned(static_cast<unsigned>(a) - static_cast<unsigned>(b)); }
+constexpr int wrapMul(int a, int b) { return toSigned(static_cast<unsigned>(a) * static_cast<unsigned>(b)); }
+constexpr int wrapNeg(int a) { return toSigned(0u - static_cast<unsigned>(a)); }
+constexpr int wrapAbs(int a) { return a < 0 ? wrapNeg(a) : a; }
+/// \}
+
+/// Truncates towards zero. A value beyond the `int` range gives the nearest `int`, not-a-number gives 0.
+constexpr int toInt(double value)
+{
+    if (value >= 2147483647.0)
+        return 2147483647;
+    if (value <= -2147483648.0)
+        return -2147483647 - 1;
+    return value == value ? static_cast<int>(value) : 0;
+}
+
+} // namespace kar
+
+#endif

@@ -1,0 +1,12 @@
+// The whole library in one include.
+#ifndef KRK_GENERAL_H
+#define KRK_GENERAL_H
+
+#include "karalloc.h"
+#include "karenum.h"
+#include "karexport.h"
+#include "karlist.h"
+#include "karmemgb.h"
+#include "karnumeric.h"
+
+#endif

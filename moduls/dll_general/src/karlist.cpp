@@ -1,0 +1,105 @@
+#include "karlist.h"
+
+namespace {
+
+// Reading the pointer through a volatile object keeps the test for null, which compilers otherwise drop for `this`.
+template <class T>
+const T *opaque(const T *object)
+{
+    const T *const volatile seen = object;
+    return seen;
+}
+
+int chainLength(const karListObjectNV *element)
+{
+    if (!element)
+        return 0;
+    int length = 0;
+    for (element = element->first(); element; element = element->next())
+        ++length;
+    return length;
+}
+
+} // namespace
+
+karListObjectNV::karListObjectNV(karListObjectNV *other, int position)
+{
+    switch (position) {
+    case KAR_LIST_APPEND:
+        append(other);
+        break;
+    case KAR_LIST_INSERT:
+        insert(other);
+        break;
+    case KAR_LIST_INSERT_FRONT:
+        insertFront(other);
+        break;
+    default:
+        break;
+    }
+}
+
+karListObjectNV *karListObjectNV::first() const
+{
+    const karListObjectNV *element = this;
+    while (element->prevLink)
+        element = element->prevLink;
+    return const_cast<karListObjectNV *>(element);
+}
+
+karListObjectNV *karListObjectNV::last() const
+{
+    const karListObjectNV *element = this;
+    while (element->nextLink)
+        element = element->nextLink;
+    return const_cast<karListObjectNV *>(element);
+}
+
+int karListObjectNV::listLength() const { return chainLength(opaque(this)); }
+
+void karListObjectNV::append(karListObjectNV *other)
+{
+    nextLink = nullptr;
+    prevLink = other ? other->last() : nullptr;
+    if (prevLink)
+        prevLink->nextLink = this;
+}
+
+void karListObjectNV::insert(karListObjectNV *other)
+{
+    nextLink = other;
+    prevLink = other ? other->prevLink : nullptr;
+    if (prevLink)
+        prevLink->nextLink = this;
+    if (other)
+        other->prevLink = this;
+}
+
+void karListObjectNV::insertFront(karListObjectNV *other)
+{
+    prevLink = nullptr;
+    nextLink = other ? other->first() : nullptr;
+    if (nextLink)
+        nextLink->prevLink = this;
+}
+
+void karListObjectNV::unchain()
+{
+    if (prevLink)
+        prevLink->nextLink = nextLink;
+    if (nextLink)
+        nextLink->prevLink = prevLink;
+    nextLink = nullptr;
+    prevLink = nullptr;
+}
+
+karListObject::~karListObject() = default;
+int karListObject::IsType(ObjektIdies id) const { return GetType() == id; }
+ObjektIdies karListObject::GetType() const { return KAR_ID_LIST_OBJECT; }
+int karListObject::CanCast(ObjektIdies id) const { return id == KAR_ID_LIST_OBJECT; }
+int karListObject::listLength() const { return chainLength(opaque(this)); }
+
+int karPtrListObject::ListObjectOk() { return 1; }
+karPtrListObject::~karPtrListObject() = default;
+ObjektIdies karPtrListObject::GetType() const { return KAR_ID_PTR_LIST_OBJECT; }
+int karPtrListObject::CanCast(ObjektIdies id) const { return id == KAR_ID_PTR_LIST_OBJECT; }

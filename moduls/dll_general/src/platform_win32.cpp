@@ -1,0 +1,1 @@
+// The operating system behind the library: Windows.
