@@ -14,6 +14,8 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/krKGeneralConfigVersion.cma
 install(FILES ${CMAKE_BINARY_DIR}/krKGeneralConfig.cmake ${CMAKE_BINARY_DIR}/krKGeneralConfigVersion.cmake
     DESTINATION ${package_dir})
 
+# The module finds its tree from where it lies, so that an installed tree can be moved.
+file(RELATIVE_PATH KAR_PREFIX_FROM_PC /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 list(JOIN KAR_EXACT_FLAGS " " KAR_EXACT_FLAGS_TEXT)
 configure_file(cmake/krkgeneral.pc.in ${CMAKE_BINARY_DIR}/krkgeneral.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/krkgeneral.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -34,12 +34,12 @@ inline void *allocObject(std::size_t size) noexcept
 /// derived class and the library's own `delete` agree. `new` gives null on failure and throws nothing; the placement
 /// form with a null address allocates.
 #define KAR_LIBRARY_NEW                                                                                                \
-    static void *operator new(std::size_t size) noexcept { return kar::allocObject(size); }                           \
-    static void *operator new(std::size_t size, void *place) noexcept                                                 \
+    static void *operator new(std::size_t size) noexcept { return kar::allocObject(size); }                            \
+    static void *operator new(std::size_t size, void *place) noexcept                                                  \
     {                                                                                                                  \
-        return place ? place : kar::allocObject(size);                                                                \
+        return place ? place : kar::allocObject(size);                                                                 \
     }                                                                                                                  \
-    static void operator delete(void *object) noexcept { KarDellocMemory(object); }                                   \
+    static void operator delete(void *object) noexcept { KarDellocMemory(object); }                                    \
     static void operator delete(void *, void *) noexcept {}
 
 #endif

@@ -72,8 +72,8 @@ public:
     /// \{
     virtual int ListObjectOk() = 0; ///< 1 in every concrete class of the library.
     virtual ~karListObject();
-    virtual int IsType(ObjektIdies id) const; ///< Asks the virtual `GetType`.
-    virtual ObjektIdies GetType() const;      ///< 60 unless a subclass overrides it.
+    virtual int IsType(ObjektIdies id) const;  ///< Asks the virtual `GetType`.
+    virtual ObjektIdies GetType() const;       ///< 60 unless a subclass overrides it.
     virtual int CanCast(ObjektIdies id) const; ///< Equality with 60, without knowledge of base classes.
     /// \}
 
@@ -129,7 +129,7 @@ public:
     /// \{
     int ListObjectOk() override; ///< 1.
     ~karPtrListObject() override;
-    ObjektIdies GetType() const override;      ///< 61.
+    ObjektIdies GetType() const override;       ///< 61.
     int CanCast(ObjektIdies id) const override; ///< Equality with 61: false for the id of `karListObject`.
     /// \}
 

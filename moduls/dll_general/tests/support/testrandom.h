@@ -28,7 +28,10 @@ public:
     /// Any int.
     int anyInt() { return static_cast<int>(static_cast<std::int64_t>(bits() >> 32) - 0x80000000ll); }
     /// [low, high), on a grid of 2^-53 of the span.
-    double between(double low, double high) { return low + (high - low) * (static_cast<double>(bits() >> 11) * 0x1p-53); }
+    double between(double low, double high)
+    {
+        return low + (high - low) * (static_cast<double>(bits() >> 11) * 0x1p-53);
+    }
     /// Any pattern of bits, not-a-numbers and infinities included.
     double anyDouble()
     {
