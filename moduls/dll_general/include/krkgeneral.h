@@ -3,10 +3,14 @@
 #define KRK_GENERAL_H
 
 #include "karalloc.h"
+#include "kardpoint.h"
 #include "karenum.h"
 #include "karexport.h"
 #include "karlist.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karpoint.h"
+#include "karrect.h"
+#include "tpair.h"
 
 #endif
