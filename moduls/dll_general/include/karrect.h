@@ -131,8 +131,8 @@ inline bool karPoint::isFullIn(karRect &r) const { return r.contains(*this); }
 /// A box of the drawing plane. Normalised it has left <= right and bottom <= top: y grows upwards. Comparisons have no
 /// tolerance; with inverted input `contains` is false for every point.
 /// Note: to and from a `karRect` every place goes by its name (`bottom` from `bottom`), never by the sense of the axes,
-/// in constructors, assignment, comparison, union and tests alike. A normalised `karRect` therefore becomes a `karD_Rect`
-/// whose bottom lies above its top.
+/// in constructors, assignment, comparison, union and tests alike. A normalised `karRect` therefore becomes a
+/// `karD_Rect` whose bottom lies above its top.
 class karD_Rect {
 public:
     /// \name Construction
