@@ -5,6 +5,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -47,8 +48,16 @@ static_assert(std::is_same<decltype(karD_Point().CanCast(KAR_ID_PAIR)), int>::va
 template <class P>
 class RealPlanePair : public testing::Test {};
 
+struct ClassName {
+    template <class P>
+    static std::string GetName(int)
+    {
+        return std::is_same<P, karD_Point>::value ? "Point" : "Dimension";
+    }
+};
+
 using Classes = testing::Types<karD_Point, karD_Dimension>;
-TYPED_TEST_SUITE(RealPlanePair, Classes);
+TYPED_TEST_SUITE(RealPlanePair, Classes, ClassName);
 
 TYPED_TEST(RealPlanePair, IsBuiltFromNothingOneOrTwoValues)
 {
@@ -85,9 +94,10 @@ TYPED_TEST(RealPlanePair, CalculatesPlaceByPlace)
     EXPECT_EQ(xy(p), RealXY(6.5, -7));
     EXPECT_EQ(&(p -= P(0.5, 1)), &p);
     EXPECT_EQ(xy(p), RealXY(6, -8));
-    p += p;
+    const P &same = p;
+    p += same;
     EXPECT_EQ(xy(p), RealXY(12, -16));
-    p -= p;
+    p -= same;
     EXPECT_EQ(xy(p), RealXY(0, 0));
 }
 
@@ -307,13 +317,30 @@ TEST(KarD_Point, RoundsHalfAwayFromZeroOnTheWayToTheGrid)
         int rounded;
     };
     const Row rows[] = {
-        {0.0, 0},      {-0.0, 0},      {0.4, 0},          {-0.4, 0},           {0.5, 1},           {-0.5, -1},
-        {1.2, 1},      {-1.2, -1},     {2.5, 3},          {-2.5, -3},          {1e6 + 0.5, 1000001}, {-7.49, -7},
-        {1e-300, 0},   {-1e-300, 0},   {3e9, INT_MAX},    {-3e9, INT_MIN},     {infinity, INT_MAX}, {-infinity, INT_MIN},
+        {0.0, 0},
+        {-0.0, 0},
+        {0.4, 0},
+        {-0.4, 0},
+        {0.5, 1},
+        {-0.5, -1},
+        {1.2, 1},
+        {-1.2, -1},
+        {2.5, 3},
+        {-2.5, -3},
+        {1e6 + 0.5, 1000001},
+        {-7.49, -7},
+        {1e-300, 0},
+        {-1e-300, 0},
+        {3e9, INT_MAX},
+        {-3e9, INT_MIN},
+        {infinity, INT_MAX},
+        {-infinity, INT_MIN},
         {notANumber, 0},
         // The neighbour of 0.5 below it: the sum is 1 before it is truncated.
-        {0.49999999999999994, 1}, {-0.49999999999999994, -1},
-        {2147483646.5, INT_MAX}, {-2147483647.5, INT_MIN},
+        {0.49999999999999994, 1},
+        {-0.49999999999999994, -1},
+        {2147483646.5, INT_MAX},
+        {-2147483647.5, INT_MIN},
     };
     for (const Row &row : rows) {
         EXPECT_EQ(byConversion(row.v, 0.0), XY(row.rounded, 0)) << row.v;

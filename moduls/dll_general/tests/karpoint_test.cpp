@@ -3,10 +3,9 @@
 
 #include <climits>
 #include <cmath>
-#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
-#include <ostream>
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -40,8 +39,16 @@ static_assert(std::is_same<decltype(karDimension() + karDimension()), karDimensi
 template <class P>
 class IntegerPlanePair : public testing::Test {};
 
+struct ClassName {
+    template <class P>
+    static std::string GetName(int)
+    {
+        return std::is_same<P, karPoint>::value ? "Point" : "Dimension";
+    }
+};
+
 using Classes = testing::Types<karPoint, karDimension>;
-TYPED_TEST_SUITE(IntegerPlanePair, Classes);
+TYPED_TEST_SUITE(IntegerPlanePair, Classes, ClassName);
 
 TYPED_TEST(IntegerPlanePair, IsBuiltFromNothingOneOrTwoValues)
 {
@@ -80,9 +87,10 @@ TYPED_TEST(IntegerPlanePair, AddsAndSubtractsPlaceByPlace)
     EXPECT_EQ(xy(p), XY(11, 22));
     EXPECT_EQ(&(p -= P(1, 4)), &p);
     EXPECT_EQ(xy(p), XY(10, 18));
-    p += p;
+    const P &same = p;
+    p += same;
     EXPECT_EQ(xy(p), XY(20, 36));
-    p -= p;
+    p -= same;
     EXPECT_EQ(xy(p), XY(0, 0));
 }
 

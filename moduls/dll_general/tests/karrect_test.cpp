@@ -10,8 +10,8 @@
 
 namespace {
 
-using Box = std::array<int, 4>;         // left, top, right, bottom
-using RealBox = std::array<double, 4>;  // left, bottom, right, top
+using Box = std::array<int, 4>;        // left, top, right, bottom
+using RealBox = std::array<double, 4>; // left, bottom, right, top
 
 Box box(const karRect &r) { return {r.left(), r.top(), r.right(), r.bottom()}; }
 RealBox box(const karD_Rect &r) { return {r.left(), r.bottom(), r.right(), r.top()}; }
@@ -53,9 +53,11 @@ static_assert(std::is_same<decltype(karD_Rect() != karRect()), int>::value, "1 o
 static_assert(std::is_same<decltype(karRect().isNull()), bool>::value, "a truth value");
 static_assert(std::is_same<decltype(karRect().IsType(KAR_ID_RECT)), int>::value, "int");
 static_assert(std::is_same<decltype(std::declval<karD_Rect &>().topRight()), karD_Point &>::value, "the stored corner");
-static_assert(std::is_same<decltype(std::declval<karD_Rect &>().bottomLeft()), karD_Point &>::value, "the stored corner");
+static_assert(std::is_same<decltype(std::declval<karD_Rect &>().bottomLeft()), karD_Point &>::value,
+              "the stored corner");
 static_assert(std::is_same<decltype(std::declval<karD_Rect &>().topLeft()), karD_Point>::value, "a composed corner");
-static_assert(std::is_same<decltype(std::declval<karD_Rect &>().bottomRight()), karD_Point>::value, "a composed corner");
+static_assert(std::is_same<decltype(std::declval<karD_Rect &>().bottomRight()), karD_Point>::value,
+              "a composed corner");
 static_assert(std::is_same<decltype(std::declval<const karD_Rect &>().topRight()), karD_Point>::value, "a new point");
 
 // karRect
