@@ -2,7 +2,9 @@
 #include "platform.h"
 
 #define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
 #define NOMINMAX
+#endif
 #include <windows.h>
 
 // Heap: movable blocks of the global heap, locked for as long as they live.
