@@ -11,6 +11,7 @@
 #include "karintegral.h"
 #include "karlist.h"
 #include "karmem.h"
+#include "karlisthead.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
 #include "karpoint.h"
