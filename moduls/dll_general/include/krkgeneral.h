@@ -2,15 +2,18 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dpoint.h"
 #include "karalloc.h"
 #include "kardpoint.h"
 #include "karenum.h"
 #include "karexport.h"
 #include "karlist.h"
+#include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
 #include "karpoint.h"
 #include "karrect.h"
+#include "karvector.h"
 #include "tpair.h"
 
 #endif
