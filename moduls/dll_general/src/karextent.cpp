@@ -1,16 +1,19 @@
 #include "karextent.h"
 
+#include "ellipseaxes.h"
 #include "karnumeric.h"
 #include "karsolve.h"
 
 #include <cmath>
+#include <initializer_list>
+
+using kar::fullTurn;
+using kar::halfPi;
+using kar::pi;
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
-constexpr double halfPi = 1.5707963267948966;
 constexpr double threeHalfPi = 4.71238898038469;
-constexpr double fullTurn = 6.283185307179586;
 constexpr double degree = 0.017453292519943295;
 constexpr double farthestOfPoints = 1e+300; // extremes start from here
 constexpr double farthestOfEllipse = 1e+100;

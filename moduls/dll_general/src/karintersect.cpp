@@ -1,5 +1,6 @@
 #include "karintersect.h"
 
+#include "ellipseaxes.h"
 #include "karcomplex.h"
 #include "karincidence.h"
 #include "karnumeric.h"
@@ -12,7 +13,6 @@ using kar::lengthTolerance;
 
 namespace {
 
-constexpr double fullTurn = 6.283185307179586;
 constexpr double quarticTolerance = 0.0001; // decides that a coefficient or an imaginary part of the quartic is zero
 constexpr int firstCurve = 1;               // bits of a limit mask
 constexpr int secondCurve = 2;
@@ -32,20 +32,12 @@ struct Line {
 };
 
 // X(t) = cx + P*cos t + Q*sin t, Y(t) = cy + R*cos t + S*sin t
-struct EllipticalArc {
-    double cx, cy, a, b, rotation, start, end;
-    double P, Q, R, S;
+struct EllipticalArc : kar::EllipseAxes {
+    double cx, cy, start, end;
 
-    EllipticalArc(double centreX, double centreY, double semiA, double semiB, double turn, double from, double to)
-        : cx(centreX), cy(centreY), a(semiA), b(semiB), rotation(turn), start(from), end(to)
-    {
-        const double c = std::cos(rotation);
-        const double s = std::sin(rotation);
-        P = a * c;
-        Q = -b * s;
-        R = a * s;
-        S = b * c;
-    }
+    EllipticalArc(double centreX, double centreY, double a, double b, double rotation, double from, double to)
+        : EllipseAxes(a, b, rotation), cx(centreX), cy(centreY), start(from), end(to)
+    {}
 
     // The point of t = 2*arctan u: cos t = (1 - u*u)/(1 + u*u), sin t = 2*u/(1 + u*u).
     Point atHalfAngle(double u) const
@@ -55,10 +47,12 @@ struct EllipticalArc {
         return {cx + P * cosT + Q * sinT, cy + R * cosT + S * sinT};
     }
 
-    bool holds(Point point) const
+    // With (dx, dy) from the centre.
+    bool holdsOffset(double dx, double dy) const
     {
-        return IsPointOnEllipticalArc(cx, cy, a, b, rotation, start, end, point.x, point.y, true, curveTolerance);
+        return kar::isOnEllipticalArc(*this, start, end, dx, dy, curveTolerance);
     }
+    bool holds(Point point) const { return holdsOffset(point.x - cx, point.y - cy); }
 };
 
 // The output pairs of a call.
@@ -199,13 +193,11 @@ int feet(Point from, const EllipticalArc &arc, const Outputs &outputs, Solver so
     const int roots = solve(coefficients, z);
 
     int count = 0;
-    EllipticalArc centred = arc;
-    centred.cx = centred.cy = 0.0;
     for (int k = 1; k <= roots; ++k) {
         const double cosT = z[k].GetReal(); // a root of another modulus than 1 fails the test below
         const double sinT = z[k].GetImag();
         const Point offset = {Q * sinT + P * cosT, S * sinT + R * cosT};
-        if (centred.holds(offset))
+        if (arc.holdsOffset(offset.x, offset.y))
             outputs.set(count++, {offset.x + arc.cx, offset.y + arc.cy});
     }
     return count;
@@ -269,8 +261,8 @@ int Intersect_Line_Ellipse(const double &x1, const double &y1, const double &x2,
                            const double &cy, const double &a, const double &b, const double &rotation,
                            const int &limitMask, double &p1x, double &p1y, double &p2x, double &p2y)
 {
-    return intersect(Line{x1, y1, x2, y2}, EllipticalArc(cx, cy, a, b, rotation, 0.0, fullTurn), limitMask, p1x, p1y,
-                     p2x, p2y);
+    return intersect(Line{x1, y1, x2, y2}, EllipticalArc(cx, cy, a, b, rotation, 0.0, kar::fullTurn), limitMask, p1x,
+                     p1y, p2x, p2y);
 }
 
 int Intersect_Line_EllipticalArc(const double &x1, const double &y1, const double &x2, const double &y2,
