@@ -8,5 +8,6 @@
 #include "karlist.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karstring.h"
 
 #endif
