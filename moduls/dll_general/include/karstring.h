@@ -5,6 +5,8 @@
 #include "karalloc.h"
 #include "karenum.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -270,6 +272,8 @@ protected:
     unsigned bufferSize;           ///< Bytes in `buffer`, terminator included.
 
 private:
+    class CharSet;
+
     template <class Integer>
     static constexpr unsigned toIndex(Integer i)
     {
@@ -279,19 +283,41 @@ private:
     int compare(const char *text) const
     {
         if (!buffer || buffer[bufferSize - 1])
-            return compareBounded(text, ~0u);
+            return compareBounded(text, std::strlen(text));
         return std::strcmp(buffer, text);
     }
     int compare(const karString &other) const
     {
         if (!buffer || buffer[bufferSize - 1] || !other.buffer || other.buffer[other.bufferSize - 1])
-            return compareBounded(other.buffer, other.bufferSize);
+            return compareBounded(other.text(), other.measured());
         return std::strcmp(buffer, other.buffer);
     }
 
+    karString(const karString &left, const char *right, std::size_t rightCount);
+    unsigned measured() const
+    {
+        if (!buffer)
+            return 0;
+        const void *const end = std::memchr(buffer, '\0', bufferSize);
+        return end ? static_cast<unsigned>(static_cast<const char *>(end) - buffer) : bufferSize;
+    }
+    static unsigned reserveFor(std::uint64_t count) // with 8 bytes of spare room; more than fits fails
+    {
+        return count < 0xfffffff0u ? static_cast<unsigned>(count) + 8u : 0xffffffffu;
+    }
+    const char *text() const { return buffer ? buffer : ""; }
+    char *obtain(std::uint64_t needed);
+    void obtainText(const char *text, std::size_t count, std::uint64_t needed);
+    char *grow(std::uint64_t want);
+    karString &append(const char *text, std::size_t count, std::uint64_t n);
+    void assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate);
+    void cutControls();
+    void trimStart(const CharSet &set);
+    void trimEnd(const CharSet &set);
+    int backwardEnd(int limit) const;
+    const char *searchFrom(const char *s, unsigned from) const;
     KAR_API static char &scratchCharacter();
-    KAR_API int compareBounded(const char *text, unsigned textSize) const;
-    KAR_API unsigned measured() const;
+    KAR_API int compareBounded(const char *text, std::size_t count) const;
     KAR_API unsigned measureAndStore() const;
     KAR_API karString &appendGrowing(char c);
 };
