@@ -21,5 +21,6 @@
 #include "karsolve.h"
 #include "karvector.h"
 #include "tpair.h"
+#include "karstring.h"
 
 #endif
