@@ -90,30 +90,32 @@ void karD_Rect::top(const double &value)
 
 void karD_Rect::topBottom(const double &newTop, const double &newBottom)
 {
-    const double newY = newBottom;
+    const double entryBottom = newBottom;
     set_top(newTop);
-    set_bottom(newY);
+    set_bottom(entryBottom);
 }
 
 void karD_Rect::leftRight(const double &newLeft, const double &newRight)
 {
-    const double newX = newRight;
+    const double entryRight = newRight;
     set_left(newLeft);
-    set_right(newX);
+    set_right(entryRight);
 }
 
 void karD_Rect::operator+=(const karD_Point &p)
 {
-    const karD_Point shift = p;
-    bottomLeft_ += shift;
-    topRight_ += shift;
+    const double dx = p.x();
+    const double dy = p.y();
+    bottomLeft_.MoveElement(dx, dy);
+    topRight_.MoveElement(dx, dy);
 }
 
 void karD_Rect::operator-=(const karD_Point &p)
 {
-    const karD_Point shift = p;
-    bottomLeft_ -= shift;
-    topRight_ -= shift;
+    const double dx = p.x();
+    const double dy = p.y();
+    bottomLeft_.MoveElement(-dx, -dy);
+    topRight_.MoveElement(-dx, -dy);
 }
 
 karD_Rect &karD_Rect::InflateRect_X(const double &d)
