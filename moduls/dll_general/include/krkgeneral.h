@@ -2,6 +2,7 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dbks.h"
 #include "kar3dpoint.h"
 #include "karalloc.h"
 #include "karcomplex.h"
@@ -18,6 +19,7 @@
 #include "karnumeric.h"
 #include "karpoint.h"
 #include "karrect.h"
+#include "kartransformationinfo.h"
 #include "karsolve.h"
 #include "karvector.h"
 #include "tpair.h"
