@@ -8,5 +8,6 @@
 #include "karlist.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karvarmem.h"
 
 #endif
