@@ -71,9 +71,9 @@ public:
     int minElementCount() const { return minElementCount_; }
     using karBasisPage::firstPageElement;
     /// Note: the start of the last element, not its last byte; `search` knows no address above it.
-    using karBasisPage::lastPageElement;
     using karBasisPage::elementCount;
     using karBasisPage::elementSize;
+    using karBasisPage::lastPageElement;
     /// The page of this chain whose storage holds `p`, null if none does. Linear.
     karVarPage *search(void *p) { return static_cast<karVarPage *>(karBasisPage::search(p)); }
     /// Whether the free runs lie inside the storage, ascending, with used bytes between them, and leave room for the

@@ -332,7 +332,8 @@ bool karVarPage::isValid() const
     std::uintptr_t lowest = address(firstPageElement_);
     std::int64_t bytes = std::int64_t{elementUsed_} * elementFullSize_;
     for (const karFreeVarElement *run = firstFreeElement_; run; run = run->next()) {
-        if (address(run) < lowest || address(run) >= storageEnd || run->getSize() < smallest || behind(run) > storageEnd)
+        if (address(run) < lowest || address(run) >= storageEnd || run->getSize() < smallest ||
+            behind(run) > storageEnd)
             return false;
         lowest = behind(run) + 1; // runs that touch are one
         bytes += run->getSize();
@@ -347,8 +348,12 @@ ObjektIdies karVarPageMemory::listType() const { return KAR_ID_VAR_PAGE_MEMORY; 
 karVarPageMemory::karVarPageMemory(int size, int count) : elementSize_(size), elementCount(count) {}
 
 karVarPageMemory::karVarPageMemory(const karVarPageMemory &other)
-    : speicher_Speed_(other.speicher_Speed_), firstPage(other.firstPage), currentPage(other.currentPage),
-      lastPage(other.lastPage), elementSize_(other.elementSize_), elementCount(other.elementCount)
+    : speicher_Speed_(other.speicher_Speed_),
+      firstPage(other.firstPage),
+      currentPage(other.currentPage),
+      lastPage(other.lastPage),
+      elementSize_(other.elementSize_),
+      elementCount(other.elementCount)
 {}
 
 karVarPageMemory &karVarPageMemory::operator=(const karVarPageMemory &other)
