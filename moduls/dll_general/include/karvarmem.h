@@ -120,6 +120,7 @@ private:
     bool contains(const void *place) const;
     const karVarPage *pageWith(const void *place) const;
     bool canHoldNode(const void *place) const;
+    bool holds(const karFreeVarElement *run) const;
     karFreeVarElement *following(const karFreeVarElement *run) const;
     int raised(int count) const { return count < minElementCount_ ? minElementCount_ : count; }
     void linkBehind(karFreeVarElement *before, karFreeVarElement *run);

@@ -2,6 +2,7 @@
 
 #include "karnumeric.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -16,7 +17,7 @@ std::uintptr_t address(const void *place) { return reinterpret_cast<std::uintptr
 
 void *placeAt(const void *base, std::int64_t bytes)
 {
-    return reinterpret_cast<void *>(address(base) + static_cast<std::uintptr_t>(bytes));
+    return static_cast<char *>(const_cast<void *>(base)) + static_cast<std::ptrdiff_t>(bytes);
 }
 
 std::uintptr_t behind(const karFreeVarElement *run) { return address(run->nextStart()); }
@@ -34,9 +35,10 @@ karFreeVarElement::karFreeVarElement(const karFreeVarElement &other) : karFreeVa
 
 karFreeVarElement &karFreeVarElement::operator=(const karFreeVarElement &other)
 {
-    karFreeVarElement *const run = other.next();
-    setSize(other.getSize());
-    next(run);
+    if (this != &other) {
+        next(other.next());
+        setSize(other.getSize());
+    }
     return *this;
 }
 
@@ -131,6 +133,8 @@ karVarPage::~karVarPage() = default;
 
 karVarPage &karVarPage::operator=(const karVarPage &other)
 {
+    if (this == &other)
+        return *this;
     karBasisPage::operator=(other);
     firstFreeElement_ = other.firstFreeElement_;
     minElementCount_ = other.minElementCount_;
@@ -185,6 +189,13 @@ bool karVarPage::canHoldNode(const void *place) const
     return address(place) - address(page->firstPageElement_) <= static_cast<std::uintptr_t>(bytes - nodeBytes);
 }
 
+// Whether a run ends inside the storage in which it starts.
+bool karVarPage::holds(const karFreeVarElement *run) const
+{
+    const karVarPage *const page = pageWith(run);
+    return page && behind(run) - address(page->firstPageElement_) <= static_cast<std::uintptr_t>(page->storageBytes());
+}
+
 karFreeVarElement *karVarPage::following(const karFreeVarElement *run) const
 {
     karFreeVarElement *const next = run->next();
@@ -210,8 +221,7 @@ void *karVarPage::newElement(int count, int fromEnd)
     for (; walk.run(); walk.step()) {
         karFreeVarElement *const run = walk.run();
         const int bytes = run->getSize();
-        const karVarPage *const page = pageWith(run);
-        if (behind(run) - address(page->firstPageElement_) > static_cast<std::uintptr_t>(page->storageBytes()))
+        if (!holds(run))
             continue; // an owner wrote over the node
         if (bytes == wanted) {
             chosen = run;

@@ -14,6 +14,7 @@ class Page : public karVarPage {
 public:
     Page(int size, int count, karVarPage *before = nullptr) : karVarPage(before, size, count) {}
     Page(const Page &) = default;
+    Page &operator=(const Page &) = default;
 
     using karVarPage::elementFullSize_;
     using karVarPage::elementUsed_;
