@@ -17,6 +17,7 @@
 #include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karvarmem.h"
 #include "karpoint.h"
 #include "karrect.h"
 #include "kartransformationinfo.h"
