@@ -6,6 +6,7 @@
 #include "karenum.h"
 #include "karexport.h"
 #include "karlist.h"
+#include "karlisthead.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
 #include "karstring.h"
