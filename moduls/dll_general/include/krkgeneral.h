@@ -9,6 +9,8 @@
 #include "karlisthead.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karstdio.h"
 #include "karstring.h"
+#include "karstringlist.h"
 
 #endif
