@@ -30,7 +30,7 @@ struct PageStretch {
 
 /// The pages of at least 2^largeShift bytes, those of all indices together: an address can be looked up before it is
 /// known which pool it belongs to.
-constexpr unsigned largeShift = 16;
+constexpr unsigned largeShift = 15;
 extern AddressTable<PageStretch> largePages;
 
 /// Shared by the pages of one chain, which only grows at its end: a page added later has a higher slot, so the first
@@ -93,8 +93,12 @@ public:
         if (gaveUp)
             return;
         unsigned position = page.state.slot;
-        for (unsigned level = 0; level < levels; ++level, position /= 64)
-            bits[level][position / 64] |= std::uint64_t(1) << position % 64;
+        for (unsigned level = 0; level < height; ++level, position /= 64) {
+            const std::uint64_t before = bits[level][position / 64];
+            bits[level][position / 64] = before | std::uint64_t(1) << position % 64;
+            if (before)
+                break; // the levels above know of the word
+        }
         if (!room || page.state.slot < room->state.slot)
             room = &page;
     }
@@ -105,7 +109,7 @@ public:
         if (gaveUp)
             return;
         unsigned position = page.state.slot;
-        for (unsigned level = 0; level < levels; ++level, position /= 64) {
+        for (unsigned level = 0; level < height; ++level, position /= 64) {
             bits[level][position / 64] &= ~(std::uint64_t(1) << position % 64);
             if (bits[level][position / 64])
                 break;
@@ -121,18 +125,16 @@ private:
         std::uintptr_t length; // minus 1
     };
 
-    static constexpr unsigned levels = 4; // 64 to the power of 4 pages, more than 32-bit sizes can have in use
+    static constexpr unsigned levels = 5; // 64 to the power of 5 pages
     static constexpr unsigned firstCapacity = 64;
 
     karPage *lowest() const
     {
+        if (height == 0 || !*bits[height - 1])
+            return nullptr;
         unsigned position = 0;
-        for (unsigned level = levels; level-- > 0;) {
-            const std::uint64_t word = capacity ? bits[level][position] : 0;
-            if (!word)
-                return nullptr;
-            position = position * 64 + lowestBit(word);
-        }
+        for (unsigned level = height; level-- > 0;)
+            position = position * 64 + lowestBit(bits[level][position]);
         return slots[position].page;
     }
 
@@ -157,23 +159,25 @@ private:
             newCapacity *= 2;
         std::size_t words[levels];
         std::size_t total = 0;
-        for (unsigned level = 0, entries = newCapacity; level < levels; ++level) {
+        unsigned newHeight = 0;
+        for (unsigned entries = newCapacity; entries > 1; ++newHeight) {
+            if (newHeight == levels)
+                return false;
             entries = (entries + 63) / 64;
-            words[level] = entries;
+            words[newHeight] = entries;
             total += entries;
         }
-        if (words[levels - 1] > 1)
-            return false;
         // One piece of memory: the bits of all levels, then the slots.
         void *const memory = std::calloc(1, total * sizeof(std::uint64_t) + newCapacity * sizeof(Slot));
         if (!memory)
             return false;
-        std::uint64_t *newBits[levels];
+        void *const old = bits[0];
         std::uint64_t *place = static_cast<std::uint64_t *>(memory);
-        for (unsigned level = 0; level < levels; ++level) {
-            newBits[level] = place;
+        for (unsigned level = 0; level < newHeight; ++level) {
+            bits[level] = place;
             place += words[level];
         }
+        height = newHeight;
         Slot *const newSlots = reinterpret_cast<Slot *>(place);
         unsigned next = 0;
         for (unsigned i = 0; i < used; ++i)
@@ -182,9 +186,6 @@ private:
                 newSlots[next].page->state.slot = next;
                 ++next;
             }
-        void *const old = bits[0];
-        for (unsigned level = 0; level < levels; ++level)
-            bits[level] = newBits[level];
         slots = newSlots;
         used = next;
         capacity = newCapacity;
@@ -257,7 +258,7 @@ private:
         std::free(bits[0]);
         bits[0] = nullptr;
         slots = nullptr;
-        used = capacity = 0;
+        used = capacity = height = 0;
     }
 
     karPage *room = nullptr; // the first page with a free element
@@ -267,6 +268,7 @@ private:
     Slot *slots = nullptr;            // in the order of the chain, with gaps
     unsigned used = 0;                // slots given out
     unsigned capacity = 0;
+    unsigned height = 0; // levels in use; the highest is one word
     int pageCount = 0;
     bool gaveUp = false;
 };

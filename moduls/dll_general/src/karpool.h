@@ -86,7 +86,7 @@ struct PoolAccess {
     }
 
     /// `karPage::deleteElement`; true if the page is empty now.
-    static bool give(karPage &page, void *p)
+    [[gnu::always_inline]] static inline bool give(karPage &page, void *p)
     {
         const bool element = isElement(page, p);
         if (element && isFree(page, p))
