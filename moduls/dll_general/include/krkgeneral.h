@@ -2,6 +2,7 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dbks.h"
 #include "kar3dpoint.h"
 #include "karalloc.h"
 #include "karcomplex.h"
@@ -19,8 +20,10 @@
 #include "karvarmem.h"
 #include "karpoint.h"
 #include "karrect.h"
+#include "kartransformationinfo.h"
 #include "karsolve.h"
 #include "karvector.h"
 #include "tpair.h"
+#include "karstring.h"
 
 #endif
