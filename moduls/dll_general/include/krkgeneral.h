@@ -2,11 +2,24 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dpoint.h"
 #include "karalloc.h"
+#include "karcomplex.h"
+#include "kardpoint.h"
 #include "karenum.h"
 #include "karexport.h"
+#include "karincidence.h"
+#include "karintegral.h"
 #include "karlist.h"
+#include "karmem.h"
+#include "karlisthead.h"
+#include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karpoint.h"
+#include "karrect.h"
+#include "karsolve.h"
+#include "karvector.h"
+#include "tpair.h"
 
 #endif
