@@ -2,6 +2,7 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dbks.h"
 #include "kar3dpoint.h"
 #include "karalloc.h"
 #include "karcomplex.h"
@@ -16,10 +17,13 @@
 #include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karvarmem.h"
 #include "karpoint.h"
 #include "karrect.h"
+#include "kartransformationinfo.h"
 #include "karsolve.h"
 #include "karvector.h"
 #include "tpair.h"
+#include "karstring.h"
 
 #endif
