@@ -143,8 +143,8 @@ public:
 
 /// A position of the drawing plane. x grows to the right, y upwards; angles are radians, counter-clockwise positive.
 /// Note: sums with a bare number (`point + 3`) and assignments of a braced pair (`point = {1, 2}`) are ambiguous, since
-/// several operand types can be made of them. `*`, `/`, `*=`, `/=` and `=` take an `int` or a `double`; any other number type
-/// needs a cast.
+/// several operand types can be made of them. `*`, `/`, `*=`, `/=` and `=` take an `int` or a `double`; any other
+/// number type needs a cast.
 class karD_Point : public kar::RealPlanePair<karD_Point, KAR_ID_D_POINT> {
 public:
     /// \name Construction
@@ -196,8 +196,8 @@ public:
     karD_Point operator-(const karD_Dimension &d) const { return karD_Point(x() - d.x(), y() - d.y()); }
     karD_Point operator+(const karPoint &o) const { return karD_Point(x() + o.x(), y() + o.y()); }
     karD_Point operator-(const karPoint &o) const { return karD_Point(x() - o.x(), y() - o.y()); }
-    karD_Point operator+(const kar2DVector &v) const; ///< With the stored x and y of the vector: see `karvector.h`.
-    karD_Point operator-(const kar2DVector &v) const; ///< \overload
+    inline karD_Point operator+(const kar2DVector &v) const; ///< With the stored x and y of the vector: see `karvector.h`.
+    inline karD_Point operator-(const kar2DVector &v) const; ///< \overload
     karD_Point &operator+=(const karD_Dimension &d) { return store(x() + d.x(), y() + d.y()); }
     karD_Point &operator-=(const karD_Dimension &d) { return store(x() - d.x(), y() - d.y()); }
     karD_Point &operator+=(const karPoint &o) { return store(x() + o.x(), y() + o.y()); }

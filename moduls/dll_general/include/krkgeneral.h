@@ -2,6 +2,8 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dbks.h"
+#include "kar3dpoint.h"
 #include "karalloc.h"
 #include "karcomplex.h"
 #include "kardpoint.h"
@@ -10,11 +12,18 @@
 #include "karincidence.h"
 #include "karintegral.h"
 #include "karlist.h"
+#include "karmem.h"
+#include "karlisthead.h"
+#include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karvarmem.h"
 #include "karpoint.h"
 #include "karrect.h"
+#include "kartransformationinfo.h"
 #include "karsolve.h"
+#include "karvector.h"
 #include "tpair.h"
+#include "karstring.h"
 
 #endif
