@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 namespace {
 
@@ -184,10 +185,9 @@ TEST(Incidence, MillionCallsWithoutTrigonometryHashToTheGoldenValue)
         hash.add(ChangedSideOfLine(x1, y1, x2, y2, x3, y3, x4, y4));
         expected.add(changedSide(x1, y1, x2, y2, x3, y3, x4, y4));
         hash.add(IsPointOnLine(x1, y1, x2, y2, x3, y3, true, flag, tolerance) ? 1 : 0);
-        expected.add(!(distance(x3, y3, x1, y1, x2, y2) > tolerance) &&
-                             (!flag || inBox(x1, y1, x2, y2, x3, y3, tolerance))
-                         ? 1
-                         : 0);
+        expected.add(
+            !(distance(x3, y3, x1, y1, x2, y2) > tolerance) && (!flag || inBox(x1, y1, x2, y2, x3, y3, tolerance)) ? 1
+                                                                                                                   : 0);
         hash.add(IsPointOnLine(x1, y1, x2, y2, x3, y3, false, flag, tolerance) ? 1 : 0);
         expected.add(!flag || inBox(x1, y1, x2, y2, x3, y3, tolerance) ? 1 : 0);
         hash.add(IsPointOnCircle(x1, y1, x2, x3, y3, tolerance) ? 1 : 0);
@@ -225,7 +225,7 @@ TEST(Incidence, MillionCallsWithoutTrigonometryHashToTheGoldenValue)
         }
     }
     EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(0u, hash.value());
+    EXPECT_EQ(2120359339863884654u, hash.value());
 }
 
 // With trigonometry
@@ -254,8 +254,8 @@ double spatialAngle(const double *p0, const double *p1, const double *p2)
     const double u[3] = {p1[0] - p0[0], p1[1] - p0[1], p1[2] - p0[2]};
     const double v[3] = {p2[0] - p0[0], p2[1] - p0[1], p2[2] - p0[2]};
     const double dot = u[0] * v[0] + u[1] * v[1] + u[2] * v[2];
-    const double lengths = std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]) *
-                           std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    const double lengths =
+        std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]) * std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
     const double A = std::acos(dot / lengths);
     const double tu = std::atan2(std::sqrt(u[0] * u[0] + u[1] * u[1]), u[2]);
     const double tv = std::atan2(std::sqrt(v[0] * v[0] + v[1] * v[1]), v[2]);
@@ -268,7 +268,8 @@ double degrees(int x1, int y1, int x2, int y2)
     const double n = std::sqrt(a * a + b * b) * std::sqrt(c * c + d * d);
     if (n <= 0.1)
         return -1000;
-    const auto wide = static_cast<std::uint64_t>(std::int64_t{x1} * x2) + static_cast<std::uint64_t>(std::int64_t{y1} * y2);
+    const auto wide =
+        static_cast<std::uint64_t>(std::int64_t{x1} * x2) + static_cast<std::uint64_t>(std::int64_t{y1} * y2);
     const auto low = static_cast<double>(wide & 0xffffffffu);
     return std::acos((low < 2147483648.0 ? low : low - 4294967296.0) / n) * 180.0 * 0.3183098861837907;
 }
@@ -276,8 +277,7 @@ double degrees(int x1, int y1, int x2, int y2)
 bool onArc(const double *arc, double x, double y, bool known, double tolerance)
 {
     const auto [cx, cy, radius, start, end] = std::tie(arc[0], arc[1], arc[2], arc[3], arc[4]);
-    if (!known &&
-        !(std::fabs((x - cx) * (x - cx) + (y - cy) * (y - cy) - radius * radius) < tolerance))
+    if (!known && !(std::fabs((x - cx) * (x - cx) + (y - cy) * (y - cy) - radius * radius) < tolerance))
         return false;
     const double phi = raised(std::atan2(y - cy, x - cx));
     if (start <= end)
@@ -380,7 +380,8 @@ TEST(Incidence, MillionCallsWithTrigonometryEqualTheTranscription)
         expected.add(v[1] + h * std::sin(gamma) + 0.5 * L * std::sin(alpha), 1024);
 
         hash.add(karCalculator2D().GetAngle(p1, p2));
-        expected.add(v[0] - v[2] == 0 ? (v[3] < v[1] ? pi / 4 : 3 * pi / 4) : raised(std::atan2(v[0] - v[2], v[1] - v[3])));
+        expected.add(v[0] - v[2] == 0 ? (v[3] < v[1] ? pi / 4 : 3 * pi / 4)
+                                      : raised(std::atan2(v[0] - v[2], v[1] - v[3])));
 
         if (step % 1000 == 0) {
             ASSERT_EQ(expected.exact.value(), hash.exact.value()) << "seed 92, step " << step;
@@ -388,7 +389,7 @@ TEST(Incidence, MillionCallsWithTrigonometryEqualTheTranscription)
     }
     EXPECT_EQ(expected.exact.value(), hash.exact.value());
     EXPECT_EQ(expected.rounded.value(), hash.rounded.value());
-    EXPECT_EQ(0u, hash.rounded.value());
+    EXPECT_EQ(11272757433020188000u, hash.rounded.value());
 }
 
 } // namespace
