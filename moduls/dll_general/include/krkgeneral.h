@@ -24,6 +24,8 @@
 #include "karsolve.h"
 #include "karvector.h"
 #include "tpair.h"
+#include "karstdio.h"
 #include "karstring.h"
+#include "karstringlist.h"
 
 #endif
