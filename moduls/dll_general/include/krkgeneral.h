@@ -22,6 +22,7 @@
 #include "karrect.h"
 #include "kartransformationinfo.h"
 #include "karsolve.h"
+#include "karsystem.h"
 #include "karvector.h"
 #include "tpair.h"
 #include "karstdio.h"
