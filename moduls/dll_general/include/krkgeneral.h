@@ -22,8 +22,11 @@
 #include "karrect.h"
 #include "kartransformationinfo.h"
 #include "karsolve.h"
+#include "karsystem.h"
 #include "karvector.h"
 #include "tpair.h"
+#include "karstdio.h"
 #include "karstring.h"
+#include "karstringlist.h"
 
 #endif
