@@ -17,11 +17,16 @@
 #include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
+#include "karvarmem.h"
 #include "karpoint.h"
 #include "karrect.h"
 #include "kartransformationinfo.h"
 #include "karsolve.h"
+#include "karsystem.h"
 #include "karvector.h"
 #include "tpair.h"
+#include "karstdio.h"
+#include "karstring.h"
+#include "karstringlist.h"
 
 #endif
