@@ -2,12 +2,20 @@
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 
+#include "kar3dbks.h"
+#include "kar3dpoint.h"
 #include "karalloc.h"
 #include "karcolor.h"
+#include "karcomplex.h"
 #include "kardpoint.h"
 #include "karenum.h"
 #include "karexport.h"
+#include "karincidence.h"
+#include "karintegral.h"
 #include "karlist.h"
+#include "karmem.h"
+#include "karlisthead.h"
+#include "karmatrix.h"
 #include "karmemgb.h"
 #include "karnumeric.h"
 #include "karparamblock.h"
@@ -16,5 +24,13 @@
 #include "karrectx.h"
 #include "tpair.h"
 #include "vcolor.h"
+#include "karvarmem.h"
+#include "karpoint.h"
+#include "karrect.h"
+#include "kartransformationinfo.h"
+#include "karsolve.h"
+#include "karvector.h"
+#include "tpair.h"
+#include "karstring.h"
 
 #endif

@@ -1,6 +1,7 @@
 // Pairs: two places, the virtual clone, and an identity that isn't virtual.
 #include "tpair.h"
 
+#include "karmemgb.h"
 #include "karrect.h"
 
 #include <cstddef>
@@ -138,6 +139,26 @@ TEST(TPair, ClonesToAPlainPairWhateverItIsCalledOn)
     EXPECT_TRUE(typeid(*clone) == typeid(RealPair));
     EXPECT_EQ(clone->First(), 0.5);
     EXPECT_EQ(clone->Second(), -2.25);
+    KarDellocMemory(clone);
+}
+
+TEST(TPair, GivesNullWhereTheAllocatorHasNoMemory)
+{
+    const karPoint point(3, -4);
+    const karD_Point real(0.5, 0.25);
+    const long heapBlocks = globalMemList->getCurAnzNew();
+    globalMemList->setCurAnzNew(64001); // above this count the allocator gives nothing
+    EXPECT_EQ(point.Clone(), nullptr);
+    EXPECT_EQ(real.Clone(), nullptr);
+    globalMemList->setCurAnzNew(static_cast<int>(heapBlocks));
+}
+
+TEST(TPair, ClonesByOneBlockOfTheAllocator)
+{
+    const karPoint point(3, -4);
+    const long before = globalMemList->getAnzNew();
+    IntPair *clone = point.Clone();
+    EXPECT_EQ(globalMemList->getAnzNew(), before + 1);
     KarDellocMemory(clone);
 }
 

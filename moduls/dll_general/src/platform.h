@@ -1,0 +1,34 @@
+// The seam to the operating system: everything that the library asks of it, one source per system.
+#ifndef KAR_PLATFORM_H
+#define KAR_PLATFORM_H
+
+#include <cstddef>
+
+namespace kar::platform {
+
+/// \name Heap
+/// \{
+
+/// What every address of `heapAcquire` is a multiple of.
+#if defined(_WIN32)
+constexpr std::size_t heapAlignment = 2 * sizeof(void *);
+#else
+constexpr std::size_t heapAlignment = alignof(std::max_align_t);
+#endif
+
+/// A block of the system's heap.
+/// Requires: `size` > 0.
+/// Ensures: null, and nothing changed, if the heap is exhausted; otherwise `size` bytes or more, aligned to
+/// `heapAlignment`, which overlap no other live block and belong to the caller until `heapRelease`.
+void *heapAcquire(std::size_t size);
+
+/// Gives a block back.
+/// Requires: `block` came from `heapAcquire` and hasn't been given back since.
+/// Ensures: the bytes belong to the system; no other block is touched.
+void heapRelease(void *block);
+
+/// \}
+
+} // namespace kar::platform
+
+#endif
