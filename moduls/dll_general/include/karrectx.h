@@ -13,7 +13,8 @@ public:
     /// \name Construction
     /// \{
     karRectX(karPoint origin, karDimension size, double angle) : origin_(origin), size_(size), angle_(angle) {}
-    karRectX(karPoint origin, int width, int height, double angle) : karRectX(origin, karDimension(width, height), angle)
+    karRectX(karPoint origin, int width, int height, double angle)
+        : karRectX(origin, karDimension(width, height), angle)
     {}
     karRectX(const karRectX &) = default;
     void init(karPoint origin, karDimension size, double angle) { *this = karRectX(origin, size, angle); }

@@ -2,7 +2,10 @@
 
 #include "vcolor.h"
 
-karColor &karColor::operator=(ACAD_Color c) { return *this = karColor(static_cast<unsigned long>(vColor::ConvDXF2RGB(c))); }
+karColor &karColor::operator=(ACAD_Color c)
+{
+    return *this = karColor(static_cast<unsigned long>(vColor::ConvDXF2RGB(c)));
+}
 
 void karColor::init(ACAD_Color c)
 {

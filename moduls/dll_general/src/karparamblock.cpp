@@ -15,15 +15,26 @@ constexpr int fullTurn = 4 * rightAngle;
 
 karParamBlock::karParamBlock(karPoint insertPoint, double scaleX, double scaleY, int angle, int slope, int mirror,
                              const karColor &color, int layer)
-    : insertPoint_(insertPoint), scaleX_(scaleX), scaleY_(scaleY), slope_(slope), mirror_(mirror),
-      slopeTangent_(slope != 0 ? std::tan(slope * radiansPerUnit) : 0.0), color_(color), layer_(layer)
+    : insertPoint_(insertPoint),
+      scaleX_(scaleX),
+      scaleY_(scaleY),
+      slope_(slope),
+      mirror_(mirror),
+      slopeTangent_(slope != 0 ? std::tan(slope * radiansPerUnit) : 0.0),
+      color_(color),
+      layer_(layer)
 {
     setAngle(angle);
 }
 
 karParamBlock::karParamBlock(karPoint insertPoint, double scaleX, double scaleY, int angle, int mirror,
                              const karColor &color, int layer)
-    : insertPoint_(insertPoint), scaleX_(scaleX), scaleY_(scaleY), angle_(angle), mirror_(mirror), color_(color),
+    : insertPoint_(insertPoint),
+      scaleX_(scaleX),
+      scaleY_(scaleY),
+      angle_(angle),
+      mirror_(mirror),
+      color_(color),
       layer_(layer)
 {}
 
@@ -92,7 +103,8 @@ karD_Point::karD_Point(const karD_Point &p, karParamBlock *block) : karD_Point(p
         block->modify_point(x(), y());
 }
 
-karRect::karRect(const karRect &r, karParamBlock *block) : topLeft_(r.topLeft_, block), bottomRight_(r.bottomRight_, block)
+karRect::karRect(const karRect &r, karParamBlock *block)
+    : topLeft_(r.topLeft_, block), bottomRight_(r.bottomRight_, block)
 {}
 
 karD_Rect::karD_Rect(const karD_Rect &r, karParamBlock *block)

@@ -75,10 +75,17 @@ karPoint karRectX::Point(int i) const
 {
     karPoint corner = origin_;
     switch (i & 3) {
-    case 0: return corner;
-    case 1: corner.x(kar::wrapAdd(x(), Width())); break;
-    case 2: corner = origin_ + size_; break;
-    default: corner.y(kar::wrapAdd(y(), Height())); break;
+    case 0:
+        return corner;
+    case 1:
+        corner.x(kar::wrapAdd(x(), Width()));
+        break;
+    case 2:
+        corner = origin_ + size_;
+        break;
+    default:
+        corner.y(kar::wrapAdd(y(), Height()));
+        break;
     }
     corner.RotateElement(angle_, x(), y());
     return corner;
@@ -134,9 +141,7 @@ bool karPoint::isFullIn(karRectX &r) const
         return true;
 
     // The edges from p0 to p1 and from p3 to p2 rise by t, those from p0 to p3 and from p1 to p2 stand across them.
-    const auto along = [&](const karPoint &p) {
-        return kar::wrapAdd(p.x(), roundAway(kar::wrapSub(py, p.y()) / t));
-    };
+    const auto along = [&](const karPoint &p) { return kar::wrapAdd(p.x(), roundAway(kar::wrapSub(py, p.y()) / t)); };
     const auto across = [&](const karPoint &p) {
         return kar::wrapAdd(p.x(), roundAway(kar::wrapNeg(kar::wrapSub(py, p.y())) * t));
     };
@@ -184,11 +189,9 @@ bool crosses(const karPoint &a, const karPoint &b, const karPoint &d, const karR
     if (!between(a.y(), r.left(), r.right())) { // the y of the corner against the limits in x
         const int level = between(r.left(), a.x(), r.right()) ? r.left() : r.right();
         const int dx = kar::wrapSub(level, a.x());
-        if (between(level, a.x(), b.x()) &&
-            between(kar::wrapAdd(a.y(), kar::toInt(dx * t)), r.top(), r.bottom()))
+        if (between(level, a.x(), b.x()) && between(kar::wrapAdd(a.y(), kar::toInt(dx * t)), r.top(), r.bottom()))
             return true;
-        if (between(level, a.x(), d.x()) &&
-            between(kar::wrapSub(a.y(), kar::toInt(dx * u)), r.top(), r.bottom()))
+        if (between(level, a.x(), d.x()) && between(kar::wrapSub(a.y(), kar::toInt(dx * u)), r.top(), r.bottom()))
             return true;
     }
     return false;

@@ -4,9 +4,10 @@
 #include "karstring.h"
 #include "vcolornames.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <utility>
 
 namespace {
 
@@ -17,13 +18,14 @@ constexpr int paletteSize = 256;
 constexpr std::uint32_t pack(int r, int g, int b) { return static_cast<std::uint32_t>(r | (g << 8) | (b << 16)); }
 
 // The fixed indices: 0 to 9 stand at their place, 250 to 255 behind them.
+// clang-format off
 constexpr std::uint32_t fixedColors[] = {
-    pack(0, 0, 0),       pack(255, 0, 0),     pack(255, 255, 0),   pack(0, 255, 0),
-    pack(0, 255, 255),   pack(0, 0, 255),     pack(255, 0, 255),   pack(255, 255, 255),
-    pack(128, 128, 128), pack(192, 192, 192),
-    pack(32, 32, 32),    pack(64, 64, 64),    pack(96, 96, 96),    pack(144, 144, 144),
-    pack(176, 176, 176), pack(224, 224, 224),
+    pack(0, 0, 0),       pack(255, 0, 0),     pack(255, 255, 0),   pack(0, 255, 0),     pack(0, 255, 255),
+    pack(0, 0, 255),     pack(255, 0, 255),   pack(255, 255, 255), pack(128, 128, 128), pack(192, 192, 192),
+    pack(32, 32, 32),    pack(64, 64, 64),    pack(96, 96, 96),    pack(144, 144, 144), pack(176, 176, 176),
+    pack(224, 224, 224),
 };
+// clang-format on
 
 constexpr int wheelPart(int index, int share, int level)
 {
@@ -80,32 +82,71 @@ constexpr Palette makePalette()
 
 constexpr Palette palette = makePalette();
 
-// trunc(4.0 * x / y + 0.5) for 0 <= x <= y and y > 0, as a count of the limits that x / y has reached.
-int hueStep(int x, int y)
+struct ExactColor {
+    long packed;
+    int number;
+};
+
+constexpr ExactColor igesColors[] = {
+    {0x000000, 8}, {0x0000FF, 4}, {0x00FF00, 3}, {0x00FFFF, 5},
+    {0xFF0000, 2}, {0xFF00FF, 7}, {0xFFFF00, 6}, {0xFFFFFF, 1},
+};
+
+constexpr ExactColor dxfColors[] = {
+    {0x000000, 7},   {0x0000FF, 1},   {0x00FF00, 3},   {0x00FFFF, 2},   {0x494949, 8},
+    {0x545454, 250}, {0x757575, 251}, {0x969696, 252}, {0xBABABA, 253}, {0xCACACA, 9},
+    {0xDBDBDB, 254}, {0xFF0000, 5},   {0xFF00FF, 6},   {0xFFFF00, 4},   {0xFFFFFF, 7},
+};
+
+// The number of a colour that stands in the table as a whole number, else 0.
+template <std::size_t count>
+int exactNumber(const ExactColor (&table)[count], long rgb)
 {
-    const int x8 = 8 * x;
-    return (x8 >= y) + (x8 >= 3 * y) + (x8 >= 5 * y) + (x8 >= 7 * y);
+    for (const ExactColor &row : table)
+        if (row.packed == rgb)
+            return row.number;
+    return 0;
 }
 
-int hueNumber(int r, int g, int b)
-{
-    if (b == 0)
-        return r > g ? 1 + hueStep(g, r) : 9 - hueStep(r, g);
-    if (r == 0)
-        return g > b ? 9 + hueStep(b, g) : 17 - hueStep(g, b);
-    return b > r ? 17 + hueStep(r, b) : 25 - hueStep(b, r);
-}
+// The three parts of a colour, red first.
+struct Parts {
+    int at[3];
+};
 
 // With m the middle and n > 0 the lowest part, k = 2.0 - m / n tells how much grey goes: the middle part becomes
 // trunc(m - k * n + 0.5), the lowest 0. m - k * n is the whole number 2 * (m - n), and k is above 0 if m is below 2 * n.
-void removeGrey(int &r, int &g, int &b, int lowest, int highest)
+// Without a part strictly between, blue is the middle one. A lowest part of 0 leaves all as it is.
+void removeGrey(Parts &parts, int lowest, int highest)
 {
-    int &middlePart = r > lowest && r < highest ? r : g > lowest && g < highest ? g : b;
-    int &lowestPart = r == lowest ? r : g == lowest ? g : b;
-    if (middlePart >= 2 * lowest)
-        return;
-    middlePart = 2 * (middlePart - lowest);
-    lowestPart = 0;
+    const int r = parts.at[0];
+    const int g = parts.at[1];
+    const int greenOrBlue = g > lowest && g < highest ? 1 : 2;
+    const int middle = r > lowest && r < highest ? 0 : greenOrBlue;
+    const int low = r == lowest ? 0 : g == lowest ? 1 : 2;
+    const int m = parts.at[middle];
+    const bool grey = m < 2 * lowest;
+    parts.at[middle] = grey ? 2 * (m - lowest) : m;
+    parts.at[low] = grey ? 0 : parts.at[low];
+}
+
+// The hues go round in three stretches of eight, red to green, green to blue and blue to red. A stretch that begins at
+// `base` takes one step for each quarter of the lesser of its two parts in the greater, base + t(second, first) in its
+// first half and base + 8 - t(first, second) in its second, where t(x, y) is trunc(4.0 * x / y + 0.5).
+int hueNumber(const Parts &parts)
+{
+    const int r = parts.at[0];
+    const int g = parts.at[1];
+    const int b = parts.at[2];
+    const bool redToGreen = b == 0;
+    const bool greenToBlue = r == 0;
+    const int first = redToGreen ? r : greenToBlue ? g : b;
+    const int second = redToGreen ? g : greenToBlue ? b : r;
+    const int base = redToGreen ? 1 : greenToBlue ? 9 : 17;
+    const int greater = std::max(first, second);
+    const int lesser8 = 8 * std::min(first, second);
+    const int step =
+        (lesser8 >= greater) + (lesser8 >= 3 * greater) + (lesser8 >= 5 * greater) + (lesser8 >= 7 * greater);
+    return first > second ? base + step : base + 8 - step;
 }
 
 int brightnessOffset(int highest)
@@ -115,53 +156,25 @@ int brightnessOffset(int highest)
 
 } // namespace
 
-int vColor::ConvRGB2IGES(long rgb)
-{
-    switch (rgb) {
-    case 0x000000: return 8;
-    case 0x0000FF: return 4;
-    case 0x00FF00: return 3;
-    case 0x00FFFF: return 5;
-    case 0xFF0000: return 2;
-    case 0xFF00FF: return 7;
-    case 0xFFFF00: return 6;
-    case 0xFFFFFF: return 1;
-    default: return 0;
-    }
-}
+int vColor::ConvRGB2IGES(long rgb) { return exactNumber(igesColors, rgb); }
 
 int vColor::ConvRGB2DXF(long rgb)
 {
-    switch (rgb) {
-    case 0x000000: return 7;
-    case 0x0000FF: return 1;
-    case 0x00FF00: return 3;
-    case 0x00FFFF: return 2;
-    case 0x494949: return 8;
-    case 0x545454: return 250;
-    case 0x757575: return 251;
-    case 0x969696: return 252;
-    case 0xBABABA: return 253;
-    case 0xCACACA: return 9;
-    case 0xDBDBDB: return 254;
-    case 0xFF0000: return 5;
-    case 0xFF00FF: return 6;
-    case 0xFFFF00: return 4;
-    case 0xFFFFFF: return 7;
-    default: break;
+    Parts parts = {
+        {static_cast<int>(rgb & 0xff), static_cast<int>((rgb >> 8) & 0xff), static_cast<int>((rgb >> 16) & 0xff)}};
+    const int highest = std::max({parts.at[0], parts.at[1], parts.at[2]});
+    const int lowest = std::min({parts.at[0], parts.at[1], parts.at[2]});
+    if (lowest == highest || (lowest == 0 && highest == 255)) { // the exact values are greys and pure colours
+        const int exact = exactNumber(dxfColors, rgb);
+        if (exact != 0)
+            return exact;
+        if (highest == 0)
+            return 7;
     }
-    int r = static_cast<int>(rgb & 0xff);
-    int g = static_cast<int>((rgb >> 8) & 0xff);
-    int b = static_cast<int>((rgb >> 16) & 0xff);
-    const int highest = r > g ? (r > b ? r : b) : (g > b ? g : b);
-    const int lowest = r < g ? (r < b ? r : b) : (g < b ? g : b);
-    if (highest == 0)
-        return 7;
     const int pale = lowest > 0 && highest <= 3 * lowest;
-    if (lowest > 0)
-        removeGrey(r, g, b, lowest, highest);
-    const int number = hueNumber(r, g, b);
-    return 10 * (number > 24 || number < 1 ? 1 : number) + pale + brightnessOffset(highest);
+    removeGrey(parts, lowest, highest);
+    const int number = hueNumber(parts);
+    return 10 * (number > 24 ? 1 : number) + pale + brightnessOffset(highest);
 }
 
 long vColor::ConvDXF2RGB(int index)

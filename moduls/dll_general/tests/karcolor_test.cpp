@@ -2,6 +2,7 @@
 #include "karcolor.h"
 
 #include "dxfpalette.h"
+#include "failalloc.h"
 #include "testhash.h"
 #include "testrandom.h"
 #include "vcolor.h"
@@ -156,7 +157,7 @@ TEST(KarColor, TheMarksAreTestedAsBitsAlthoughTheyAreNumbers)
         unsigned char special;
         bool layer, block, background, foreground;
     } rows[] = {
-        {0, false, false, false, false}, {1, true, false, true, false}, {2, false, true, true, false},
+        {0, false, false, false, false}, {1, true, false, true, false},  {2, false, true, true, false},
         {3, true, true, true, false},    {4, false, false, false, true}, {5, true, false, true, true},
         {8, false, false, false, false}, {255, true, true, true, true},
     };
@@ -219,6 +220,13 @@ TEST(KarColor, ItsNameIsTheNumericForm)
     EXPECT_STREQ(static_cast<const char *>(karColor(255, 0, 0).name(true)), "RGB(255,0,0)") << "never a name";
 }
 
+TEST(KarColor, ItsNameIsEmptyWithoutMemory)
+{
+    const AllAllocationsFail failing;
+    const karString name = karColor(1, 2, 3).name(true);
+    EXPECT_EQ(static_cast<const char *>(name), nullptr);
+}
+
 TEST(KarColor, ItsNumbersAreThoseOfTheConversions)
 {
     EXPECT_EQ(karColor().acad(), ACAD_COLOR_WHITE);
@@ -271,12 +279,24 @@ TEST(KarColor, AMillionStepsHaveTheHashOfPlainBytes)
         const karColor cb(static_cast<unsigned long>(b));
         karColor x = ca;
         switch (shape) {
-        case 0: x = ca.invers(); break;
-        case 1: x = ca ^ cb; break;
-        case 2: x ^= cb; break;
-        case 3: x = ca.contrast(); break;
-        case 4: x = ca.twilight(cb); break;
-        default: x = karColor(ca.bgrs()); break;
+        case 0:
+            x = ca.invers();
+            break;
+        case 1:
+            x = ca ^ cb;
+            break;
+        case 2:
+            x ^= cb;
+            break;
+        case 3:
+            x = ca.contrast();
+            break;
+        case 4:
+            x = ca.twilight(cb);
+            break;
+        default:
+            x = karColor(ca.bgrs());
+            break;
         }
         code.add(static_cast<std::uint64_t>(x.rgbs()));
 

@@ -232,9 +232,9 @@ TEST(KarParamBlock, ConcatReducesAnAngleAboveAFullTurnOnce)
     const struct {
         int first, second, sum;
     } rows[] = {
-        {3000000, 3000000, 2000000}, {2000000, 2000000, 4000000}, {2000000, 2000001, 1},
-        {4000000, 4000000, 4000000}, {4000000, 4000001, 4000001}, {9000000, 0, 5000000},
-        {-3000000, -3000000, -6000000}, {INT_MAX, 1, INT_MIN},    {INT_MIN, -1, INT_MAX - 4000000},
+        {3000000, 3000000, 2000000},    {2000000, 2000000, 4000000}, {2000000, 2000001, 1},
+        {4000000, 4000000, 4000000},    {4000000, 4000001, 4000001}, {9000000, 0, 5000000},
+        {-3000000, -3000000, -6000000}, {INT_MAX, 1, INT_MIN},       {INT_MIN, -1, INT_MAX - 4000000},
     };
     for (const auto &row : rows) {
         karParamBlock block = turned(row.first);
@@ -253,9 +253,8 @@ TEST(KarParamBlock, ConcatDropsASlopeBeyondARightAngle)
     const struct {
         int first, second, sum;
     } rows[] = {
-        {600000, 600000, 0},        {500000, 500000, 1000000},   {500000, 500001, 0},
-        {-500000, -500000, -1000000}, {-500000, -500001, 0},     {600000, -700000, -100000},
-        {INT_MAX, INT_MAX, -2},     {INT_MIN, INT_MIN, 0},
+        {600000, 600000, 0},   {500000, 500000, 1000000},  {500000, 500001, 0},    {-500000, -500000, -1000000},
+        {-500000, -500001, 0}, {600000, -700000, -100000}, {INT_MAX, INT_MAX, -2}, {INT_MIN, INT_MIN, 0},
     };
     for (const auto &row : rows) {
         karParamBlock block;
@@ -500,7 +499,9 @@ TEST(KarParamBlock, AMillionCombinationsHaveTheHashOfThePlainSums)
     long long slope = 0;
     int mirror = 0;
     double scaleX = 1;
-    const auto wrapped = [](long long v) { return static_cast<int>(static_cast<std::int32_t>(static_cast<std::uint32_t>(v))); };
+    const auto wrapped = [](long long v) {
+        return static_cast<int>(static_cast<std::int32_t>(static_cast<std::uint32_t>(v)));
+    };
     for (int i = 0; i < 1000000; ++i) {
         const int ox = random.anyInt();
         const int oy = random.between(-100, 100);

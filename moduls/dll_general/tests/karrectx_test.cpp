@@ -426,8 +426,8 @@ TEST(KarRectX, IsFullInABoxWithAllFourCorners)
     const karRectX box(karPoint(0, 0), 100, 50, 0.7853981633974483); // corners (0, 0), (70, 70), (35, 105), (-35, 35)
     karRect around(-35, 0, 70, 105);
     EXPECT_TRUE(box.isFullIn(around)) << "edges included";
-    for (karRect less : {karRect(-34, 0, 70, 105), karRect(-35, 1, 70, 105), karRect(-35, 0, 69, 105),
-                         karRect(-35, 0, 70, 104)})
+    for (karRect less :
+         {karRect(-34, 0, 70, 105), karRect(-35, 1, 70, 105), karRect(-35, 0, 69, 105), karRect(-35, 0, 70, 104)})
         EXPECT_FALSE(box.isFullIn(less));
 }
 
@@ -789,8 +789,11 @@ TEST(KarRectX, AnyNumbersAreAnswered)
 {
     TestRandom random(1043);
     for (int i = 0; i < 20000; ++i) {
-        const auto any = [&] { return random.below(4) == 0 ? (random.below(2) == 0 ? INT_MIN : INT_MAX) : random.anyInt(); };
-        karRectX box(karPoint(any(), any()), any(), any(), random.below(2) == 0 ? random.anyDouble() : random.between(-9.0, 9.0));
+        const auto any = [&] {
+            return random.below(4) == 0 ? (random.below(2) == 0 ? INT_MIN : INT_MAX) : random.anyInt();
+        };
+        karRectX box(karPoint(any(), any()), any(), any(),
+                     random.below(2) == 0 ? random.anyDouble() : random.between(-9.0, 9.0));
         karRectX other(karPoint(any(), any()), any(), any(), random.between(-9.0, 9.0));
         karRect in(any(), any(), any(), any());
         box.isVisibleIn(in);

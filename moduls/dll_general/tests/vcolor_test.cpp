@@ -2,6 +2,7 @@
 #include "vcolor.h"
 
 #include "dxfpalette.h"
+#include "failalloc.h"
 #include "karstring.h"
 #include "testhash.h"
 #include "testrandom.h"
@@ -39,13 +40,14 @@ struct ExactRow {
 };
 
 constexpr ExactRow igesRows[] = {
-    {0x000000, 8}, {0x0000FF, 4}, {0x00FF00, 3}, {0x00FFFF, 5}, {0xFF0000, 2}, {0xFF00FF, 7}, {0xFFFF00, 6}, {0xFFFFFF, 1},
+    {0x000000, 8}, {0x0000FF, 4}, {0x00FF00, 3}, {0x00FFFF, 5},
+    {0xFF0000, 2}, {0xFF00FF, 7}, {0xFFFF00, 6}, {0xFFFFFF, 1},
 };
 
 constexpr ExactRow dxfRows[] = {
-    {0x000000, 7},   {0x0000FF, 1},   {0x00FF00, 3},   {0x00FFFF, 2}, {0x494949, 8},
+    {0x000000, 7},   {0x0000FF, 1},   {0x00FF00, 3},   {0x00FFFF, 2},   {0x494949, 8},
     {0x545454, 250}, {0x757575, 251}, {0x969696, 252}, {0xBABABA, 253}, {0xCACACA, 9},
-    {0xDBDBDB, 254}, {0xFF0000, 5},   {0xFF00FF, 6},   {0xFFFF00, 4}, {0xFFFFFF, 7},
+    {0xDBDBDB, 254}, {0xFF0000, 5},   {0xFF00FF, 6},   {0xFFFF00, 4},   {0xFFFFFF, 7},
 };
 
 // The conversion written out step by step with real numbers.
@@ -56,7 +58,8 @@ int plainRGB2DXF(long rgb)
     for (const ExactRow &row : dxfRows)
         if (row.packed == rgb)
             return row.number;
-    int part[3] = {static_cast<int>(rgb & 255), static_cast<int>((rgb >> 8) & 255), static_cast<int>((rgb >> 16) & 255)};
+    int part[3] = {static_cast<int>(rgb & 255), static_cast<int>((rgb >> 8) & 255),
+                   static_cast<int>((rgb >> 16) & 255)};
     const int mx = *std::max_element(part, part + 3);
     const int mn = *std::min_element(part, part + 3);
     if (mx == 0)
@@ -484,6 +487,26 @@ TEST_F(VColorNameReading, ReadsBeyondAnyLengthOfText)
     EXPECT_EQ(vColorName::Conv(text.c_str()), 0x030201);
 }
 
+TEST_F(VColorNameReading, WithoutMemoryForTheCopyIsBlack)
+{
+    const AllAllocationsFail failing;
+    EXPECT_EQ(vColorName::Conv("RGB(1,2,3)"), 0);
+}
+
+TEST_F(VColorNameReading, WithoutMemoryForAPartLeavesThatPart0)
+{
+    unsigned n = 1;
+    for (;; ++n) {
+        const NthAllocationFails failing(n);
+        const long rgb = vColorName::Conv("RGB(1,2,3)");
+        if (!failing.happened())
+            break;
+        EXPECT_TRUE(rgb == 0 || rgb == 0x000001 || rgb == 0x000201) << rgb << " at allocation " << n;
+    }
+    EXPECT_GT(n, 1u);
+    EXPECT_EQ(vColorName::Conv("RGB(1,2,3)"), 0x030201);
+}
+
 TEST_F(VColorNameReading, ReadsBackWhatItWrites)
 {
     TestRandom random(1004);
@@ -563,12 +586,14 @@ TEST(NamedColors, SixteenRowsAndANullRow)
         long packed;
         const char *name;
     } rows[] = {
-        {packed(0, 0, 0), "Black"},           {packed(255, 0, 0), "Red"},        {packed(0, 255, 0), "Green"},
-        {packed(255, 255, 0), "Yellow"},      {packed(0, 0, 255), "Blue"},       {packed(255, 0, 255), "Magenta"},
-        {packed(0, 255, 255), "Cyan"},        {packed(255, 255, 255), "White"},  {packed(192, 192, 192), "Gray"},
-        {packed(128, 0, 0), "Dark Red"},      {packed(0, 128, 0), "Dark Green"}, {packed(128, 128, 0), "Dark Yellow"},
-        {packed(0, 0, 128), "Dark Blue"},     {packed(128, 0, 128), "Dark Magenta"},
-        {packed(0, 128, 128), "Dark Cyan"},   {packed(128, 128, 128), "Dark Gray"},
+        {packed(0, 0, 0), "Black"},         {packed(255, 0, 0), "Red"},
+        {packed(0, 255, 0), "Green"},       {packed(255, 255, 0), "Yellow"},
+        {packed(0, 0, 255), "Blue"},        {packed(255, 0, 255), "Magenta"},
+        {packed(0, 255, 255), "Cyan"},      {packed(255, 255, 255), "White"},
+        {packed(192, 192, 192), "Gray"},    {packed(128, 0, 0), "Dark Red"},
+        {packed(0, 128, 0), "Dark Green"},  {packed(128, 128, 0), "Dark Yellow"},
+        {packed(0, 0, 128), "Dark Blue"},   {packed(128, 0, 128), "Dark Magenta"},
+        {packed(0, 128, 128), "Dark Cyan"}, {packed(128, 128, 128), "Dark Gray"},
     };
     ASSERT_EQ(sizeof kar::namedColors / sizeof kar::namedColors[0], 17u);
     for (int i = 0; i < 16; ++i) {
