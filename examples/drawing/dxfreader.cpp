@@ -21,7 +21,7 @@ template <class Made>
 Made *required(Made *made)
 {
     if (!made)
-        throw DrawingError("is too large for the memory");
+        throw DrawingError(text("is too large for the memory"));
     return made;
 }
 
@@ -148,7 +148,7 @@ public:
     {
         constexpr std::size_t deepest = 200;
         if (open.size() > deepest)
-            throw DrawingError("inserts blocks more than " + std::to_string(deepest) + " deep");
+            throw DrawingError(textOf("inserts blocks more than %d deep", static_cast<int>(deepest)));
         for (const Entity *entity = block.ListFirst(); entity; entity = entity->next()) {
             if (entity->kind != EntityInsert)
                 continue;
@@ -156,7 +156,7 @@ public:
             if (!inserted || done.count(inserted))
                 continue;
             if (!open.insert(inserted).second)
-                throw DrawingError("block \"" + std::string(inserted->name) + "\" inserts itself");
+                throw DrawingError(textOf("block \"%s\" inserts itself", static_cast<const char *>(inserted->name)));
             walk(*inserted);
             open.erase(inserted);
             done.insert(inserted);
@@ -173,7 +173,7 @@ private:
 
 void readDxf(const std::string &path, Drawing &drawing)
 {
-    std::istringstream text(readDxfText(path));
+    std::istringstream text(checkedDxf(readFile(path)));
     Reader reader(drawing);
     DL_Dxf dxf;
     dxf.in(text, &reader);

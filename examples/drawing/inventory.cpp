@@ -1,5 +1,7 @@
 #include "inventory.h"
 
+#include "texts.h"
+
 #include <array>
 #include <iomanip>
 #include <map>
@@ -34,24 +36,27 @@ void printInventory(std::ostream &out, const Drawing &drawing)
         inBlocks += block->ListAnzahl();
     }
 
-    printRow(out, "layer", "kind", drawing.entities.ListAnzahl());
+    printRow(out, std::string(text("layer")), std::string(text("kind")), drawing.entities.ListAnzahl());
     for (const auto &[layer, counts] : layers)
         for (int kind = 0; kind < entityKinds; ++kind)
             if (counts[static_cast<std::size_t>(kind)] != 0)
                 printRow(out, layer, kindName(static_cast<EntityKind>(kind)), counts[static_cast<std::size_t>(kind)]);
     if (!others.empty()) {
-        out << "Only counted:";
+        out << text("Only counted:");
         for (const auto &[name, count] : others)
             out << ' ' << name << ' ' << count;
         out << '\n';
     }
     if (blocks != 0)
-        out << "Blocks: " << blocks << " with " << inBlocks << " entities\n";
+        out << textOf("Blocks: %d with %d entities", blocks, inBlocks) << '\n';
 }
 
 void printMemory(std::ostream &out)
 {
-    out << "Memory: " << globalMemList->getAnzNew() << " allocations, " << globalMemList->getCurAnzNew()
-        << " heap blocks of " << globalMemList->getCurSizeNew() << " bytes now, large blocks "
-        << globalMemList->curr_used_memory() << " bytes now and " << globalMemList->max_used_memory() << " at most\n";
+    const karGlobalMemory &memory = *globalMemList;
+    out << textOf(
+               "Memory: %ld allocations, %ld heap blocks of %ld bytes now, large blocks %ld bytes now and %ld at most",
+               memory.getAnzNew(), memory.getCurAnzNew(), memory.getCurSizeNew(), memory.curr_used_memory(),
+               memory.max_used_memory())
+        << '\n';
 }
