@@ -156,10 +156,12 @@ TEST(TPair, GivesNullWhereTheAllocatorHasNoMemory)
 TEST(TPair, ClonesByOneBlockOfTheAllocator)
 {
     const karPoint point(3, -4);
+    IntPair *first = point.Clone(); // keeps the page of its size class, whose own blocks count as well
     const long before = globalMemList->getAnzNew();
     IntPair *clone = point.Clone();
     EXPECT_EQ(globalMemList->getAnzNew(), before + 1);
     KarDellocMemory(clone);
+    KarDellocMemory(first);
 }
 
 TEST(TPair, DispatchesCloneToAClassOfTheHost)
