@@ -4,6 +4,7 @@
 
 #include "karlist.h"
 
+#include <cstdint>
 #include <cstdio>
 
 class karPage;
@@ -25,11 +26,21 @@ constexpr long addLong(long a, unsigned long b)
 /// What a page knows beyond its stated fields, only to be fast. It doesn't go with a copy.
 struct PageState {
     PageState() = default;
-    PageState(const PageState &) {}
-    PageState &operator=(const PageState &) { return *this; }
+    PageState(const PageState &other) : reciprocal(other.reciprocal) {}
+    PageState &operator=(const PageState &other)
+    {
+        reciprocal = other.reciprocal;
+        return *this;
+    }
 
-    PageIndex *index = nullptr; ///< of the chain that the page stands in, null outside a pool
-    unsigned slot = 0;          ///< place in that index, in the order of the chain
+    /// Whether an element starts `offset` bytes behind the start of the storage. The remainder of a division of 32-bit
+    /// numbers is 0 exactly where the product with the rounded reciprocal doesn't exceed it (Lemire, Kaser, Kurz).
+    bool startsElement(std::uintptr_t offset) const { return offset * reciprocal < reciprocal; }
+    void setElementSize(int size) { reciprocal = ~std::uint64_t(0) / static_cast<unsigned>(size) + 1; }
+
+    PageIndex *index = nullptr;   ///< of the chain that the page stands in, null outside a pool
+    unsigned slot = 0;            ///< place in that index, in the order of the chain
+    std::uint64_t reciprocal = 0; ///< of the element size, 2^64 divided by it and rounded up
 };
 
 /// What a pool knows beyond its stated fields, only to be fast. It doesn't go with a copy, which finds it again
@@ -347,5 +358,8 @@ private:
 
     kar::RecordIndex *index; ///< Record by address, only to be fast; null where there are few.
 };
+
+// The variable pages and pools, a unit of their own, belong to this header as well.
+#include "karvarmem.h"
 
 #endif

@@ -27,6 +27,8 @@ private:
 
 } // namespace
 
+kar::AddressTable<kar::PageStretch> kar::largePages;
+
 // ---- Pages
 
 karBasisPage::karBasisPage(karBasisPage *other) : karListTyped(other, KAR_LIST_APPEND) { initBasis(); }
@@ -112,6 +114,7 @@ void karPage::init(int size, int count)
     }
     elementFullSize_ = static_cast<int>(distance);
     elementCount_ = count;
+    state.setElementSize(elementFullSize_);
     char *const start = static_cast<char *>(firstPageElement_);
     lastPageElement_ = start + (total - 1);
     void *lower = nullptr;

@@ -175,10 +175,12 @@ void karGlobalMemory::deleteMem(void *p)
     if (!p || addressOf(p) == guardSize)
         return;
     char *const block = static_cast<char *>(p) - guardSize;
+    void *const element = block - blockShift;
+    karPage *const page = kar::PageIndex::findLarge(element); // doesn't wait for the header
     const unsigned header = readGuard(block);
     if (header > largestPoolBlock || markMemListGlobal == 0)
         return deleteFromHeap(p, header);
-    PoolAccess::give(pools[poolOf[header]], block - blockShift);
+    PoolAccess::give(pools[poolOf[header]], page, element);
 }
 
 void karGlobalMemory::deleteFromHeap(void *p, unsigned header)

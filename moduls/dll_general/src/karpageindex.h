@@ -22,6 +22,17 @@ inline unsigned lowestBit(std::uint64_t word)
 #endif
 }
 
+/// A page by a piece of the address space that its storage meets. All pieces of a table have one size.
+struct PageStretch {
+    std::uintptr_t key; // first address of the piece divided by its size, plus 1
+    karPage *page;
+};
+
+/// The pages of at least 2^largeShift bytes, those of all indices together: an address can be looked up before it is
+/// known which pool it belongs to.
+constexpr unsigned largeShift = 15;
+extern AddressTable<PageStretch> largePages;
+
 /// Shared by the pages of one chain, which only grows at its end: a page added later has a higher slot, so the first
 /// page with room is the lowest slot with room. The index lies outside the pools and goes with its last page. Where it
 /// can't have the memory it needs it gives up (`complete()` is false) until then, and the chain is walked instead.
@@ -38,14 +49,16 @@ public:
     karPage *firstWithRoom() const { return room; }
     int pages() const { return pageCount; }
 
+    /// The page of any index with large pages whose storage holds `p`, or null.
+    static karPage *findLarge(const void *p) { return find(largePages, largeShift, p); }
+
     /// The page whose storage holds `p`, or null.
     karPage *find(const void *p) const
     {
-        const std::uintptr_t place = addressOf(p);
-        const Stretch *const stretch = stretches.find((place >> stretchShift) + 1, [place](const Stretch &candidate) {
-            return place - candidate.start <= candidate.length;
-        });
-        return stretch ? stretch->page : nullptr;
+        if (karPage *const page = find(smallPages, smallShift, p))
+            return page;
+        karPage *const page = findLarge(p);
+        return page && page->state.index == this ? page : nullptr;
     }
 
     /// Adds a page to the end.
@@ -64,7 +77,7 @@ public:
     {
         if (!gaveUp) {
             lostRoom(page);
-            removeStretches(page);
+            removeStretches(slots[page.state.slot]);
             slots[page.state.slot] = Slot{};
         }
         page.state.index = nullptr;
@@ -80,8 +93,12 @@ public:
         if (gaveUp)
             return;
         unsigned position = page.state.slot;
-        for (unsigned level = 0; level < levels; ++level, position /= 64)
-            bits[level][position / 64] |= std::uint64_t(1) << position % 64;
+        for (unsigned level = 0; level < height; ++level, position /= 64) {
+            const std::uint64_t before = bits[level][position / 64];
+            bits[level][position / 64] = before | std::uint64_t(1) << position % 64;
+            if (before)
+                break; // the levels above know of the word
+        }
         if (!room || page.state.slot < room->state.slot)
             room = &page;
     }
@@ -92,7 +109,7 @@ public:
         if (gaveUp)
             return;
         unsigned position = page.state.slot;
-        for (unsigned level = 0; level < levels; ++level, position /= 64) {
+        for (unsigned level = 0; level < height; ++level, position /= 64) {
             bits[level][position / 64] &= ~(std::uint64_t(1) << position % 64);
             if (bits[level][position / 64])
                 break;
@@ -102,30 +119,22 @@ public:
     }
 
 private:
-    struct Stretch {
-        std::uintptr_t key;    // address divided by the stretch length, plus 1
-        std::uintptr_t start;  // of the page's storage
-        std::uintptr_t length; // minus 1
-        karPage *page;
-    };
     struct Slot {
         karPage *page;         // null in a gap
         std::uintptr_t start;  // of its storage, as it was added
         std::uintptr_t length; // minus 1
     };
 
-    static constexpr unsigned levels = 4; // 64 to the power of 4 pages, more than 32-bit sizes can have in use
+    static constexpr unsigned levels = 5; // 64 to the power of 5 pages
     static constexpr unsigned firstCapacity = 64;
 
     karPage *lowest() const
     {
+        if (height == 0 || !*bits[height - 1])
+            return nullptr;
         unsigned position = 0;
-        for (unsigned level = levels; level-- > 0;) {
-            const std::uint64_t word = capacity ? bits[level][position] : 0;
-            if (!word)
-                return nullptr;
-            position = position * 64 + lowestBit(word);
-        }
+        for (unsigned level = height; level-- > 0;)
+            position = position * 64 + lowestBit(bits[level][position]);
         return slots[position].page;
     }
 
@@ -150,23 +159,25 @@ private:
             newCapacity *= 2;
         std::size_t words[levels];
         std::size_t total = 0;
-        for (unsigned level = 0, entries = newCapacity; level < levels; ++level) {
+        unsigned newHeight = 0;
+        for (unsigned entries = newCapacity; entries > 1; ++newHeight) {
+            if (newHeight == levels)
+                return false;
             entries = (entries + 63) / 64;
-            words[level] = entries;
+            words[newHeight] = entries;
             total += entries;
         }
-        if (words[levels - 1] > 1)
-            return false;
         // One piece of memory: the bits of all levels, then the slots.
         void *const memory = std::calloc(1, total * sizeof(std::uint64_t) + newCapacity * sizeof(Slot));
         if (!memory)
             return false;
-        std::uint64_t *newBits[levels];
+        void *const old = bits[0];
         std::uint64_t *place = static_cast<std::uint64_t *>(memory);
-        for (unsigned level = 0; level < levels; ++level) {
-            newBits[level] = place;
+        for (unsigned level = 0; level < newHeight; ++level) {
+            bits[level] = place;
             place += words[level];
         }
+        height = newHeight;
         Slot *const newSlots = reinterpret_cast<Slot *>(place);
         unsigned next = 0;
         for (unsigned i = 0; i < used; ++i)
@@ -175,9 +186,6 @@ private:
                 newSlots[next].page->state.slot = next;
                 ++next;
             }
-        void *const old = bits[0];
-        for (unsigned level = 0; level < levels; ++level)
-            bits[level] = newBits[level];
         slots = newSlots;
         used = next;
         capacity = newCapacity;
@@ -189,54 +197,78 @@ private:
         return true;
     }
 
+    static karPage *find(const AddressTable<PageStretch> &pages, unsigned shift, const void *p)
+    {
+        const std::uintptr_t place = addressOf(p);
+        const PageStretch *const stretch = pages.find((place >> shift) + 1, [place](const PageStretch &candidate) {
+            const std::uintptr_t start = addressOf(candidate.page->firstPageElement_);
+            return place - start <= addressOf(candidate.page->lastPageElement_) - start;
+        });
+        return stretch ? stretch->page : nullptr;
+    }
+
+    static bool isLarge(const Slot &slot) { return slot.length >> largeShift != 0; }
+
     bool addStretches(karPage &page)
     {
         const Slot &slot = slots[page.state.slot];
         if (!slot.start)
             return true; // a page without storage holds no address
-        if (stretches.size() == 0) {
-            // The largest power of two within a page: a page meets three stretches at most, a stretch two pages.
-            stretchShift = 0;
+        if (isLarge(slot))
+            return addStretches(largePages, largeShift, slot);
+        if (smallPages.size() == 0) {
+            // The largest power of two within a page: a page meets three pieces at most, a piece two pages.
+            smallShift = 0;
             for (std::uintptr_t length = slot.length; length > 1; length /= 2)
-                ++stretchShift;
+                ++smallShift;
         }
-        const std::uintptr_t last = ((slot.start + slot.length) >> stretchShift) + 1;
-        for (std::uintptr_t key = (slot.start >> stretchShift) + 1; key <= last; ++key)
-            if (!stretches.insert({key, slot.start, slot.length, &page}))
+        return addStretches(smallPages, smallShift, slot);
+    }
+
+    static bool addStretches(AddressTable<PageStretch> &pages, unsigned shift, const Slot &slot)
+    {
+        const std::uintptr_t last = ((slot.start + slot.length) >> shift) + 1;
+        for (std::uintptr_t key = (slot.start >> shift) + 1; key <= last; ++key)
+            if (!pages.insert({key, slot.page}))
                 return false;
         return true;
     }
 
-    void removeStretches(karPage &page)
+    void removeStretches(const Slot &slot)
     {
-        const Slot &slot = slots[page.state.slot];
         if (!slot.start)
             return;
-        const std::uintptr_t last = ((slot.start + slot.length) >> stretchShift) + 1;
-        for (std::uintptr_t key = (slot.start >> stretchShift) + 1; key <= last; ++key)
-            if (Stretch *const stretch =
-                    stretches.find(key, [&page](const Stretch &candidate) { return candidate.page == &page; }))
-                stretches.erase(stretch);
+        AddressTable<PageStretch> &pages = isLarge(slot) ? largePages : smallPages;
+        const unsigned shift = isLarge(slot) ? largeShift : smallShift;
+        const std::uintptr_t last = ((slot.start + slot.length) >> shift) + 1;
+        for (std::uintptr_t key = (slot.start >> shift) + 1; key <= last; ++key)
+            if (PageStretch *const stretch =
+                    pages.find(key, [&slot](const PageStretch &candidate) { return candidate.page == slot.page; }))
+                pages.erase(stretch);
     }
 
     void giveUp()
     {
         gaveUp = true;
         room = nullptr;
-        stretches.clear();
+        for (unsigned i = 0; i < used; ++i)
+            if (slots[i].page)
+                removeStretches(slots[i]);
+        smallPages.clear();
         std::free(bits[0]);
         bits[0] = nullptr;
         slots = nullptr;
-        used = capacity = 0;
+        used = capacity = height = 0;
     }
 
     karPage *room = nullptr; // the first page with a free element
-    unsigned stretchShift = 0;
-    AddressTable<Stretch> stretches;
+    unsigned smallShift = 0;
+    AddressTable<PageStretch> smallPages;
     std::uint64_t *bits[levels] = {}; // bit i of a level: word i of the level below isn't 0; at level 0 slot i has room
     Slot *slots = nullptr;            // in the order of the chain, with gaps
     unsigned used = 0;                // slots given out
     unsigned capacity = 0;
+    unsigned height = 0; // levels in use; the highest is one word
     int pageCount = 0;
     bool gaveUp = false;
 };

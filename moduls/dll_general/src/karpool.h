@@ -29,19 +29,18 @@ struct FreeLinks {
 static_assert(sizeof(FreeLinks) == sizeof(karFreeElement), "a free element holds the two links and nothing else");
 
 struct PoolAccess {
-    /// The bytes of one element at `p` lie in the page's storage.
-    static bool inPage(const karPage &page, const void *p)
+    /// The links of a free element at `p` would lie in the page's storage.
+    static bool holdsLinks(const karPage &page, const void *p)
     {
         const std::uintptr_t start = addressOf(page.firstPageElement_);
-        return start && addressOf(p) - start <= addressOf(page.lastPageElement_) - start -
-                                                    (static_cast<unsigned>(page.elementFullSize_) - 1);
+        return start && addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1);
     }
 
     static bool isElement(const karPage &page, const void *p)
     {
-        return inPage(page, p) && static_cast<unsigned>(addressOf(p) - addressOf(page.firstPageElement_)) %
-                                          static_cast<unsigned>(page.elementFullSize_) ==
-                                      0;
+        const std::uintptr_t start = addressOf(page.firstPageElement_);
+        const std::uintptr_t offset = addressOf(p) - start;
+        return start && offset <= addressOf(page.lastPageElement_) - start && page.state.startsElement(offset);
     }
 
     /// Whether an element stands in the free list. A live element nearly always shows it by its own bytes; one that
@@ -51,9 +50,9 @@ struct PoolAccess {
         if (p == page.firstFreeElement_)
             return true;
         const FreeLinks links = FreeLinks::read(p);
-        if (!inPage(page, links.prev) || FreeLinks::read(links.prev).next != p)
+        if (!holdsLinks(page, links.prev) || FreeLinks::read(links.prev).next != p)
             return false;
-        if (links.next && !(inPage(page, links.next) && FreeLinks::read(links.next).prev == p))
+        if (links.next && !(holdsLinks(page, links.next) && FreeLinks::read(links.next).prev == p))
             return false;
         return walkFinds(page, p);
     }
@@ -61,7 +60,7 @@ struct PoolAccess {
     static bool walkFinds(const karPage &page, const void *p)
     {
         const void *element = page.firstFreeElement_;
-        for (int steps = page.elementCount_; steps > 0 && element && inPage(page, element); --steps) {
+        for (int steps = page.elementCount_; steps > 0 && element && holdsLinks(page, element); --steps) {
             if (element == p)
                 return true;
             element = FreeLinks::read(element).next;
@@ -75,7 +74,7 @@ struct PoolAccess {
         void *const element = page.firstFreeElement_;
         void *const next = FreeLinks::read(element).next;
         page.elementUsed_ = page.elementUsed_ < 1 ? 1 : page.elementUsed_ + 1;
-        if (next && inPage(page, next)) {
+        if (next && holdsLinks(page, next)) {
             FreeLinks::writePrev(next, nullptr);
             page.firstFreeElement_ = static_cast<karFreeElement *>(next);
         } else {
@@ -87,7 +86,7 @@ struct PoolAccess {
     }
 
     /// `karPage::deleteElement`; true if the page is empty now.
-    static bool give(karPage &page, void *p)
+    [[gnu::always_inline]] static inline bool give(karPage &page, void *p)
     {
         const bool element = isElement(page, p);
         if (element && isFree(page, p))
@@ -117,9 +116,14 @@ struct PoolAccess {
     /// `karPageMemory::deleteElement` without the change of the pointer; false if no page holds `p`.
     static bool give(karPageMemory &pool, void *p)
     {
-        PageIndex *const index = pool.state.index;
-        karPage *const page = index ? index->find(p) : nullptr;
-        if (!page)
+        const PageIndex *const index = pool.state.index;
+        return give(pool, index ? index->find(p) : nullptr, p);
+    }
+
+    /// The same, with the page that probably holds `p`.
+    static bool give(karPageMemory &pool, karPage *page, void *p)
+    {
+        if (!page || page->state.index != pool.state.index)
             return giveSlowly(pool, p);
         if (give(*page, p))
             pool.deletePage(page);

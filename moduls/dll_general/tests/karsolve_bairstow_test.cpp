@@ -1,5 +1,7 @@
 #include "karsolve.h"
 
+#include "karmatrix.h"
+
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
@@ -358,7 +360,8 @@ TEST(Eqbairstow, FindsChosenRootsInTheStatedOrder)
 
 TEST(Eqbairstow, FindsDoubleRootsWithFewerDigits)
 {
-    const Roots cases[] = {{1.0, 1.0, 3.0, -2.0}, {2.0, 2.0, {0, 1}, {0, -1}}, {1.0, 1.0, -4.0}, {-1.0, -1.0, 5.0, 5.0}};
+    const Roots cases[] = {
+        {1.0, 1.0, 3.0, -2.0}, {2.0, 2.0, {0, 1}, {0, -1}}, {1.0, 1.0, -4.0}, {-1.0, -1.0, 5.0, 5.0}};
     for (const Roots &roots : cases) {
         RealRun run(expandReal(1, roots));
         int passes = 1000;
@@ -469,7 +472,7 @@ TEST(EqBairstow, OtherDegreesThanThreeAndFourAreGuarded)
     ComplexRun quintic({{1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}, {6, 0}});
     passes = 100;
     EXPECT_EQ(5, quintic.solve(karComplex(0, 0), karComplex(0, 0), inf, passes));
-    EXPECT_EQ(2, passes); // degrees 5 and 3
+    EXPECT_EQ(2, passes);                   // degrees 5 and 3
     EXPECT_EQ(0.0, quintic.x[1].GetReal()); // x^2 + 1.25 x, as in the real form
     EXPECT_EQ(-1.25, quintic.x[2].GetReal());
     EXPECT_EQ(untouched, quintic.x[6].GetReal());
@@ -485,10 +488,7 @@ struct Transcription {
     Number p{}, q{};
 
     static double size(double number) { return std::fabs(number); }
-    static double size(const karComplex &z)
-    {
-        return std::sqrt(z.GetReal() * z.GetReal() + z.GetImag() * z.GetImag());
-    }
+    static double size(const karComplex &z) { return std::sqrt(z.GetReal() * z.GetReal() + z.GetImag() * z.GetImag()); }
 
     /// The passes for the first factor, or -1 if `limit` is reached.
     int factor(int n, double eps, int limit)
@@ -669,6 +669,146 @@ TEST(EqBairstow, BoundedFormEqualsTheOtherWhereThatEnds)
         ASSERT_TRUE(bounded.isSameAs(other)) << "seed 87, step " << step;
     }
     EXPECT_GT(ended, 10000);
+}
+
+// Solve_Polynom_Roots
+
+karMatrix row(const std::vector<double> &coefficients)
+{
+    karMatrix matrix(1, static_cast<int>(coefficients.size()));
+    std::copy(coefficients.begin(), coefficients.end(), matrix.GetData());
+    return matrix;
+}
+
+std::vector<double> elements(const karMatrix &matrix)
+{
+    return std::vector<double>(matrix.GetData(), matrix.GetData() + matrix.GetRows() * matrix.GetColumns());
+}
+
+void expectNear(const std::vector<double> &expected, const std::vector<double> &found)
+{
+    ASSERT_EQ(expected.size(), found.size());
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_NEAR(expected[i], found[i], 1e-12) << i;
+}
+
+TEST(SolvePolynomRoots, TakesTheNumberOfColumnsAsTheDegree)
+{
+    karMatrix coefficients = row({2, -12, 22, -12}); // 2x (x - 1) (x - 2) (x - 3): the missing coefficient is 0
+    const karMatrix roots = Solve_Polynom_Roots(coefficients, 7.0, nan);
+    EXPECT_EQ(2, roots.GetRows());
+    EXPECT_EQ(4, roots.GetColumns());
+    expectNear({1, 0, 3, 2, 0, 0, 0, 0}, elements(roots));
+}
+
+TEST(SolvePolynomRoots, OverwritesItsInputByTheQuotient)
+{
+    const karMatrix coefficients = row({2, -12, 22, -12});
+    Solve_Polynom_Roots(coefficients, 0.0, 0.0);
+    expectNear({2, -10, 12, -12}, elements(coefficients)); // 2 (x - 2) (x - 3), then the old entry
+}
+
+TEST(SolvePolynomRoots, EveryPairOfImaginaryPartsLandsInTheFirstTwoColumns)
+{
+    // x (x - 1), then 1 + 2i and 1 - 2i, then -3 + i and -3 - i over them
+    const karMatrix roots = Solve_Polynom_Roots(row({1, 3, -1, 7, 40, -50}), 0.0, 0.0);
+    expectNear({1, 0, 1, 1, -3, -3, 1, -1, 0, 0, 0, 0}, elements(roots));
+}
+
+TEST(SolvePolynomRoots, ZeroOfTheSingleRootOverwritesAnImaginaryPart)
+{
+    // x (x^2 - 2x + 5): the pair 1 + 2i, then the single root
+    const karMatrix roots = Solve_Polynom_Roots(row({1, -2, 5}), 0.0, 0.0);
+    expectNear({1, 1, 0, 0, -2, 0}, elements(roots));
+}
+
+TEST(SolvePolynomRoots, AnythingButOneRowGivesAnEmptyMatrix)
+{
+    for (int rows : {0, 2, 3}) {
+        const karMatrix roots = Solve_Polynom_Roots(karMatrix(rows, 4), 0.0, 0.0);
+        EXPECT_EQ(0, roots.GetRows());
+        EXPECT_EQ(0, roots.GetColumns());
+        EXPECT_EQ(nullptr, roots.GetData());
+    }
+    EXPECT_EQ(0, Solve_Polynom_Roots(karMatrix(), 0.0, 0.0).GetRows());
+}
+
+TEST(SolvePolynomRoots, FewColumnsStoreNothingBehindTheRoots)
+{
+    const karMatrix none = Solve_Polynom_Roots(karMatrix(1, 0), 0.0, 0.0);
+    EXPECT_EQ(2, none.GetRows());
+    EXPECT_EQ(0, none.GetColumns());
+    expectNear({3, 0, 0, 0}, elements(Solve_Polynom_Roots(row({1, -3}), 0.0, 0.0))); // x^2 - 3x
+    const karMatrix one = Solve_Polynom_Roots(row({2}), 0.0, 0.0);
+    EXPECT_EQ(1, one.GetColumns());
+    EXPECT_TRUE(std::isnan(one.GetData()[0]));
+    EXPECT_TRUE(std::isnan(one.GetData()[1])); // the imaginary part of the one root
+}
+
+/// The stated steps for any degree. Empty if a factor needs more than `limit` passes.
+std::vector<double> matrixRoots(std::vector<double> a, int limit)
+{
+    const int N = static_cast<int>(a.size());
+    int n = N, i = 0;
+    a.push_back(0.0);
+    std::vector<double> workB(a.size()), workC(a.size()), result(2 * static_cast<std::size_t>(N));
+    double *const b = workB.data(), *const c = workC.data(), *const r = result.data();
+    double p = 0, q = 0, re1, im1, re2, im2;
+    b[0] = c[0] = a[0];
+    while (n > 2) {
+        double ratio;
+        int pass = 0;
+        do {
+            if (++pass > limit)
+                return {};
+            b[1] = a[1] - p * b[0];
+            c[1] = b[1] - p * c[0];
+            for (int k = 2; k <= n; ++k)
+                b[k] = a[static_cast<std::size_t>(k)] - p * b[k - 1] - q * b[k - 2];
+            for (int k = 2; k <= n; ++k)
+                c[k] = b[k] - p * c[k - 1] - q * c[k - 2];
+            const double d = b[n - 1] - c[n - 1], D = c[n - 2] * c[n - 2] + d * c[n - 3];
+            const double dp = (c[n - 2] * b[n - 1] - c[n - 3] * b[n]) / D;
+            const double dq = (d * b[n - 1] + c[n - 2] * b[n]) / D;
+            p += dp, q += dq;
+            ratio = (std::fabs(dp) + std::fabs(dq)) / (std::fabs(p) + std::fabs(q));
+        } while (!(ratio < 1e-50) && ratio == ratio);
+        Solve_SquareRoots(p, q, re1, im1, re2, im2);
+        r[i] = re1, r[i + 1] = re2, r[i + n] = im1, r[i + n + 1] = im2;
+        n -= 2, i += 2;
+        std::copy(b + 1, b + n + 1, a.begin() + 1);
+    }
+    if (n == 2) {
+        Solve_SquareRoots(b[1] / b[0], b[2] / b[0], re1, im1, re2, im2);
+        r[i] = re1, r[i + 1] = re2, r[i + 2] = im1, r[i + 3] = im2;
+    } else {
+        r[i] = -b[1] / b[0], r[i + 1] = 0;
+    }
+    return result;
+}
+
+TEST(SolvePolynomRoots, AnyDegreeEqualsTheStepsWrittenOut)
+{
+    TestRandom random(89);
+    TestHash hash, expected;
+    int ended = 0;
+    for (int step = 0; step < 20000; ++step) {
+        std::vector<double> a(static_cast<std::size_t>(random.between(3, 9)));
+        for (double &coefficient : a)
+            coefficient = step % 4 == 0 ? mixedDouble(random) : random.between(-10.0, 10.0);
+        const std::vector<double> steps = matrixRoots(a, 100);
+        if (steps.empty())
+            continue;
+        ++ended;
+        for (double element : steps)
+            expected.add(element);
+        const karMatrix coefficients = row(a);
+        for (double element : elements(Solve_Polynom_Roots(coefficients, nan, inf)))
+            hash.add(element);
+        ASSERT_EQ(expected.value(), hash.value()) << "seed 89, step " << step;
+    }
+    EXPECT_GT(ended, 5000);
+    EXPECT_EQ(7727527412487379878u, hash.value());
 }
 
 } // namespace

@@ -132,7 +132,7 @@ TEST(Gausstridiag, ReplacesThePivotOnlyByAStrictlyLargerOne)
     EXPECT_EQ(1, gausstridiag(A, b, 2));
     const double x2 = (0.3 + 1.0) / (0.1 + 1.0);
     EXPECT_EQ(x2, b[1]);
-    EXPECT_EQ((1 - x2) / 3, b[0]); // from the first row
+    EXPECT_EQ((1 - x2) / 3, b[0]);               // from the first row
     double swapped[2][2] = {{1e-20, 1}, {1, 1}}; // without the swap x1 would come out as 0
     double right[2] = {1, 2};
     EXPECT_EQ(1, gausstridiag(swapped, right, 2));

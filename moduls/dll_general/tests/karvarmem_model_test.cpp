@@ -13,7 +13,7 @@ namespace {
 
 struct ModelPage {
     char *start;            // storage of the page beside it
-    std::vector<bool> free; // false: in use, or dropped as too short
+    std::vector<char> free; // 0: in use, or dropped as too short
     int used = 0;
 };
 
@@ -38,12 +38,13 @@ public:
     static std::vector<Stretch> stretches(const ModelPage &page)
     {
         std::vector<Stretch> list;
+        const char *const marks = page.free.data();
         const int n = static_cast<int>(page.free.size());
         for (int from = 0; from < n; ++from) {
-            if (!page.free[static_cast<std::size_t>(from)])
+            if (!marks[from])
                 continue;
             int end = from;
-            while (end < n && page.free[static_cast<std::size_t>(end)])
+            while (end < n && marks[end])
                 ++end;
             list.push_back({from, end - from});
             from = end;
@@ -119,7 +120,7 @@ public:
     {
         pages.push_back(std::make_unique<ModelPage>());
         pages.back()->start = start;
-        pages.back()->free.assign(static_cast<std::size_t>(std::max(wantedCount, count)), true);
+        pages.back()->free.assign(static_cast<std::size_t>(std::max(wantedCount, count)), 1);
         last = current = pages.back().get();
         if (!first)
             first = last;
@@ -148,7 +149,7 @@ private:
     static void set(ModelPage &page, int from, int n, bool value)
     {
         for (int i = from; i < from + n; ++i)
-            page.free[static_cast<std::size_t>(i)] = value;
+            page.free.data()[i] = value ? 1 : 0;
     }
 };
 
@@ -380,11 +381,11 @@ private:
         for (karVarPage *page = pool.firstPage ? pool.firstPage->first() : nullptr; page; page = page->next()) {
             ASSERT_LT(index, model.pages.size());
             const ModelPage &expected = *model.pages[index];
-            ASSERT_EQ(page->PageBegin(), expected.start);
-            ASSERT_EQ(page->elementUsed(), expected.used);
-            ASSERT_EQ(pool.firstPage == page, model.first == &expected);
-            ASSERT_EQ(pool.lastPage == page, model.last == &expected);
-            ASSERT_EQ(pool.currentPage == page, model.current == &expected);
+            const bool same = page->PageBegin() == expected.start && page->elementUsed() == expected.used &&
+                              (pool.firstPage == page) == (model.first == &expected) &&
+                              (pool.lastPage == page) == (model.last == &expected) &&
+                              (pool.currentPage == page) == (model.current == &expected);
+            ASSERT_TRUE(same) << "page " << index;
             sum += expected.used;
             if (thorough) {
                 ASSERT_TRUE(page->isValid());
@@ -397,10 +398,7 @@ private:
         }
         ASSERT_EQ(index, model.pages.size());
         ASSERT_EQ(pool.getAnzElem(), sum);
-        if (index == 0) {
-            ASSERT_EQ(pool.lastPage, nullptr);
-            ASSERT_EQ(pool.currentPage, nullptr);
-        }
+        ASSERT_TRUE(index > 0 || (!pool.lastPage && !pool.currentPage));
     }
 
     Pool pool;
