@@ -359,4 +359,7 @@ private:
     kar::RecordIndex *index; ///< Record by address, only to be fast; null where there are few.
 };
 
+// The variable pages and pools, a unit of their own, belong to this header as well.
+#include "karvarmem.h"
+
 #endif

@@ -34,11 +34,11 @@ constexpr int wrapRem(int a, int b) { return b == -1 ? 0 : a % b; }
 /// Truncates towards zero. A value beyond the `int` range gives the nearest `int`, not-a-number gives 0.
 constexpr int toInt(double value)
 {
-    if (value >= 2147483647.0)
-        return 2147483647;
-    if (value <= -2147483648.0)
+    if (value > -2147483649.0 && value < 2147483648.0)
+        return static_cast<int>(value);
+    if (value < 0)
         return -2147483647 - 1;
-    return value == value ? static_cast<int>(value) : 0;
+    return value > 0 ? 2147483647 : 0;
 }
 
 } // namespace kar

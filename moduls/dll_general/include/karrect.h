@@ -4,6 +4,8 @@
 
 #include "kardpoint.h"
 
+#include <utility>
+
 /// A box of the pixel grid. Normalised it has left <= right and top <= bottom: y grows downwards. The right and the
 /// bottom edge belong to it, yet its width is right - left. Nothing but the ordering constructors and `init`
 /// normalises it. Arithmetic wraps at 32 bits.
@@ -137,9 +139,12 @@ class karD_Rect {
 public:
     /// \name Construction
     /// \{
-    karD_Rect() = default;                                                                    ///< All zero.
-    karD_Rect(double x1, double y1, double x2, double y2) { init(x1, y1, x2, y2); }           ///< Normalised.
-    karD_Rect(const karD_Point &a, const karD_Point &b) { init(a.x(), a.y(), b.x(), b.y()); } ///< Normalised.
+    karD_Rect() = default;                                                          ///< All zero.
+    karD_Rect(double x1, double y1, double x2, double y2) { init(x1, y1, x2, y2); } ///< Normalised.
+    karD_Rect(const karD_Point &a, const karD_Point &b) : bottomLeft_(a), topRight_(b)
+    {
+        NormalizeRect();
+    } ///< \overload
     /// Corners `p` and `p` + `d`, normalised, other than in `karRect`.
     karD_Rect(const karD_Point &p, const karD_Dimension &d) : karD_Rect(p, p + d) {}
     karD_Rect(const karD_Rect &) = default;
@@ -148,7 +153,10 @@ public:
     KAR_API karD_Rect(const karD_Rect &r, karParamBlock *block);
     KAR_API karD_Rect(const karRect &r, karParamBlock *block); ///< \overload
     /// Normalised; a pair that can't be compared, not being numbers, stays as it comes.
-    KAR_API void init(const double &x1, const double &y1, const double &x2, const double &y2);
+    void init(const double &x1, const double &y1, const double &x2, const double &y2)
+    {
+        *this = karD_Rect(karD_Point(x1, y1), karD_Point(x2, y2));
+    }
     /// \overload
     void SetRect(const double &x1, const double &y1, const double &x2, const double &y2) { init(x1, y1, x2, y2); }
     /// \}
@@ -248,7 +256,15 @@ public:
     KAR_API karD_Rect &InflateRect_X(const double &d);
     KAR_API karD_Rect &InflateRect_Y(const double &d); ///< The same with bottom and top.
     KAR_API karD_Rect &InflateRect(const double &d);   ///< Both, with the same d.
-    KAR_API karD_Rect &NormalizeRect();                ///< Exchanges right < left and bottom > top.
+    /// Exchanges left and right where right < left, bottom and top where bottom > top.
+    karD_Rect &NormalizeRect()
+    {
+        if (right() < left())
+            std::swap(bottomLeft_.x(), topRight_.x());
+        if (bottom() > top())
+            std::swap(bottomLeft_.y(), topRight_.y());
+        return *this;
+    }
     /// \}
 
     /// \name Relations

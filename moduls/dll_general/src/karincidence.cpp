@@ -1,13 +1,10 @@
 #include "karincidence.h"
 
 #include "ellipseaxes.h"
+#include "kar3dpoint.h"
 #include "karnumeric.h"
 #include "karsolve.h"
-
-#if __has_include("karvector.h")
-#include "kar3dpoint.h"
 #include "karvector.h"
-#endif
 
 #include <cmath>
 
@@ -343,8 +340,6 @@ double karCalculator2D::GetAngle(const karD_Point &a, const karD_Point &b) const
     return normalisedAngle(std::atan2(dx, dy));
 }
 
-#if __has_include("karvector.h")
-
 double karCalculator3D::GetAngle(const kar3D_Point &a, const kar3D_Point &b, const kar3D_Point &c) const
 {
     return ::GetAngle(a.GetX(), a.GetY(), a.GetZ(), b.GetX(), b.GetY(), b.GetZ(), c.GetX(), c.GetY(), c.GetZ());
@@ -357,5 +352,3 @@ double karCalculator3D::SpatProduct(const kar3DVector &u, const kar3DVector &v, 
     const double third = u.GetX() * ((v.GetY() * w.GetZ()) - (v.GetZ() * w.GetY()));
     return (first + second) + third;
 }
-
-#endif

@@ -1,26 +1,6 @@
 #include "karlist.h"
 
-namespace {
-
-// Reading the pointer through a volatile object keeps the test for null, which compilers otherwise drop for `this`.
-template <class T>
-const T *opaque(const T *object)
-{
-    const T *const volatile seen = object;
-    return seen;
-}
-
-int chainLength(const karListObjectNV *element)
-{
-    if (!element)
-        return 0;
-    int length = 0;
-    for (element = element->first(); element; element = element->next())
-        ++length;
-    return length;
-}
-
-} // namespace
+#include "nullobject.h"
 
 karListObjectNV::karListObjectNV(karListObjectNV *other, int position)
 {
@@ -55,7 +35,7 @@ karListObjectNV *karListObjectNV::last() const
     return const_cast<karListObjectNV *>(element);
 }
 
-int karListObjectNV::listLength() const { return chainLength(opaque(this)); }
+KAR_MAY_BE_NULL int karListObjectNV::listLength() const { return kar::chainLength(kar::maybeNull(this)); }
 
 void karListObjectNV::append(karListObjectNV *other)
 {
@@ -97,7 +77,7 @@ karListObject::~karListObject() = default;
 int karListObject::IsType(ObjektIdies id) const { return GetType() == id; }
 ObjektIdies karListObject::GetType() const { return KAR_ID_LIST_OBJECT; }
 int karListObject::CanCast(ObjektIdies id) const { return id == KAR_ID_LIST_OBJECT; }
-int karListObject::listLength() const { return chainLength(opaque(this)); }
+KAR_MAY_BE_NULL int karListObject::listLength() const { return kar::chainLength(kar::maybeNull(this)); }
 
 int karPtrListObject::ListObjectOk() { return 1; }
 karPtrListObject::~karPtrListObject() = default;

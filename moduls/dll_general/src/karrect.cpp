@@ -1,7 +1,5 @@
 #include "karrect.h"
 
-#include <utility>
-
 void karRect::RotateElement(double angle) { RotateElement(angle, 0, 0); }
 
 void karRect::RotateElement(double cosine, double sine) { RotateElement(cosine, sine, 0, 0); }
@@ -34,15 +32,6 @@ bool karRect::setintersects(const karRect &o)
 
 // References that come in may lie in the receiver, since `topRight()` and `bottomLeft()` hand its corners out: what is
 // needed after the first store is copied before it.
-
-void karD_Rect::init(const double &x1, const double &y1, const double &x2, const double &y2)
-{
-    const karD_Point first(x1, y1);
-    const karD_Point second(x2, y2);
-    bottomLeft_ = first;
-    topRight_ = second;
-    NormalizeRect();
-}
 
 void karD_Rect::left(const double &value)
 {
@@ -139,15 +128,6 @@ karD_Rect &karD_Rect::InflateRect(const double &d)
     const double both = d;
     InflateRect_X(both);
     return InflateRect_Y(both);
-}
-
-karD_Rect &karD_Rect::NormalizeRect()
-{
-    if (right() < left())
-        std::swap(bottomLeft_.x(), topRight_.x());
-    if (bottom() > top())
-        std::swap(bottomLeft_.y(), topRight_.y());
-    return *this;
 }
 
 bool karD_Rect::overlapped(karD_Rect &o)

@@ -1,12 +1,9 @@
 #include "karsolve.h"
 
+#include "karmatrix.h"
 #include "karnumeric.h"
 
 #include <algorithm>
-
-#if __has_include("karmatrix.h")
-#include "karmatrix.h"
-#endif
 
 using kar::lengthTolerance;
 
@@ -333,8 +330,6 @@ int EqBairstow(int n, karComplex *const a, karComplex *const x, const karComplex
     });
 }
 
-#if __has_include("karmatrix.h")
-
 namespace {
 
 /// Stores roots in the rows of a matrix: the imaginary parts at the flat index position + n, which is the first column of
@@ -389,5 +384,3 @@ karMatrix Solve_Polynom_Roots(const karMatrix &coefficients, const double &, con
         [](double ratio) { return ratio >= lengthTolerance; }, limit);
     return result;
 }
-
-#endif

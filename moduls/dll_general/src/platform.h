@@ -4,6 +4,10 @@
 
 #include <cstddef>
 
+namespace kar {
+struct SystemReport;
+}
+
 namespace kar::platform {
 
 /// \name Heap
@@ -26,6 +30,21 @@ void *heapAcquire(std::size_t size);
 /// Requires: `block` came from `heapAcquire` and hasn't been given back since.
 /// Ensures: the bytes belong to the system; no other block is touched.
 void heapRelease(void *block);
+
+/// \}
+
+/// \name System information
+/// \{
+
+/// Asks for version, platform and build number.
+/// Ensures: false, and nothing written, if the system doesn't answer.
+bool systemReport(SystemReport &report);
+
+/// Asks for the computer's name.
+/// Requires: `name` has room for `nodeNameSize` characters.
+/// Ensures: a terminated name and true; false if there is none or it has more than 15 characters, and `name` may hold
+/// anything then.
+bool computerName(char *name);
 
 /// \}
 

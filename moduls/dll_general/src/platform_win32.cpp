@@ -1,6 +1,8 @@
 // The operating system behind the library: Windows.
 #include "platform.h"
 
+#include "systemreport.h"
+
 #define WIN32_LEAN_AND_MEAN
 #ifndef NOMINMAX
 #define NOMINMAX
@@ -25,4 +27,34 @@ void kar::platform::heapRelease(void *block)
     const HGLOBAL handle = GlobalHandle(block);
     GlobalUnlock(handle);
     GlobalFree(handle);
+}
+
+// System information.
+
+bool kar::platform::systemReport(SystemReport &report)
+{
+    OSVERSIONINFOA version = {};
+    static_assert(sizeof version == 148, "the size tells the system which form of the structure is meant");
+    version.dwOSVersionInfoSize = sizeof version;
+    if (!GetVersionExA(&version))
+        return false;
+    report = {version.dwPlatformId, version.dwMajorVersion, version.dwMinorVersion, version.dwBuildNumber};
+    return true;
+}
+
+bool kar::platform::computerName(char *name)
+{
+    DWORD size = nodeNameSize;
+    return GetComputerNameA(name, &size) != 0;
+}
+
+// Entry of the library: threads come and go without a notice.
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID);
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID)
+{
+    if (reason == DLL_PROCESS_ATTACH)
+        DisableThreadLibraryCalls(instance);
+    return TRUE;
 }

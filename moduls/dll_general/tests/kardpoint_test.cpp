@@ -439,10 +439,10 @@ TEST(KarD_Point, TurnsCounterClockwiseByAPositiveAngle)
 
 TEST(KarD_Point, SumsARotationFromTheCentreOn)
 {
-    // (1e16 + 1) is 1e16 and 1e16 - 1 is not: from the left the x is 1e16 - 1, from the right 1e16.
-    karD_Point p(1e16 + 2, 2);
-    p.RotateElement(0.5, 1.0, 1e16, 1.0); // dx 2, dy 1: (1e16 + 1) - 1
-    EXPECT_EQ(p.x(), 9999999999999999.0);
+    // 2^53 + 1 is 2^53 and 2^53 - 1 is not: from the left the x is 2^53 - 1, from the right 2^53.
+    karD_Point p(9007199254740994.0, 2);
+    p.RotateElement(0.5, 1.0, 9007199254740992.0, 1.0); // dx 2, dy 1: (2^53 + 1) - 1
+    EXPECT_EQ(p.x(), 9007199254740991.0);
     EXPECT_EQ(p.y(), 3.5);
     // Without a centre the sums begin at zero, so no negative zero comes out.
     p = karD_Point(-0.0, 0.0);

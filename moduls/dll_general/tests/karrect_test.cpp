@@ -3,6 +3,7 @@
 
 #include <array>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
@@ -431,7 +432,18 @@ TEST(KarD_Rect, CountsAnEqualValueAsCrossing)
     r = karD_Rect(0, 0, 10, 20);
     r.top(0);
     EXPECT_EQ(box(r), (RealBox{0, 0, 10, 0}));
-    // On an inverted box the strict compare shows: left 10, right 0. 5 is right of 0, so left takes the old right.
+    // Zeros of either sign are equal; the new one ends up at the opposite place.
+    r = plainReal(-5, -5, -0.0, -0.0);
+    r.left(0.0);
+    r.bottom(0.0);
+    EXPECT_TRUE(std::signbit(r.left()) && std::signbit(r.bottom()));
+    EXPECT_FALSE(std::signbit(r.right()) || std::signbit(r.top()));
+    r = plainReal(-0.0, -0.0, 5, 5);
+    r.right(0.0);
+    r.top(0.0);
+    EXPECT_FALSE(std::signbit(r.left()) || std::signbit(r.bottom()));
+    EXPECT_TRUE(std::signbit(r.right()) && std::signbit(r.top()));
+    // On an inverted box: 5 is right of the 0, so left takes the old right.
     r = plainReal(10, 0, 0, 20);
     r.left(5);
     EXPECT_EQ(box(r), (RealBox{0, 0, 5, 20}));
@@ -625,6 +637,7 @@ TEST(KarD_Rect, OverlapsTrulyAndNormalisesBothForGood)
     EXPECT_TRUE(r.overlapped(around));
     karD_Rect touching(10, 10, 20, 20);
     EXPECT_TRUE(r.overlapped(touching));
+    EXPECT_TRUE(touching.overlapped(r));
     for (const karD_Rect &apart : {karD_Rect(10.5, 0, 20, 10), karD_Rect(-20, 0, -0.5, 10), karD_Rect(0, 10.5, 10, 20),
                                    karD_Rect(0, -20, 10, -0.5)}) {
         karD_Rect o(apart);

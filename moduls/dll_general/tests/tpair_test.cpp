@@ -1,6 +1,7 @@
 // Pairs: two places, the virtual clone, and an identity that isn't virtual.
 #include "tpair.h"
 
+#include "karmemgb.h"
 #include "karrect.h"
 
 #include <cstddef>
@@ -139,6 +140,28 @@ TEST(TPair, ClonesToAPlainPairWhateverItIsCalledOn)
     EXPECT_EQ(clone->First(), 0.5);
     EXPECT_EQ(clone->Second(), -2.25);
     KarDellocMemory(clone);
+}
+
+TEST(TPair, GivesNullWhereTheAllocatorHasNoMemory)
+{
+    const karPoint point(3, -4);
+    const karD_Point real(0.5, 0.25);
+    const long heapBlocks = globalMemList->getCurAnzNew();
+    globalMemList->setCurAnzNew(64001); // above this count the allocator gives nothing
+    EXPECT_EQ(point.Clone(), nullptr);
+    EXPECT_EQ(real.Clone(), nullptr);
+    globalMemList->setCurAnzNew(static_cast<int>(heapBlocks));
+}
+
+TEST(TPair, ClonesByOneBlockOfTheAllocator)
+{
+    const karPoint point(3, -4);
+    IntPair *first = point.Clone(); // keeps the page of its size class, whose own blocks count as well
+    const long before = globalMemList->getAnzNew();
+    IntPair *clone = point.Clone();
+    EXPECT_EQ(globalMemList->getAnzNew(), before + 1);
+    KarDellocMemory(clone);
+    KarDellocMemory(first);
 }
 
 TEST(TPair, DispatchesCloneToAClassOfTheHost)

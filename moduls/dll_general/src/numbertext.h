@@ -1,0 +1,41 @@
+// Numbers to text and back: the same digits on every target, whatever locale the host has set.
+#ifndef KAR_NUMBER_TEXT_H
+#define KAR_NUMBER_TEXT_H
+
+namespace kar::text {
+
+/// Room for the digits of 32 bits in radix 2 and a sign.
+constexpr unsigned integerRoom = 33;
+
+/// Writes `value` in `radix` 2 to 36, letters in lower case, without a terminator, and gives the count of characters.
+/// A sign stands in radix 10 alone; in every other one the 32 bits count as an unsigned number. Another radix gives 0.
+unsigned writeInteger(int value, int radix, char *out);
+
+/// The text of a real number with a fixed count of places: `length` characters at `begin`, then `zeros` times "0".
+struct FixedText {
+    /// 309 digits before the point, or 16 and then at most 1074 behind it; a sign, the point, and a digit of carry.
+    char room[1104];
+    const char *begin;
+    unsigned length;
+    unsigned zeros;
+};
+
+/// The exact binary value rounded half away from zero to `places` (negative ones count as 0). The point is always
+/// there; `strip` takes the zeros behind it away, and then the point if it is last. A value that isn't zero and
+/// vanishes has as many zeros behind the point as its exact value has before its first digit.
+void writeFixed(double value, int places, bool strip, FixedText &out);
+
+/// Reads "-", digits and a point from the start of a text of these characters, correctly rounded; 0.0 if there is no
+/// number, an infinity beyond the range. Leaves `errno` alone.
+double readReal(const char *begin, const char *end);
+
+/// Reads digits; above 2147483647 gives that.
+int readDecimal(const char *begin, const char *end);
+
+/// What `strtol` gives in radix 16 where `long` has 32 bits: white space, sign, 0x, digits. Beyond the range the nearest
+/// value, and `errno` is `ERANGE`. `behind` is set behind the number, or to `begin` if there is none.
+int readHexadecimal(const char *begin, const char *end, const char *&behind);
+
+} // namespace kar::text
+
+#endif
