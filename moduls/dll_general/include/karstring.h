@@ -311,6 +311,7 @@ private:
     char *grow(std::uint64_t want);
     karString &append(const char *text, std::size_t count, std::uint64_t n);
     void assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate);
+    karString masked(char c, unsigned count) const;
     void cutControls();
     void trimStart(const CharSet &set);
     void trimEnd(const CharSet &set);

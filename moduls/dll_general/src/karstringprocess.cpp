@@ -392,18 +392,21 @@ karString karString::notIn(const char *set) const
 
 karString karString::maskchar(char c, int count) const
 {
-    if (count < 1)
-        return karString(*this);
+    return count < 1 ? karString(*this) : masked(c, static_cast<unsigned>(count));
+}
+
+karString karString::masked(char c, unsigned count) const
+{
     const unsigned end = measured();
     const auto hits = static_cast<unsigned>(countchar(c));
-    const std::uint64_t total = end + std::uint64_t{hits} * static_cast<unsigned>(count);
+    const std::uint64_t total = end + std::uint64_t{hits} * count;
     karString result(reserveFor(total));
     if (!result.buffer)
         return result;
     char *out = result.buffer;
     for (unsigned i = 0; i < end; ++i) {
         if (buffer[i] == c) {
-            std::memset(out, '\\', static_cast<unsigned>(count));
+            std::memset(out, '\\', count);
             out += count;
         }
         *out++ = buffer[i];
