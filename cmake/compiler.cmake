@@ -20,7 +20,7 @@ target_compile_options(kar_warnings INTERFACE
     -Wall -Wextra -Wpedantic
     -Wconversion -Wsign-conversion               # every narrowing is written out
     -Wshadow -Wold-style-cast -Wcast-align -Wcast-qual -Wunused -Wformat=2 -Wundef
-    -Wdouble-promotion -Wnull-dereference
+    -Wdouble-promotion
     -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kar_warnings INTERFACE -Wduplicated-cond -Wlogical-op

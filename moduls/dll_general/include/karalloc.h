@@ -28,6 +28,12 @@ inline void *allocObject(std::size_t size) noexcept
     return size > largestObject ? nullptr : KarAllocMemory(static_cast<unsigned>(size));
 }
 
+/// An array of `count` elements; null on failure, which a product of sizes beyond 32 bits counts as.
+inline void *allocArray(unsigned count, std::size_t size) noexcept
+{
+    return size != 0 && count > largestObject / size ? nullptr : KarAllocMemory(static_cast<unsigned>(count * size));
+}
+
 } // namespace kar
 
 /// Declares `new`, placement `new` and `delete` of a class over the library's allocator, so that a host's `new` of a

@@ -96,7 +96,8 @@ protected:
     ObjektIdies listId; ///< as constructed; nothing in the library goes by it
 
 private:
-    karListObject *_sort(karListObject *element); // sorts the chain that holds the element, gives its first
+    // Sorts the chain that holds the element and gives its first element; `end` becomes that of the chain of `listLast`.
+    karListObject *_sort(karListObject *element, karListObject *&end);
 };
 
 // The typed forms take other arguments than the virtual operations whose names they hide, and call them.

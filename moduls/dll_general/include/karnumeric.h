@@ -24,14 +24,21 @@ constexpr int wrapNeg(int a) { return toSigned(0u - static_cast<unsigned>(a)); }
 constexpr int wrapAbs(int a) { return a < 0 ? wrapNeg(a) : a; }
 /// \}
 
+/// \name Quotient truncated towards zero, and the remainder, with the sign of `a`; `b` isn't tested for 0
+/// INT_MIN by -1 wraps like every other overflow: quotient INT_MIN, remainder 0.
+/// \{
+constexpr int wrapDiv(int a, int b) { return b == -1 ? wrapNeg(a) : a / b; }
+constexpr int wrapRem(int a, int b) { return b == -1 ? 0 : a % b; }
+/// \}
+
 /// Truncates towards zero. A value beyond the `int` range gives the nearest `int`, not-a-number gives 0.
 constexpr int toInt(double value)
 {
-    if (value >= 2147483647.0)
-        return 2147483647;
-    if (value <= -2147483648.0)
+    if (value > -2147483649.0 && value < 2147483648.0)
+        return static_cast<int>(value);
+    if (value < 0)
         return -2147483647 - 1;
-    return value == value ? static_cast<int>(value) : 0;
+    return value > 0 ? 2147483647 : 0;
 }
 
 } // namespace kar

@@ -1,5 +1,6 @@
 #include "karlisthead.h"
 
+#include "chainsort.h"
 #include "nullobject.h"
 
 int karListHeadObject::IsType(ObjektIdies id) const { return GetType() == id; }
@@ -144,60 +145,20 @@ errorCodesKARTORY karListHeadObject::ListSort(karSortMethod method, karListHeadO
     sortMethod = method;
     if (!listFirst)
         return KAR_SUCCESS;
-    _sort(listFirst);
-    ListFirst(listFirst->first());
-    ListLast(listLast->last());
+    karListObject *end = nullptr;
+    ListFirst(_sort(listFirst, end));
+    ListLast(end);
     ListCurrent(nullptr);
     return KAR_SUCCESS;
 }
 
-karListObject *karListHeadObject::_sort(karListObject *element)
+karListObject *karListHeadObject::_sort(karListObject *element, karListObject *&end)
 {
-    karListObject *first = element->first();
-    const int count = ListAnzahl(first);
-    if (count <= 7) {
-        bool swapped = true;
-        while (swapped) {
-            swapped = false;
-            for (karListObject *a = first; a->next();) {
-                karListObject *const b = a->next();
-                if ((sortObject->*sortMethod)(a, b) < 0) {
-                    changeAlignment(a, b);
-                    swapped = true;
-                    if (a == first)
-                        first = b;
-                } else {
-                    a = b;
-                }
-            }
-        }
-        return first;
-    }
-
-    karListObject *before = first;
-    for (int i = 1; i < count >> 1; ++i)
-        before = before->next();
-    karListObject *second = before->next();
-    before->next(nullptr);
-    second->prev(nullptr);
-    karListObject *a = _sort(first);
-    karListObject *b = _sort(second);
-
-    karListObject *result = nullptr;
-    karListObject *end = nullptr;
-    while (a || b) {
-        karListObject *&source = !b || (a && (sortObject->*sortMethod)(a, b) > 0) ? a : b;
-        karListObject *const taken = source;
-        source = taken->next();
-        taken->prev(end);
-        taken->next(nullptr);
-        if (end)
-            end->next(taken);
-        else
-            result = taken;
-        end = taken;
-    }
-    return result;
+    kar::ChainSort sorter(sortObject, sortMethod, listFirst, listLast);
+    karListObject *const first = sorter.sort(element->first());
+    // A last element that wasn't one may stand in any chain; its own end counts.
+    end = sorter.endWasKnown() || !listLast ? sorter.trueEnd() : listLast->last();
+    return first;
 }
 
 // The element part is the later base, so its destructor, which leaves the chain of heads, runs before the head's.

@@ -1,7 +1,295 @@
 #include "karmemgb.h"
 
-#include <cstdlib>
+#include "karpool.h"
+#include "platform.h"
 
-void *KarAllocMemory(unsigned size) { return size ? std::malloc(size) : nullptr; }
+#include <cstring>
+#include <new>
+
+using kar::addressOf;
+using kar::PoolAccess;
+
+namespace {
+
+// ---- Heap blocks
+
+struct HeapBlock {
+    std::uintptr_t key; // its address
+    unsigned size;      // as asked for
+    unsigned lead;      // bytes between the system's block and ours
+};
+
+/// All live blocks of `__AllocMemory`: what isn't here is no heap block.
+kar::AddressTable<HeapBlock> liveBlocks;
+
+constexpr unsigned guardSize = 4;
+constexpr unsigned heapAlignment = 16;
+
+/// From the start of an aligned address to the block whose user pointer is aligned. 32-bit targets have no such room.
+constexpr unsigned blockShift = sizeof(void *) > 4 ? heapAlignment - guardSize : 0;
+
+/// A registered heap block that begins `shift` bytes behind an aligned address.
+void *allocateHeapBlock(unsigned size, unsigned shift)
+{
+    constexpr unsigned slack =
+        kar::platform::heapAlignment % heapAlignment ? heapAlignment - kar::platform::heapAlignment : 0;
+    const std::size_t total = static_cast<std::size_t>(size) + shift + slack;
+    if (size == 0 || total < size)
+        return nullptr;
+    char *const start = static_cast<char *>(kar::platform::heapAcquire(total));
+    if (!start)
+        return nullptr;
+    const unsigned lead = static_cast<unsigned>((0 - addressOf(start)) % heapAlignment) + shift;
+    if (!liveBlocks.insert({addressOf(start + lead), size, lead})) {
+        kar::platform::heapRelease(start);
+        return nullptr;
+    }
+    return start + lead;
+}
+
+void releaseHeapBlock(HeapBlock *block)
+{
+    void *const start = reinterpret_cast<void *>(block->key - block->lead);
+    liveBlocks.erase(block);
+    kar::platform::heapRelease(start);
+}
+
+HeapBlock *findHeapBlock(const void *p) { return p ? liveBlocks.find(addressOf(p)) : nullptr; }
+
+// ---- Guarded blocks
+
+constexpr unsigned largestPoolBlock = 1000;
+constexpr long largestHeapCount = 64000; // one more block can exist
+
+struct PoolSize {
+    int elementSize;
+    int elementCount;
+};
+constexpr PoolSize poolSizes[] = {{10, 5000}, {20, 5000},  {30, 4000}, {40, 3000}, {50, 3000}, {60, 2000},
+                                  {80, 1000}, {100, 1000}, {200, 500}, {500, 200}, {1000, 100}};
+
+/// Distance of two elements of a class in its pages.
+constexpr int strideOf(int elementSize)
+{
+    const int aligned = static_cast<int>(heapAlignment);
+    return blockShift == 0 ? elementSize
+                           : (static_cast<int>(blockShift) + elementSize + aligned - 1) / aligned * aligned;
+}
+
+/// The pool of each total size, two sizes to an entry: all class sizes are even.
+struct PoolTable {
+    unsigned char pool[largestPoolBlock / 2 + 1];
+
+    constexpr PoolTable() : pool()
+    {
+        for (unsigned pair = 0; pair <= largestPoolBlock / 2; ++pair)
+            pool[pair] = 2 * pair <= 10 ? 0 : 2 * pair <= 100 ? 7 : 2 * pair <= 200 ? 8 : 2 * pair <= 500 ? 9 : 10;
+    }
+    constexpr unsigned operator[](unsigned total) const { return pool[(total + 1) / 2]; }
+};
+constexpr PoolTable poolOf;
+
+unsigned readGuard(const void *place)
+{
+    unsigned value;
+    std::memcpy(&value, place, sizeof value);
+    return value;
+}
+
+void writeGuard(void *place, unsigned value) { std::memcpy(place, &value, sizeof value); }
+
+/// Writes both guards of a block; the user's pointer.
+void *guarded(char *block, unsigned total)
+{
+    writeGuard(block, total);
+    writeGuard(block + total - guardSize, total);
+    return block + guardSize;
+}
+
+unsigned requestedTotal = 0; // every request plus 8, wrapping; nothing reads it
+
+} // namespace
+
+// ---- The allocator
+
+karGlobalMemory::karGlobalMemory()
+    : pools{{poolSizes[0].elementSize, poolSizes[0].elementCount, strideOf(poolSizes[0].elementSize)},
+            {poolSizes[1].elementSize, poolSizes[1].elementCount, strideOf(poolSizes[1].elementSize)},
+            {poolSizes[2].elementSize, poolSizes[2].elementCount, strideOf(poolSizes[2].elementSize)},
+            {poolSizes[3].elementSize, poolSizes[3].elementCount, strideOf(poolSizes[3].elementSize)},
+            {poolSizes[4].elementSize, poolSizes[4].elementCount, strideOf(poolSizes[4].elementSize)},
+            {poolSizes[5].elementSize, poolSizes[5].elementCount, strideOf(poolSizes[5].elementSize)},
+            {poolSizes[6].elementSize, poolSizes[6].elementCount, strideOf(poolSizes[6].elementSize)},
+            {poolSizes[7].elementSize, poolSizes[7].elementCount, strideOf(poolSizes[7].elementSize)},
+            {poolSizes[8].elementSize, poolSizes[8].elementCount, strideOf(poolSizes[8].elementSize)},
+            {poolSizes[9].elementSize, poolSizes[9].elementCount, strideOf(poolSizes[9].elementSize)},
+            {poolSizes[10].elementSize, poolSizes[10].elementCount, strideOf(poolSizes[10].elementSize)}},
+      curAnzNew(0),
+      curSizeNew(0),
+      anzNew(0),
+      markMemListGlobal(1)
+{}
+
+karGlobalMemory::~karGlobalMemory() { testDeleteAll(); }
+
+void karGlobalMemory::testDeleteAll()
+{
+    for (karPageMemory &pool : pools)
+        if (pool.getAnzElem() != 0)
+            break;
+}
+
+void *karGlobalMemory::newMem(unsigned size)
+{
+    if (curAnzNew > largestHeapCount || size == 0)
+        return nullptr;
+    const unsigned total = size + 2 * guardSize;
+    requestedTotal += total;
+    if (total > largestPoolBlock || markMemListGlobal == 0)
+        return newFromHeap(total);
+    karPageMemory &pool = pools[poolOf[total]];
+    char *const element = static_cast<char *>(PoolAccess::take(pool));
+    if (!element)
+        return nullptr;
+    anzNew = kar::addLong(anzNew, 1);
+    return guarded(element + blockShift, static_cast<unsigned>(pool.elementSize()));
+}
+
+void *karGlobalMemory::newFromHeap(unsigned total)
+{
+    if (total < 2 * guardSize)
+        return nullptr; // the sum has wrapped: there is no room for the guards
+    char *const block = static_cast<char *>(allocateHeapBlock(total, blockShift));
+    if (!block)
+        return nullptr;
+    curSizeNew = kar::addLong(curSizeNew, total);
+    if (markMemListGlobal != 0)
+        memory.dxnew(block + guardSize, total);
+    curAnzNew = kar::addLong(curAnzNew, 1);
+    anzNew = kar::addLong(anzNew, 1);
+    return guarded(block, total);
+}
+
+void karGlobalMemory::deleteMem(void *p)
+{
+    if (!p || addressOf(p) == guardSize)
+        return;
+    char *const block = static_cast<char *>(p) - guardSize;
+    void *const element = block - blockShift;
+    karPage *const page = kar::PageIndex::findLarge(element); // doesn't wait for the header
+    const unsigned header = readGuard(block);
+    if (header > largestPoolBlock || markMemListGlobal == 0)
+        return deleteFromHeap(p, header);
+    PoolAccess::give(pools[poolOf[header]], page, element);
+}
+
+void karGlobalMemory::deleteFromHeap(void *p, unsigned header)
+{
+    char *const block = static_cast<char *>(p) - guardSize;
+    const bool large = header > largestPoolBlock && header <= 0x7fffffffu; // compared as a signed value
+    if (markMemListGlobal != 0) {
+        if (!large)
+            return; // no class takes the header
+        void *known = p;
+        memory.dxdelete(&known);
+        if (!known)
+            return;
+    }
+    HeapBlock *const heapBlock = findHeapBlock(block);
+    if (heapBlock && heapBlock->size == header && header >= 2 * guardSize &&
+        readGuard(block + header - guardSize) == header) {
+        writeGuard(block + header - guardSize, 0);
+        writeGuard(block, 0);
+        releaseHeapBlock(heapBlock);
+        curSizeNew = kar::addLong(curSizeNew, 0ul - header);
+        curAnzNew = kar::addLong(curAnzNew, 0ul - 1);
+        return;
+    }
+    if (header <= largestPoolBlock)
+        PoolAccess::give(pools[poolOf[header]], block - blockShift);
+}
+
+bool karGlobalMemory::knows(void *p)
+{
+    if (addressOf(p) <= guardSize)
+        return false;
+    char *const block = static_cast<char *>(p) - guardSize;
+    if (findHeapBlock(block))
+        return true;
+    for (karPageMemory &pool : pools)
+        if (PoolAccess::find(pool, block - blockShift))
+            return true;
+    return false;
+}
+
+bool karGlobalMemory::isValid() const
+{
+    for (const karPageMemory &pool : pools)
+        if (!pool.isValid())
+            return false;
+    return memory.isValid();
+}
+
+// ---- The one static object
+
+namespace {
+
+/// The table of live blocks outlasts the allocator; what is left in it at unload are blocks of the host, whose memory
+/// stays, while the table's own goes.
+struct LiveBlocksEnd {
+    ~LiveBlocksEnd() { liveBlocks.clear(); }
+};
+
+struct StaticMemory {
+    LiveBlocksEnd end;
+    karGlobalMemory memory; // is destroyed first
+};
+
+StaticMemory staticMemory;
+
+} // namespace
+
+karGlobalMemory *globalMemList = &staticMemory.memory;
+
+// ---- Entry points
+
+void *KarAllocMemory(unsigned size) { return globalMemList->newMem(size); }
+
+void *KarAllocMemory(unsigned size, char *, int)
+{
+    if (size == 0)
+        return nullptr;
+    if (!globalMemList) {
+        void *const place = __AllocMemory(sizeof(karGlobalMemory));
+        if (!place)
+            return nullptr;
+        globalMemList = ::new (place) karGlobalMemory;
+    }
+    return globalMemList->newMem(size);
+}
+
 void *KarAllocMemory(unsigned size, void *p) { return p ? p : KarAllocMemory(size); }
-void KarDellocMemory(void *p) { std::free(p); }
+
+void KarDellocMemory(void *p)
+{
+    if (p)
+        globalMemList->deleteMem(p);
+}
+
+void *__AllocMemory(unsigned size) { return allocateHeapBlock(size, 0); }
+
+void __FreeMemory(void *p)
+{
+    if (HeapBlock *const block = findHeapBlock(p))
+        releaseHeapBlock(block);
+}
+
+unsigned __MemorySize(void *p, unsigned)
+{
+    const HeapBlock *const block = findHeapBlock(p);
+    return block ? block->size : 0;
+}
+
+void *__AllocMemory_C(unsigned size, const char *, int) { return KarAllocMemory(size); }
+void __FreeMemory_C(void *p) { KarDellocMemory(p); }
+void errorMemoryNotFree_C(void *) {}

@@ -1,0 +1,157 @@
+// ListSort beside the sorts of std::list and boost::intrusive::list, with one comparison called through one pointer.
+#include "karlisthead.h"
+
+#include <benchmark/benchmark.h>
+#include <boost/intrusive/list.hpp>
+
+#include <cstdint>
+#include <list>
+#include <string>
+#include <vector>
+
+namespace {
+
+class Random { // xorshift64*
+public:
+    int key()
+    {
+        state ^= state >> 12;
+        state ^= state << 25;
+        state ^= state >> 27;
+        return static_cast<int>((state * 0x2545f4914f6cdd1du) >> 34);
+    }
+
+private:
+    std::uint64_t state = 0x9e3779b97f4a7c15u;
+};
+
+/// Elements of our list. All three kinds carry a key and no more.
+struct Element : karListObject {
+    int ListObjectOk() override { return 1; }
+    int key = 0;
+};
+
+struct Plain {
+    int key = 0;
+};
+
+struct Hooked : boost::intrusive::list_base_hook<boost::intrusive::link_mode<boost::intrusive::normal_link>> {
+    int key = 0;
+};
+
+class Head : public karListHeadObject {
+public:
+    int ListHeadObjectOk() override { return 1; }
+    int smallerFirst(const karListObject *a, const karListObject *b)
+    {
+        const int first = static_cast<const Element *>(a)->key;
+        const int second = static_cast<const Element *>(b)->key;
+        return (second > first) - (second < first);
+    }
+};
+
+/// The same comparison for the peers, called through a pointer to a member function as well.
+template <class Item>
+struct Order {
+    int smallerFirst(const Item *a, const Item *b) { return (b->key > a->key) - (b->key < a->key); }
+};
+
+template <class Item>
+struct Before {
+    Order<Item> *object;
+    int (Order<Item>::*method)(const Item *, const Item *);
+    bool operator()(const Item &a, const Item &b) const { return (object->*method)(&a, &b) > 0; }
+};
+
+using OursMethod = int (karListHeadObject::*)(const karListObject *, const karListObject *);
+
+/// Sorts lists of 10,000 elements in all, or one of more; keys are drawn anew in list order between the timed parts.
+int listsFor(int length) { return length < 10000 ? 10000 / length : 1; }
+
+void ours(benchmark::State &state, int length)
+{
+    const int lists = listsFor(length);
+    std::vector<Element> elements(static_cast<std::size_t>(length * lists));
+    std::vector<Head> heads(static_cast<std::size_t>(lists));
+    std::size_t next = 0;
+    for (Head &head : heads)
+        for (int i = 0; i < length; ++i)
+            head.ListAppend(&elements[next++]);
+    volatile OursMethod method = static_cast<OursMethod>(&Head::smallerFirst);
+    Random random;
+    for (auto _ : state) {
+        state.PauseTiming();
+        for (Head &head : heads)
+            for (karListObject *element = head.ListFirst(); element; element = element->next())
+                static_cast<Element *>(element)->key = random.key();
+        state.ResumeTiming();
+        for (Head &head : heads)
+            head.ListSort(method, &head);
+    }
+    state.SetItemsProcessed(state.iterations() * length * lists);
+    for (Head &head : heads) { // the elements aren't the heads' to delete
+        head.ListFirst(nullptr);
+        head.ListLast(nullptr);
+    }
+}
+
+template <class List, class Item>
+void sortPeer(benchmark::State &state, std::vector<List> &lists, int length)
+{
+    Order<Item> order;
+    int (Order<Item>::*volatile method)(const Item *, const Item *) = &Order<Item>::smallerFirst;
+    Random random;
+    for (auto _ : state) {
+        state.PauseTiming();
+        for (List &list : lists)
+            for (Item &item : list)
+                item.key = random.key();
+        state.ResumeTiming();
+        for (List &list : lists)
+            list.sort(Before<Item>{&order, method});
+    }
+    state.SetItemsProcessed(state.iterations() * length * static_cast<std::int64_t>(lists.size()));
+}
+
+void standard(benchmark::State &state, int length)
+{
+    std::vector<std::list<Plain>> lists;
+    for (int i = 0; i < listsFor(length); ++i)
+        lists.emplace_back(static_cast<std::size_t>(length));
+    sortPeer<std::list<Plain>, Plain>(state, lists, length);
+}
+
+void boostIntrusive(benchmark::State &state, int length)
+{
+    using List = boost::intrusive::list<Hooked, boost::intrusive::constant_time_size<false>>;
+    std::vector<Hooked> items(static_cast<std::size_t>(length * listsFor(length)));
+    std::vector<List> lists(static_cast<std::size_t>(listsFor(length)));
+    std::size_t next = 0;
+    for (List &list : lists)
+        for (int i = 0; i < length; ++i)
+            list.push_back(items[next++]);
+    sortPeer<List, Hooked>(state, lists, length);
+}
+
+struct Sort {
+    const char *name;
+    void (*run)(benchmark::State &, int);
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    for (const int length : {100, 10000, 1000000})
+        for (const Sort &sort :
+             {Sort{"ours", ours}, Sort{"std::list", standard}, Sort{"boost::intrusive", boostIntrusive}}) {
+            const std::string row = "ListSort/" + std::to_string(length) + "/" + sort.name;
+            benchmark::RegisterBenchmark(row.c_str(), [=](benchmark::State &state) { sort.run(state, length); });
+        }
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

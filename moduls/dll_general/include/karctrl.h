@@ -1,0 +1,347 @@
+// What a long-running operation and its client exchange: typed values, messages, break and progress.
+#ifndef KAR_CTRL_H
+#define KAR_CTRL_H
+
+#include "karlisthead.h"
+#include "karpercent.h"
+#include "karstring.h"
+
+/// A class of the host; held by pointer and never looked into.
+class karVectorizeParameter;
+
+/// What a value is.
+enum CtrlType : int {
+    CtrlNone = 0,    ///< `karDataBase` itself
+    CtrlId = 1,      ///< `karDataId`
+    CtrlText = 2,    ///< `karDataText`
+    CtrlInteger = 3, ///< `karDataInteger`
+    CtrlDouble = 4,  ///< `karDataDouble`
+    CtrlParam = 5,   ///< `karDataParam`
+};
+
+/// What a message is about. The values belong to the host, but for two.
+enum EnumMessageID : int {
+    MessageAny = 0,  ///< in `nextMessage` and `prevMessage`: any message
+    MessageNone = 8, ///< no message: nothing is added for it
+};
+
+/// How far a request to stop has come.
+enum BreakState : int {
+    BreakNone = 0,      ///< no break asked for
+    BreakRequested = 1, ///< asked for, and not yet seen by the operation
+    BreakSeen = 2,      ///< seen by the operation
+};
+
+/// A parameter of a message: a value of one kind. Asked for another kind it gives what this class gives.
+class KAR_API karDataBase {
+public:
+    KAR_LIBRARY_NEW
+
+    /// \name Virtual operations, in slot order
+    /// \{
+    virtual ~karDataBase();
+    virtual CtrlType getType() const;                ///< 0.
+    virtual int getId() const;                       ///< -1.
+    virtual karString getText() const;               ///< Empty.
+    virtual int getInteger() const;                  ///< 0.
+    virtual double getDouble() const;                ///< 0.0.
+    virtual karVectorizeParameter *getParam() const; ///< Null.
+    /// \}
+
+    karDataBase() = default;
+    karDataBase(const karDataBase &) {}
+    karDataBase &operator=(const karDataBase &) { return *this; } ///< Does nothing.
+};
+
+/// An id.
+class KAR_API karDataId : public karDataBase {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    CtrlType getType() const override; ///< 1.
+    int getId() const override;
+    virtual void setId(int newId);
+    /// \}
+
+    explicit karDataId(int value = 0) : id(value) {}
+    karDataId(const karDataId &) = default;
+    karDataId &operator=(const karDataId &) = default;
+
+protected:
+    int id;
+};
+
+/// A text.
+class KAR_API karDataText : public karDataBase {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    CtrlType getType() const override;  ///< 2.
+    karString getText() const override; ///< A copy.
+    virtual void setText(const karString &newText);
+    /// \}
+
+    explicit karDataText(const karString &value = karString());
+    karDataText(const karDataText &) = default;
+    karDataText &operator=(const karDataText &) = default;
+
+protected:
+    karString text;
+};
+
+/// An integer.
+class KAR_API karDataInteger : public karDataBase {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    CtrlType getType() const override; ///< 3.
+    int getInteger() const override;
+    virtual void setInteger(int newValue);
+    /// \}
+
+    explicit karDataInteger(int number = 0) : value(number) {}
+    karDataInteger(const karDataInteger &) = default;
+    karDataInteger &operator=(const karDataInteger &) = default;
+
+protected:
+    int value;
+};
+
+/// A real.
+class KAR_API karDataDouble : public karDataBase {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    CtrlType getType() const override; ///< 4.
+    double getDouble() const override;
+    virtual void getDouble(double newValue); ///< Stores. Note: this is the setter, under this name.
+    /// \}
+
+    explicit karDataDouble(double number = 0.0) : value(number) {}
+    karDataDouble(const karDataDouble &) = default;
+    karDataDouble &operator=(const karDataDouble &) = default;
+
+protected:
+    double value;
+};
+
+/// A parameter set of the host.
+/// Note: unfinished. The constructor from a pointer and `setParam` store nothing: a value built from a pointer holds null.
+/// They and the destructor call `_notready`, which does nothing.
+class KAR_API karDataParam : public karDataBase {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    ~karDataParam() override;
+    CtrlType getType() const override; ///< 5.
+    karVectorizeParameter *getParam() const override;
+    virtual void setParam(const karVectorizeParameter *newParam);
+    /// \}
+
+    explicit karDataParam(const karVectorizeParameter *value = nullptr);
+    karDataParam(const karDataParam &) = default;            ///< Copies the pointer.
+    karDataParam &operator=(const karDataParam &) = default; ///< Copies the pointer.
+
+protected:
+    karVectorizeParameter *param = nullptr;
+};
+
+/// An id and a fixed number of numbered parameters, which the message owns. A parameter that isn't set is empty.
+///
+///     karMessageBase *message = filter.addMessage(myId, 2);
+///     message->setText(0, name).setDouble(1, length);
+///
+/// Note: after the array couldn't be had, or with a negative count, `getParamCount` still reads the count, every parameter
+/// is empty, and setters store nothing; a later `setParamCount` recovers.
+class KAR_API karMessageBase {
+public:
+    KAR_LIBRARY_NEW
+
+    /// \name Virtual operations, in slot order
+    /// \{
+    virtual ~karMessageBase();
+    virtual EnumMessageID getMessageID() const;
+    virtual int getParamCount() const;
+    virtual karMessageBase &setParamCount(int count);     ///< Leaves `count` empty parameters.
+    virtual const karDataBase *getParam(int index) const; ///< On loan; null if empty or out of range.
+    virtual CtrlType getParamType(int index) const;       ///< 0 if empty or out of range.
+    /// Stores an unfinished `karDataParam`, see there.
+    virtual karMessageBase &setParam(int index, const karVectorizeParameter *param);
+    /// Takes the value over, or null to empty the parameter. Out of range the value stays with the caller.
+    virtual karMessageBase &setParam(int index, karDataBase *value);
+    /// Note: out of range the value that a typed setter has built is neither stored nor released; only after a failed
+    /// array it is released. Without memory for the value the parameter becomes empty.
+    virtual karMessageBase &setId(int index, int id);
+    virtual karMessageBase &setText(int index, const karString &text); ///< \overload
+    /// Note: stores 0, whatever the argument; a value that has to arrive goes through `setParam(index, value)`.
+    virtual karMessageBase &setInteger(int index, int value);
+    virtual karMessageBase &setDouble(int index, double value); ///< As `setId`.
+    /// \}
+
+    explicit karMessageBase(EnumMessageID ownId = MessageNone, int count = 2);
+    karMessageBase(const karMessageBase &) = default; ///< Note: both messages then hold, and release, one array.
+    karMessageBase &operator=(const karMessageBase &) = default; ///< Note: as the copy; old parameters aren't released.
+
+protected:
+    EnumMessageID id;
+    karDataBase **params = nullptr; ///< `paramCount` values, null without an array
+    int paramCount = 0;
+
+private:
+    void Delete(int index);
+    void DeleteAll();
+    bool hasSlot(int index) const { return params && index >= 0 && index < paramCount; }
+    karMessageBase &setBuilt(int index, karDataBase *value);
+};
+
+/// A message as an element of a list.
+class KAR_API karMessageLBase : public karListTyped<karMessageLBase, karListObject> {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    int ListObjectOk() override; ///< 1.
+    virtual karMessageBase *getMessage();
+    /// \}
+
+    /// Behind the end of `chain`, or alone with null.
+    karMessageLBase(karMessageLBase *chain, EnumMessageID id, int paramCount)
+        : karListTyped(chain), message(id, paramCount)
+    {}
+    karMessageLBase(const karMessageLBase &) = default;            ///< Note: shares the parameters with its source.
+    karMessageLBase &operator=(const karMessageLBase &) = default; ///< Note: as the copy.
+
+protected:
+    karMessageBase message;
+};
+
+/// A list of messages, which it owns. Removing an element deletes its message and the message's parameters.
+class KAR_API karMessage : public karListHeadTyped<karMessageLBase, karListHeadObject> {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    int ListHeadObjectOk() override; ///< 1.
+    ~karMessage() override;          ///< Deletes the messages.
+    /// \}
+
+    karMessage() : karListHeadTyped(ObjektIdies(0)) {}
+    karMessage(const karMessage &) = default; ///< Note: shares the elements with its source; both delete them.
+    karMessage &operator=(const karMessage &) = default; ///< Note: as the copy.
+
+    /// \name Adding and removing
+    /// \{
+    /// A new message at the end; null for the id 8 and if memory ends.
+    karMessageLBase *addMessage(EnumMessageID id, int paramCount);
+    /// Appends the element if it isn't in the list yet, and gives it back; null stays null. Linear.
+    karMessageLBase *addMessage(karMessageLBase *element);
+    /// Deletes the element, which isn't searched for first; null is ignored.
+    void removeMessage(karMessageLBase *element);
+    void removeMessage(karMessageBase *message); ///< Deletes the element that holds the message, if one does.
+    void removeMessage(EnumMessageID id);        ///< Deletes the first message of that id, if there is one.
+    void remAllMessage(EnumMessageID id);        ///< Deletes every message of that id.
+    /// \}
+
+    /// \name Searching
+    /// Linear, from the first element; null if nothing is found. Here 0 is an id like any other.
+    /// \{
+    karMessageLBase *searchMessage(karMessageLBase *element);
+    karMessageLBase *searchMessage(karMessageBase *message);
+    karMessageLBase *searchMessage(EnumMessageID id);
+    /// The first element of that id from the one that holds `message` on; id 0 is any.
+    /// Note: the search begins at the message itself, so a message of the id gives itself. To walk a list, go on with
+    /// the element's own `next` between calls.
+    karMessageLBase *nextMessage(karMessageBase *message, EnumMessageID id);
+    karMessageLBase *prevMessage(karMessageBase *message, EnumMessageID id); ///< The same towards the front.
+    /// \}
+};
+
+/// Break, progress and messages of an operation. A client makes one, or a class of its own from it, and hands it to any
+/// number of filters.
+/// Note: without memory for the percentage or the messages their pointer is null, and the operations that use it fault.
+class KAR_API karCtrl {
+public:
+    KAR_LIBRARY_NEW
+
+    /// \name Virtual operations, in slot order
+    /// \{
+    virtual ~karCtrl();
+    /// True once a break was asked for. Note: the first call that tells it turns `BreakRequested` into `BreakSeen`.
+    virtual bool isBreak();
+    virtual void SetBreak();
+    virtual void ResetBreak();
+    virtual BreakState getBreak(); ///< The state, unchanged.
+    virtual void resetPercent();
+    virtual void setGlobalPercent(int value);
+    virtual int getGlobalPercent();
+    virtual void setLayerPercent(int value);
+    virtual int getLayerPercent();
+    virtual void addPercentLayer();
+    virtual void removePercentLayer();
+    virtual void setPercentStartEnd(int start, int end);
+    virtual karMessage *getMessageList();
+    virtual karMessageBase *addMessage(EnumMessageID id, int paramCount); ///< Null for the id 8 and if memory ends.
+    virtual karMessageBase *getMessage(EnumMessageID id);                 ///< The first of that id, or null.
+    virtual karMessageBase *getMessage();                                 ///< The first of all, or null.
+    virtual karMessageBase *nextMessage(karMessageBase *message, EnumMessageID id); ///< As `karMessage::nextMessage`.
+    virtual karMessageBase *prevMessage(karMessageBase *message, EnumMessageID id); ///< As `karMessage::prevMessage`.
+    virtual void removeMessage(karMessageBase *message);
+    /// \}
+
+    karCtrl();
+    karCtrl(const karCtrl &) = default; ///< Note: shares percentage and messages with its source; both delete them.
+    karCtrl &operator=(const karCtrl &) = default; ///< Note: as the copy; what was held isn't deleted.
+
+protected:
+    BreakState breakState = BreakNone;
+    karPercent *percent;
+    karMessage *messages;
+};
+
+/// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every operation
+/// goes to the controller's virtual one of the same name and needs a controller that isn't null.
+class KAR_API karFilter {
+public:
+    /// Uses the controller of the client or, with null, makes and owns one.
+    explicit karFilter(karCtrl *clientCtrl = nullptr);
+    karFilter(const karFilter &) = default; ///< Note: of an owning filter, both believe that they own the controller.
+    ~karFilter();                           ///< Deletes the controller if the filter made it.
+    karFilter &operator=(const karFilter &) = default; ///< Note: as the copy; an owned controller isn't deleted.
+
+    /// Uses another controller, null included; deletes the present one if the filter made it. None is made for null.
+    void setCtrl(karCtrl *newCtrl);
+    karCtrl *getCtrl() { return ctrl; }
+    bool isOwnCtrlUsed() { return ownCtrl; }
+
+    /// \name Break
+    /// \{
+    bool isBreak() { return ctrl->isBreak(); }
+    void setBreak(bool on);
+    BreakState getBreak() { return ctrl->getBreak(); }
+    /// \}
+
+    /// \name Progress
+    /// \{
+    void resetPercent() { ctrl->resetPercent(); }
+    void setGlobalPercent(int value) { ctrl->setGlobalPercent(value); }
+    int getGlobalPercent() { return ctrl->getGlobalPercent(); }
+    void setPercent(int value) { ctrl->setLayerPercent(value); } ///< The percentage of the innermost layer.
+    int getPercent() { return ctrl->getLayerPercent(); }         ///< The percentage of the innermost layer.
+    void addPercentLayer() { ctrl->addPercentLayer(); }
+    void removePercentLayer() { ctrl->removePercentLayer(); }
+    void setPercentStartEnd(int start, int end) { ctrl->setPercentStartEnd(start, end); }
+    /// \}
+
+    /// \name Messages
+    /// \{
+    karMessage *getMessageList() { return ctrl->getMessageList(); }
+    karMessageBase *addMessage(EnumMessageID id, int paramCount) { return ctrl->addMessage(id, paramCount); }
+    karMessageBase *getMessage() { return ctrl->getMessage(); }
+    karMessageBase *getMessage(EnumMessageID id) { return ctrl->getMessage(id); }
+    void removeMessage(karMessageBase *message) { ctrl->removeMessage(message); }
+    /// \}
+
+protected:
+    karCtrl *ctrl;
+    bool ownCtrl;
+};
+
+#endif

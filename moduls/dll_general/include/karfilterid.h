@@ -1,0 +1,115 @@
+// Dispatch by kind: a table of 25 handlers, chosen by the number that an object answers.
+#ifndef KAR_FILTER_ID_H
+#define KAR_FILTER_ID_H
+
+#include "karalloc.h"
+#include "karenum.h"
+
+class karFilterIdBase;
+
+/// The kind of an object, 0 to 24. The values belong to the host.
+enum filterObjectID : int {
+};
+
+/// An object that a dispatcher handles.
+class KAR_API karFilterObject {
+public:
+    /// \name Virtual operations, in slot order
+    /// \{
+    virtual filterObjectID getFilterId(); ///< The slot of the handler; 0 unless a class overrides it.
+    /// \}
+
+    karFilterObject() = default;
+    karFilterObject(const karFilterObject &) {}
+    karFilterObject &operator=(const karFilterObject &) { return *this; } ///< Does nothing.
+    errorCodesKARTORY copy(karFilterObject &) { return KAR_SUCCESS; }     ///< Does nothing and gives 0.
+};
+
+/// A handler: a method of `karFilterIdBase` or, converted, of a class that derives from it.
+using FilterMethod = errorCodesKARTORY (karFilterIdBase::*)(karFilterObject *item);
+
+/// One slot: a handler and the object that it runs on.
+class KAR_API FilterMObject {
+public:
+    explicit FilterMObject(void *ownObject = nullptr, FilterMethod ownMethod = nullptr)
+        : method(ownMethod), object(ownObject)
+    {}
+
+    void set(void *newObject, FilterMethod newMethod)
+    {
+        setObject(newObject);
+        setMethod(newMethod);
+    }
+    /// Note: the address is later used as it is. It is that of the `karFilterIdBase` part, which in a class with several
+    /// bases need not be the start of the object; `karFilterIdBase::setFilterHandler` finds it.
+    void setObject(void *newObject) { object = newObject; }
+    karFilterIdBase *getObject() { return static_cast<karFilterIdBase *>(object); }
+    void setMethod(FilterMethod newMethod) { method = newMethod; }
+    FilterMethod getMethod() { return method; }
+
+    /// Runs the handler and passes its result through; -251 without an object or without a handler.
+    errorCodesKARTORY filter(karFilterObject *item);
+
+protected:
+    FilterMethod method;
+    void *object;
+};
+
+/// A dispatcher. A host derives its own from it and stores a handler for each kind:
+///
+///     class Drawer : public karFilterIdBase {
+///     public:
+///         Drawer() : karFilterIdBase(this, &Drawer::filterNoAction)    // kinds without a handler are skipped
+///         {
+///             setFilterHandler(lineKind, this, &Drawer::line);
+///         }
+///         errorCodesKARTORY line(karFilterObject *item);
+///     };
+///
+/// `filterObject(item)` then asks the item for its kind and runs the handler. A dispatch costs one virtual call, one index,
+/// two tests and one indirect call, and allocates nothing.
+class KAR_API karFilterIdBase {
+public:
+    /// Slots of a table.
+    static constexpr int slotCount = 25;
+
+    /// \name Construction
+    /// \{
+    /// All slots get `object` and `method`, as by `filterInit`.
+    /// Note: built with the defaults, every slot has a null object, so `filterObject` gives -251 and not -252.
+    explicit karFilterIdBase(void *object = nullptr, FilterMethod method = &karFilterIdBase::filterUnknownMethod);
+    karFilterIdBase(const karFilterIdBase &) = default; ///< Note: both objects then hold, and release, one table.
+    ~karFilterIdBase();
+    karFilterIdBase &operator=(const karFilterIdBase &) = default; ///< Note: as the copy; the old table isn't released.
+    /// \}
+
+    /// Makes a new table with `object` and `method` in every slot; what was stored before is gone.
+    /// Gives 0, also where the table couldn't be had: `filterObject` then gives -252 and stores do nothing.
+    errorCodesKARTORY filterInit(void *object, FilterMethod method);
+
+    /// Stores a handler with the address of the object that it runs on, which is used as it is: see
+    /// `FilterMObject::setObject`. An id outside 0 to 24 is dropped.
+    void setFilterMethod(filterObjectID id, void *object, FilterMethod method);
+
+    /// Stores a handler of any dispatcher class, without a cast. It stores the address of the `karFilterIdBase` part, so
+    /// that classes with several bases work.
+    template <class Dispatcher, class MethodClass>
+    void setFilterHandler(filterObjectID id, Dispatcher *dispatcher,
+                          errorCodesKARTORY (MethodClass::*method)(karFilterObject *))
+    {
+        setFilterMethod(id, static_cast<karFilterIdBase *>(dispatcher), static_cast<FilterMethod>(method));
+    }
+
+    /// Runs the handler of the item's kind and gives its result; -251 if the slot has no object or no handler (an id
+    /// outside 0 to 24 counts as such a slot), -252 without a table. The item is asked first and must not be null.
+    errorCodesKARTORY filterObject(karFilterObject *item);
+
+protected:
+    FilterMObject *getFilterMethod(filterObjectID id); ///< The slot; null without a table or for an id outside 0 to 24.
+    errorCodesKARTORY filterNoAction(karFilterObject *item);      ///< Handler for kinds to be skipped: 0.
+    errorCodesKARTORY filterUnknownMethod(karFilterObject *item); ///< Handler of unknown kinds: -252.
+
+    FilterMObject *methods = nullptr;
+};
+
+#endif

@@ -1,0 +1,23 @@
+// The transformations of extents, which are not made yet.
+#include "kar3dpoint.h"
+
+extern "C" KAR_API void _notready(const char *text, const char *file, int line);
+
+static const char source[] = "moduls/dll_general/src/kar3dpoint";
+
+kar3D_Dimension::kar3D_Dimension(const kar3D_Dimension &p, const karMatrix *) : SpaceTriple(p)
+{
+    _notready("kar3D_Dimension::kar3D_Dimension(const kar3D_Dimension& p, const karMatrix *matrix)", source, 33);
+}
+
+const kar3D_Dimension &kar3D_Dimension::operator*=(const karMatrix &)
+{
+    _notready("const kar3D_Dimension      &kar3D_Dimension::operator *= (const karMatrix  &matrix)", source, 38);
+    return *this;
+}
+
+kar3D_Dimension kar3D_Dimension::operator*(const karMatrix &) const
+{
+    _notready("const kar3D_Dimension      &kar3D_Dimension::operator *  (const karMatrix  &matrix)", source, 44);
+    return kar3D_Dimension();
+}

@@ -1,0 +1,143 @@
+// The short paths of the page pools, inlined where they are used most.
+#ifndef KAR_POOL_H
+#define KAR_POOL_H
+
+#include "karpageindex.h"
+
+#include <cstring>
+
+namespace kar {
+
+/// The two links in a free element. Elements of a 32-bit target may start at any even address, so they are read and
+/// written as bytes.
+struct FreeLinks {
+    void *next;
+    void *prev;
+
+    static FreeLinks read(const void *element)
+    {
+        FreeLinks links;
+        std::memcpy(&links, element, sizeof links);
+        return links;
+    }
+    void write(void *element) const { std::memcpy(element, this, sizeof *this); }
+    static void writePrev(void *element, void *prev)
+    {
+        std::memcpy(static_cast<char *>(element) + offsetof(FreeLinks, prev), &prev, sizeof prev);
+    }
+};
+static_assert(sizeof(FreeLinks) == sizeof(karFreeElement), "a free element holds the two links and nothing else");
+
+struct PoolAccess {
+    /// The links of a free element at `p` would lie in the page's storage.
+    static bool holdsLinks(const karPage &page, const void *p)
+    {
+        const std::uintptr_t start = addressOf(page.firstPageElement_);
+        return start && addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1);
+    }
+
+    static bool isElement(const karPage &page, const void *p)
+    {
+        const std::uintptr_t start = addressOf(page.firstPageElement_);
+        const std::uintptr_t offset = addressOf(p) - start;
+        return start && offset <= addressOf(page.lastPageElement_) - start && page.state.startsElement(offset);
+    }
+
+    /// Whether an element stands in the free list. A live element nearly always shows it by its own bytes; one that
+    /// holds what could be the links of a free element is looked for in the list.
+    static bool isFree(const karPage &page, void *p)
+    {
+        if (p == page.firstFreeElement_)
+            return true;
+        const FreeLinks links = FreeLinks::read(p);
+        if (!holdsLinks(page, links.prev) || FreeLinks::read(links.prev).next != p)
+            return false;
+        if (links.next && !(holdsLinks(page, links.next) && FreeLinks::read(links.next).prev == p))
+            return false;
+        return walkFinds(page, p);
+    }
+
+    static bool walkFinds(const karPage &page, const void *p)
+    {
+        const void *element = page.firstFreeElement_;
+        for (int steps = page.elementCount_; steps > 0 && element && holdsLinks(page, element); --steps) {
+            if (element == p)
+                return true;
+            element = FreeLinks::read(element).next;
+        }
+        return false;
+    }
+
+    /// `karPage::newElement` of a page that has a free element.
+    static void *take(karPage &page)
+    {
+        void *const element = page.firstFreeElement_;
+        void *const next = FreeLinks::read(element).next;
+        page.elementUsed_ = page.elementUsed_ < 1 ? 1 : page.elementUsed_ + 1;
+        if (next && holdsLinks(page, next)) {
+            FreeLinks::writePrev(next, nullptr);
+            page.firstFreeElement_ = static_cast<karFreeElement *>(next);
+        } else {
+            page.firstFreeElement_ = nullptr;
+            if (page.state.index)
+                page.state.index->lostRoom(page);
+        }
+        return element;
+    }
+
+    /// `karPage::deleteElement`; true if the page is empty now.
+    [[gnu::always_inline]] static inline bool give(karPage &page, void *p)
+    {
+        const bool element = isElement(page, p);
+        if (element && isFree(page, p))
+            return false;
+        page.elementUsed_ = page.elementUsed_ < 1 ? 0 : page.elementUsed_ - 1;
+        if (element) {
+            karFreeElement *const head = page.firstFreeElement_;
+            FreeLinks{head, nullptr}.write(p);
+            page.firstFreeElement_ = static_cast<karFreeElement *>(p);
+            if (head)
+                FreeLinks::writePrev(head, p);
+            else if (page.state.index)
+                page.state.index->gotRoom(page);
+        }
+        return page.elementUsed_ == 0;
+    }
+
+    /// `karPageMemory::newElement`.
+    static void *take(karPageMemory &pool)
+    {
+        if (PageIndex *const index = pool.state.index)
+            if (karPage *const page = index->firstWithRoom())
+                return take(*page);
+        return takeSlowly(pool);
+    }
+
+    /// `karPageMemory::deleteElement` without the change of the pointer; false if no page holds `p`.
+    static bool give(karPageMemory &pool, void *p)
+    {
+        const PageIndex *const index = pool.state.index;
+        return give(pool, index ? index->find(p) : nullptr, p);
+    }
+
+    /// The same, with the page that probably holds `p`.
+    static bool give(karPageMemory &pool, karPage *page, void *p)
+    {
+        if (!page || page->state.index != pool.state.index)
+            return giveSlowly(pool, p);
+        if (give(*page, p))
+            pool.deletePage(page);
+        return true;
+    }
+
+    static void findIndex(karPageMemory &pool);
+    static karPage *find(karPageMemory &pool, void *p);
+
+private:
+    static void *takeSlowly(karPageMemory &pool);
+    static bool giveSlowly(karPageMemory &pool, void *p);
+};
+
+} // namespace kar
+
+#endif

@@ -1,0 +1,51 @@
+#include "karsystem.h"
+
+#include "platform.h"
+#include "systemreport.h"
+
+namespace {
+
+bool probed;
+kar::SystemAnswers answers;
+char systemNameText[1];
+
+const kar::SystemAnswers &systemProbe()
+{
+    if (!probed) {
+        kar::SystemReport report = {};
+        answers = kar::answersTo(kar::platform::systemReport(report) ? &report : nullptr, kar::platform::computerName);
+        systemNameText[0] = '\0';
+        probed = true;
+    }
+    return answers;
+}
+
+const kar::SystemTypeRow &typeRow() { return kar::systemTypes[systemProbe().typeRow]; }
+const kar::SystemVersionRow &versionRow() { return kar::systemVersions[systemProbe().versionRow]; }
+
+} // namespace
+
+int systemType() { return typeRow().number; }
+const char *systemTypeString() { return typeRow().text; }
+int systemVersion() { return versionRow().number; }
+const char *systemVersionString() { return versionRow().text; }
+unsigned short systemVersionBinary() { return versionRow().packed; }
+int systemBuilt() { return systemProbe().built; }
+
+char *systemName()
+{
+    systemProbe();
+    return systemNameText;
+}
+
+char *nodeName()
+{
+    systemProbe();
+    return answers.node;
+}
+
+void globalBeep() {}
+void _notready(const char *, const char *, int) {}
+errorCodesKARTORY errornoMethod(int code) { return static_cast<errorCodesKARTORY>(code); }
+errorCodesKARTORY errornoMethodExt(errorCodesKARTORY code, const char *, int) { return code; }
+int errornoMethodExt(int code, const char *, int) { return code; }

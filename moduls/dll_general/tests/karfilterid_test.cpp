@@ -1,0 +1,249 @@
+// Dispatch by kind. Failing allocation of the table is in karctrl_failure_test.cpp.
+#include "karfilterid.h"
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+namespace {
+
+class Item : public karFilterObject {
+public:
+    explicit Item(int kind) : id(filterObjectID(kind)) {}
+    filterObjectID getFilterId() override { return id; }
+    filterObjectID id;
+};
+
+class Dispatcher : public karFilterIdBase {
+public:
+    using karFilterIdBase::filterNoAction;
+    using karFilterIdBase::filterUnknownMethod;
+    using karFilterIdBase::getFilterMethod;
+    using karFilterIdBase::karFilterIdBase;
+
+    errorCodesKARTORY remember(karFilterObject *item)
+    {
+        seen = item;
+        return errorCodesKARTORY(17);
+    }
+    errorCodesKARTORY fail(karFilterObject *) { return errorCodesKARTORY(-3); }
+
+    FilterMethod unknown() { return &Dispatcher::filterUnknownMethod; }
+    FilterMethod noAction() { return &Dispatcher::filterNoAction; }
+    bool hasTable() const { return methods != nullptr; }
+    void dropTable()
+    {
+        KarDellocMemory(methods);
+        methods = nullptr;
+    }
+
+    karFilterObject *seen = nullptr;
+};
+
+int run(karFilterIdBase &dispatcher, int kind)
+{
+    Item item(kind);
+    return dispatcher.filterObject(&item);
+}
+
+} // namespace
+
+TEST(FilterMObject, FilterNeedsObjectAndMethod)
+{
+    Dispatcher target;
+    Item item(0);
+    const auto method = static_cast<FilterMethod>(&Dispatcher::remember);
+
+    EXPECT_EQ(FilterMObject().filter(&item), -251);
+    EXPECT_EQ(FilterMObject(&target).filter(&item), -251);
+    EXPECT_EQ(FilterMObject(nullptr, method).filter(&item), -251);
+    EXPECT_EQ(FilterMObject(static_cast<karFilterIdBase *>(&target), method).filter(&item), 17);
+    EXPECT_EQ(target.seen, &item);
+}
+
+TEST(FilterMObject, StoresAndCopiesBothFields)
+{
+    Dispatcher target;
+    const auto method = static_cast<FilterMethod>(&Dispatcher::fail);
+    FilterMObject slot;
+    slot.set(&target, method);
+    FilterMObject copy;
+    copy = slot;
+    EXPECT_EQ(copy.getObject(), &target);
+    EXPECT_TRUE(copy.getMethod() == method);
+    copy.setObject(nullptr);
+    EXPECT_EQ(copy.getObject(), nullptr);
+    copy.setMethod(nullptr);
+    EXPECT_TRUE(copy.getMethod() == nullptr);
+    EXPECT_EQ(slot.getObject(), &target);
+}
+
+TEST(FilterMObject, PassesANullItemOn)
+{
+    Dispatcher target;
+    Item item(0);
+    target.seen = &item;
+    FilterMObject slot(static_cast<karFilterIdBase *>(&target), static_cast<FilterMethod>(&Dispatcher::remember));
+    EXPECT_EQ(slot.filter(nullptr), 17);
+    EXPECT_EQ(target.seen, nullptr);
+}
+
+TEST(KarFilterObject, AnswersSlotZeroAndCopiesNothing)
+{
+    karFilterObject object;
+    EXPECT_EQ(object.getFilterId(), 0);
+    Item three(3);
+    karFilterObject &base = three;
+    base = object;
+    EXPECT_EQ(three.getFilterId(), 3);
+    EXPECT_EQ(object.copy(three), 0);
+    static_assert(!std::has_virtual_destructor_v<karFilterObject>);
+}
+
+TEST(KarFilterIdBase, DefaultTableHasNullObjectsSoGivesNoMethod)
+{
+    karFilterIdBase dispatcher;
+    for (int kind = 0; kind < 25; ++kind)
+        EXPECT_EQ(run(dispatcher, kind), -251) << kind;
+}
+
+TEST(KarFilterIdBase, UnknownMethodWithAnObjectGivesItsCodeForEveryKind)
+{
+    Dispatcher dispatcher;
+    EXPECT_EQ(dispatcher.filterInit(&dispatcher, dispatcher.unknown()), 0);
+    for (int kind = 0; kind < 25; ++kind)
+        EXPECT_EQ(run(dispatcher, kind), -252) << kind;
+}
+
+TEST(KarFilterIdBase, NoActionGivesSuccessForEveryKind)
+{
+    Dispatcher dispatcher;
+    dispatcher.filterInit(&dispatcher, dispatcher.noAction());
+    for (int kind = 0; kind < 25; ++kind)
+        EXPECT_EQ(run(dispatcher, kind), 0) << kind;
+}
+
+TEST(KarFilterIdBase, ConstructorFillsEverySlot)
+{
+    Dispatcher target;
+    Dispatcher dispatcher(&target, static_cast<FilterMethod>(&Dispatcher::remember));
+    for (int kind = 0; kind < 25; ++kind) {
+        EXPECT_EQ(dispatcher.getFilterMethod(filterObjectID(kind))->getObject(), &target);
+        EXPECT_EQ(run(dispatcher, kind), 17);
+    }
+}
+
+TEST(KarFilterIdBase, ANullHandlerMakesItsKindFailAlone)
+{
+    Dispatcher dispatcher;
+    dispatcher.filterInit(&dispatcher, dispatcher.noAction());
+    dispatcher.setFilterMethod(filterObjectID(3), &dispatcher, nullptr);
+    EXPECT_EQ(run(dispatcher, 2), 0);
+    EXPECT_EQ(run(dispatcher, 3), -251);
+    EXPECT_EQ(run(dispatcher, 4), 0);
+}
+
+TEST(KarFilterIdBase, LastSlotIsReadBackAndTheNextIsNone)
+{
+    Dispatcher dispatcher;
+    dispatcher.setFilterHandler(filterObjectID(24), &dispatcher, &Dispatcher::remember);
+    ASSERT_NE(dispatcher.getFilterMethod(filterObjectID(24)), nullptr);
+    EXPECT_EQ(dispatcher.getFilterMethod(filterObjectID(24)) - dispatcher.getFilterMethod(filterObjectID(0)), 24);
+    EXPECT_TRUE(dispatcher.getFilterMethod(filterObjectID(24))->getMethod() ==
+                static_cast<FilterMethod>(&Dispatcher::remember));
+    EXPECT_EQ(run(dispatcher, 24), 17);
+    EXPECT_EQ(dispatcher.getFilterMethod(filterObjectID(25)), nullptr);
+    EXPECT_EQ(dispatcher.getFilterMethod(filterObjectID(-1)), nullptr);
+}
+
+TEST(KarFilterIdBase, IdsOutsideTheTableReadAsEmptyAndStoreNothing)
+{
+    Dispatcher dispatcher;
+    dispatcher.setFilterHandler(filterObjectID(25), &dispatcher, &Dispatcher::remember);
+    dispatcher.setFilterHandler(filterObjectID(-1), &dispatcher, &Dispatcher::remember);
+    EXPECT_EQ(run(dispatcher, 25), -251);
+    EXPECT_EQ(run(dispatcher, -1), -251);
+    EXPECT_EQ(dispatcher.seen, nullptr);
+}
+
+TEST(KarFilterIdBase, SecondInitDiscardsEveryHandler)
+{
+    Dispatcher dispatcher;
+    dispatcher.setFilterHandler(filterObjectID(7), &dispatcher, &Dispatcher::remember);
+    EXPECT_EQ(run(dispatcher, 7), 17);
+    dispatcher.filterInit(&dispatcher, dispatcher.unknown());
+    EXPECT_EQ(run(dispatcher, 7), -252);
+}
+
+TEST(KarFilterIdBase, WithoutATableObjectsAreUnknown)
+{
+    Dispatcher dispatcher;
+    dispatcher.dropTable();
+    EXPECT_EQ(run(dispatcher, 0), -252);
+    EXPECT_EQ(run(dispatcher, 99), -252);
+    EXPECT_EQ(dispatcher.getFilterMethod(filterObjectID(0)), nullptr);
+    dispatcher.setFilterMethod(filterObjectID(0), &dispatcher, dispatcher.noAction());
+    EXPECT_FALSE(dispatcher.hasTable());
+}
+
+TEST(KarFilterIdBase, ResultOfAHandlerPassesThrough)
+{
+    Dispatcher dispatcher;
+    dispatcher.setFilterHandler(filterObjectID(1), &dispatcher, &Dispatcher::fail);
+    EXPECT_EQ(run(dispatcher, 1), -3);
+}
+
+TEST(KarFilterIdBase, ASlotMayNameAnotherObject)
+{
+    Dispatcher dispatcher;
+    Dispatcher other;
+    dispatcher.setFilterHandler(filterObjectID(1), &other, &Dispatcher::remember);
+    Item item(1);
+    EXPECT_EQ(dispatcher.filterObject(&item), 17);
+    EXPECT_EQ(other.seen, &item);
+    EXPECT_EQ(dispatcher.seen, nullptr);
+}
+
+TEST(KarFilterIdBase, AssignmentSharesTheTable)
+{
+    Dispatcher dispatcher;
+    Dispatcher other;
+    other.dropTable();
+    other = dispatcher;
+    EXPECT_EQ(other.getFilterMethod(filterObjectID(0)), dispatcher.getFilterMethod(filterObjectID(0)));
+    other.dropTable(); // one of the two lets go of the table, the other must forget it
+    dispatcher = other;
+    EXPECT_FALSE(dispatcher.hasTable());
+}
+
+namespace {
+
+struct Weight {
+    virtual ~Weight() = default;
+    int weight = 5;
+};
+
+// The dispatcher part lies behind another base.
+class Second : public Weight, public karFilterIdBase {
+public:
+    Second() { setFilterHandler(filterObjectID(2), this, &Second::weigh); }
+    errorCodesKARTORY weigh(karFilterObject *) { return errorCodesKARTORY(weight); }
+};
+
+} // namespace
+
+TEST(KarFilterIdBase, HandlersOfClassesWithSeveralBasesGetTheirOwnObject)
+{
+    Second dispatcher;
+    dispatcher.weight = 9;
+    EXPECT_EQ(run(dispatcher, 2), 9);
+}
+
+TEST(KarFilterIdBase, AnItemThatDoesNotOverrideGoesToSlotZero)
+{
+    Dispatcher dispatcher;
+    dispatcher.setFilterHandler(filterObjectID(0), &dispatcher, &Dispatcher::remember);
+    karFilterObject item;
+    EXPECT_EQ(dispatcher.filterObject(&item), 17);
+    EXPECT_EQ(dispatcher.seen, &item);
+}

@@ -1,0 +1,119 @@
+// Makes allocations of the library fail: all of them, or those from the n-th on.
+#ifndef KAR_TEST_FAIL_ALLOC_H
+#define KAR_TEST_FAIL_ALLOC_H
+
+#include "karmemgb.h"
+
+#include <vector>
+
+/// Reads what the allocator keeps from its users.
+struct AllocatorPeek : karGlobalMemory {
+    static karPageMemory &pool(karGlobalMemory &allocator, int number)
+    {
+        return (allocator.*&AllocatorPeek::pools)[number];
+    }
+    static karMemory &records(karGlobalMemory &allocator) { return allocator.*&AllocatorPeek::memory; }
+};
+struct PoolPeek : karPageMemory {
+    static karPage *firstOf(karPageMemory &pool) { return pool.*&PoolPeek::firstPage; }
+    static karPage *currentOf(karPageMemory &pool) { return pool.*&PoolPeek::currentPage; }
+    static karPage *lastOf(karPageMemory &pool) { return pool.*&PoolPeek::lastPage; }
+};
+
+/// While one lives every allocation fails, small ones too: the count of heap blocks stands above its limit.
+///
+///     {
+///         AllAllocationsFail failing;
+///         EXPECT_EQ(text.append("more"), nullptr);
+///     }
+class AllAllocationsFail {
+public:
+    AllAllocationsFail() : before(globalMemList->getCurAnzNew()) { globalMemList->setCurAnzNew(refusing); }
+    ~AllAllocationsFail()
+    {
+        // What was released meanwhile stays counted.
+        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - refusing)));
+    }
+    AllAllocationsFail(const AllAllocationsFail &) = delete;
+    AllAllocationsFail &operator=(const AllAllocationsFail &) = delete;
+
+private:
+    static constexpr int refusing = 64001;
+    long before;
+};
+
+/// While one lives the n-th small allocation (n from 1) fails, and every allocation after it: each size class is left
+/// with n - 1 free elements and the count of heap blocks stands at its limit, so that a class which runs out can have a
+/// page object but no storage for it. Of several classes the first to run out counts. A block above 992 bytes can be
+/// had once, after which everything fails.
+///
+///     for (unsigned n = 1;; ++n) {
+///         NthAllocationFails failing(n);
+///         operation();
+///         if (!failing.happened())
+///             break; // the operation needs fewer than n allocations
+///     }
+///
+/// Each failure leaves an empty page object in the pool of its class until the library is unloaded.
+class NthAllocationFails {
+public:
+    explicit NthAllocationFails(unsigned n)
+    {
+        for (const Class &sizeClass : {Class{0, 2}, Class{7, 92}, Class{8, 192}, Class{9, 492}, Class{10, 992}})
+            leaveFree(sizeClass, n - 1);
+        before = globalMemList->getCurAnzNew();
+        globalMemList->setCurAnzNew(atLimit);
+    }
+    ~NthAllocationFails()
+    {
+        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - atLimit)));
+        for (void *block : fillers)
+            KarDellocMemory(block);
+    }
+    NthAllocationFails(const NthAllocationFails &) = delete;
+    NthAllocationFails &operator=(const NthAllocationFails &) = delete;
+
+    /// Whether an allocation has failed.
+    bool happened() const { return globalMemList->getCurAnzNew() > atLimit; }
+
+private:
+    static constexpr int atLimit = 64000;
+    struct Class {
+        int pool;
+        unsigned request;
+    };
+
+    static unsigned freeElements(karPageMemory &pool)
+    {
+        unsigned elements = 0;
+        if (karPage *page = PoolPeek::firstOf(pool))
+            for (page = page->first(); page; page = page->next())
+                if (page->PageBegin())
+                    elements += static_cast<unsigned>(pool.elementCount());
+        return elements - static_cast<unsigned>(pool.getAnzElem());
+    }
+
+    void leaveFree(Class sizeClass, unsigned wanted)
+    {
+        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, sizeClass.pool);
+        for (unsigned i = freeElements(pool); i > 0; --i)
+            fillers.push_back(KarAllocMemory(sizeClass.request));
+        const unsigned pageSize = static_cast<unsigned>(pool.elementCount());
+        std::vector<void *> fresh;
+        const unsigned pages = wanted ? (wanted - 1) / (pageSize - 1) + 1 : 0;
+        for (unsigned i = 0; i < pages * pageSize; ++i)
+            fresh.push_back(KarAllocMemory(sizeClass.request));
+        for (unsigned i = 0; i < pages * pageSize; ++i)
+            if (wanted > 0 && i % pageSize != 0) { // one element keeps the page
+                KarDellocMemory(fresh[i]);
+                --wanted;
+            } else {
+                fillers.push_back(fresh[i]);
+            }
+    }
+
+    std::vector<void *> fillers;
+    long before;
+};
+
+#endif
