@@ -538,10 +538,14 @@ karString karString::karstrtok(const char *delimiters)
     const int found = karstrchr(delimiters, 0);
     const unsigned i = found < 0 ? count : static_cast<unsigned>(found);
     token.ncopy(text(), i);
-    if (i < count)
-        ncopy(text(), i + 1, -1);
-    else
+    if (i < count && i < bufferSize) {
+        // What follows, behind a NUL in the text too, up to the next one.
+        const char *const rest = buffer + i + 1;
+        const std::size_t restLength = boundedLength(rest, bufferSize - i - 1);
+        assignBounded(rest, restLength, restLength, true);
+    } else {
         cut(0);
+    }
     return token;
 }
 

@@ -188,8 +188,9 @@ TEST(KarString, FormatThatFailsLeavesTheEmptyText)
 #if defined(__linux__)
     EXPECT_LT(result, 0);
 #endif
-    if (result < 0)
+    if (result < 0) {
         EXPECT_TRUE(hasState(s, "", 0, 16));
+    }
 }
 
 TEST(KarString, FormatReadsItsOwnText)
@@ -594,6 +595,21 @@ TEST(KarString, TakesTokensOfATextWithCountedNuls)
     karString t = countedNul();
     EXPECT_TRUE(hasState(t.karstrtok("a"), "x", 1, 16));
     EXPECT_TRUE(hasState(t, "b", 1, 16));
+    karString u("ab");
+    u &= '\0';
+    u &= "cd";
+    EXPECT_TRUE(hasState(u.karstrtok(""), "ab", 2, 16)); // the terminator, and what stands behind it
+    EXPECT_TRUE(hasState(u, "cd", 2, 16));
+}
+
+TEST(KarString, TakesTokensOfATextPastItsCachedLength)
+{
+    karString s = shortCopy(); // "abyz", 2
+    EXPECT_TRUE(hasState(s.karstrtok("z"), "aby", 3, 16));
+    EXPECT_TRUE(hasState(s, "", 0, 16)); // index 3 isn't below the length
+    karString t = shortCopy();
+    EXPECT_TRUE(hasState(t.karstrtok("x"), "ab", 2, 16));
+    EXPECT_TRUE(hasState(t, "", 0, 16));
 }
 
 // -- Date and time --------------------------------------------------------------------------------------------------
