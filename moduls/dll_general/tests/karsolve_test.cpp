@@ -340,7 +340,7 @@ TEST(SolveSquareRootsComplex, RealRootsComeOut)
     karComplex x1, x2;
     Solve_SquareRoots(karComplex(-5, 0), karComplex(6, 0), x1, x2);
     EXPECT_BITS(3.0, x1.GetReal());
-    EXPECT_BITS(-0.0, x1.GetImag()); // 0 * -5 + -5 * 0 in the square of p
+    EXPECT_BITS(-0.0, x1.GetImag()); // the square of p has as imaginary part: 0 * -5 + -5 * 0
     EXPECT_BITS(2.0, x2.GetReal());
     EXPECT_BITS(0.0, x2.GetImag());
 }
