@@ -37,7 +37,13 @@ Console::Console(Loudness ownLoudness, Language ownLanguage)
     Stdio = this;
 }
 
-Console::~Console() { Stdio = nullptr; }
+Console::~Console()
+{
+    clearBar();
+    while (!tasks.empty())
+        delete tasks.back(); // which takes it out of the list
+    Stdio = nullptr;
+}
 
 karString Console::GetFileNameWrite(const karString &, const karString &, const karString &c, const karString &,
                                     const karString &, int)
@@ -58,6 +64,7 @@ void Console::print(MsgType type, const std::string &text)
     if (type == MsgError || type == MsgWarning)
         line += std::string(translated(language, type == MsgError ? "error" : "warning")) + ": ";
     line += text;
+    clearBar();
     const std::string colour = terminal ? colourOf(type) : "";
     if (!colour.empty())
         line = colour + line + "\x1b[0m";
@@ -66,7 +73,45 @@ void Console::print(MsgType type, const std::string &text)
 
 void Console::statusText(const char *format, va_list arguments) { status = printable(expanded(format, arguments)); }
 
-void Console::Fortschritt(int) {}
+void Console::Fortschritt(int) { barDrawn = {}; } // the percentage fell: the bar is drawn anew at the next turn
+
+void Console::turn(karCtrl &ctrl)
+{
+    for (std::size_t i = 0; i < tasks.size();) {
+        karTaskElem *task = tasks[i];
+        if (task->_todo()) {
+            removeTask(task);
+            task->PostRemove();
+        } else {
+            ++i;
+        }
+    }
+    if (!terminal || loudness == Loudness::Quiet)
+        return;
+    const auto now = std::chrono::steady_clock::now();
+    if (now - barDrawn < std::chrono::milliseconds(100))
+        return;
+    barDrawn = now;
+    drawBar(ctrl.getGlobalPercent());
+}
+
+void Console::drawBar(int percent)
+{
+    constexpr int cells = 25;
+    const int known = std::clamp(percent, 0, 100);
+    std::string bar(static_cast<std::size_t>(known * cells / 100), '#');
+    bar.resize(cells, '.');
+    std::fprintf(stderr, "\r[%s] %3d%% %s  %s\x1b[K", bar.c_str(), known, status.c_str(),
+                 static_cast<const char *>(static_cast<const karString &>(figures)));
+    barShown = true;
+}
+
+void Console::clearBar()
+{
+    if (barShown)
+        std::fputs("\r\x1b[K", stderr);
+    barShown = false;
+}
 
 void Console::addTask(karTaskElem *task) { tasks.push_back(task); }
 

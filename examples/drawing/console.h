@@ -6,6 +6,7 @@
 
 #include <krkgeneral.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -36,14 +37,26 @@ public:
                                va_list arguments) override;
     karString &localizeString(const char *section, const char *key, karString &out, long number) override;
 
+    /// The turn of everything that runs beside an operation: the tasks, and the progress bar of the controller, which is
+    /// drawn at most ten times a second, on a terminal only and never with `Quiet`.
+    void turn(karCtrl &ctrl);
+    /// Takes the bar away.
+    void clearBar();
+    /// The figures that the bar shows.
+    void setFigures(const karString &newFigures) { figures = newFigures; }
+
 private:
+    void drawBar(int percent);
     void print(MsgType type, const std::string &text);
 
     Loudness loudness;
     Language language;
     bool terminal; // standard error is one
     std::vector<karTaskElem *> tasks;
-    std::string status;
+    std::string status; // what is being done
+    karString figures;
+    bool barShown = false;
+    std::chrono::steady_clock::time_point barDrawn;
 };
 
 #endif

@@ -28,7 +28,15 @@ Made *required(Made *made)
 // Receives what dxflib reads. An entity goes to the block that is open, otherwise to the drawing.
 class Reader : public DL_CreationAdapter {
 public:
-    explicit Reader(Drawing &into) : drawing(into), target(&into.entities) {}
+    Reader(Drawing &into, const std::string &groups, Phase &ownPhase)
+        : drawing(into), target(&into.entities), text(groups), size(groups.size()), phase(ownPhase)
+    {}
+
+    void read()
+    {
+        DL_Dxf dxf;
+        dxf.in(text, this);
+    }
 
     void addBlock(const DL_BlockData &data) override
     {
@@ -126,6 +134,8 @@ private:
     Made *add(Made *entity)
     {
         required(entity);
+        if (!phase.next(static_cast<double>(text.tellg()) / static_cast<double>(size)))
+            text.setstate(std::ios::eofbit); // the parser stops at what it takes for the end
         entity->order = ++count;
         target->ListAppend(entity);
         return entity;
@@ -136,6 +146,9 @@ private:
     Drawing &drawing;
     Block *target;
     PolylineEntity *polyline = nullptr; // takes the vertices that follow
+    std::istringstream text;
+    std::size_t size;
+    Phase &phase;
     int count = 0;
 };
 
@@ -171,12 +184,15 @@ private:
 
 } // namespace
 
-void readDxf(const std::string &path, Drawing &drawing)
+void readDxf(const std::string &path, Drawing &drawing, karFilter &filter)
 {
-    std::istringstream text(checkedDxf(readFile(path)));
-    Reader reader(drawing);
-    DL_Dxf dxf;
-    dxf.in(text, &reader);
+    Phase phase(filter, 0, 30, "reading");
+    readDxfText(checkedDxf(readFile(path)), drawing, phase);
+}
+
+void readDxfText(const std::string &groups, Drawing &drawing, Phase &phase)
+{
+    Reader(drawing, groups, phase).read();
     InsertCheck check(drawing);
     check.walk(drawing.entities);
     for (const Block *block = drawing.firstBlock(); block; block = block->nextBlock())

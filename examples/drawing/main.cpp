@@ -3,6 +3,7 @@
 #include "dxfreader.h"
 #include "dxftext.h"
 #include "inventory.h"
+#include "operation.h"
 
 #include <CLI/CLI.hpp>
 
@@ -11,7 +12,9 @@
 
 namespace {
 
-constexpr int unreadable = 2; // exit status for a drawing that can't be read
+// Exit statuses.
+constexpr int unreadable = 2; // a drawing that can't be read
+constexpr int stopped = 130;  // as a shell tells of Ctrl-C
 
 struct Options {
     std::string path;
@@ -20,17 +23,26 @@ struct Options {
     bool verbose = false;
 };
 
-int run(const Options &options)
+int run(const Options &options, Console &console)
 {
+    TerminalCtrl ctrl(console);
+    karFilter filter(&ctrl);
+    new FiguresTask(console);
     Drawing drawing;
     infoText(1, text("Reading %s"), options.path.c_str());
-    readDxf(options.path, drawing);
+    readDxf(options.path, drawing, filter);
     infoText(1, text("%d entities read"), drawing.entities.ListAnzahl());
-    drawing.entities.sort();
+    {
+        Phase phase(filter, 30, 40, "sorting");
+        if (phase.next(0))
+            drawing.entities.sort();
+    }
+    console.clearBar();
+    tellFindings(filter);
     std::cout << options.path << '\n';
     printInventory(std::cout, drawing);
     printMemory(std::cout);
-    return 0;
+    return filter.getBreak() == BreakNone ? 0 : stopped;
 }
 
 } // namespace
@@ -46,12 +58,12 @@ int main(int argc, char **argv)
     app.add_flag("-v,--verbose", options.verbose, "More messages")->excludes(quiet);
     CLI11_PARSE(app, argc, argv);
 
-    const Console console(options.quiet     ? Loudness::Quiet
-                          : options.verbose ? Loudness::Verbose
-                                            : Loudness::Usual,
-                          chooseLanguage(options.language));
+    Console console(options.quiet     ? Loudness::Quiet
+                    : options.verbose ? Loudness::Verbose
+                                      : Loudness::Usual,
+                    chooseLanguage(options.language));
     try {
-        return run(options);
+        return run(options, console);
     } catch (const DrawingError &error) {
         errorText(0, "%s: %s", options.path.c_str(), error.what());
     } catch (const std::bad_alloc &) {

@@ -36,6 +36,11 @@ constexpr Entry german[] = {
     {"inserts blocks more than %d deep", "fügt Blöcke mehr als %d Ebenen tief ein"},
     {"block \"%s\" inserts itself", "Block \"%s\" fügt sich selbst ein"},
     {"Reading %s", "%s wird gelesen"},
+    {"reading", "Lesen"},
+    {"sorting", "Sortieren"},
+    {"stopped on request while %s, %d elements done", "auf Wunsch abgebrochen beim %s, %d Elemente fertig"},
+    {"%d more warnings like these", "%d weitere solche Warnungen"},
+    {"%ld s, %ld KB", "%ld s, %ld KB"},
     {"%d entities read", "%d Elemente gelesen"},
 };
 

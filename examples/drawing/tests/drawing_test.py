@@ -4,9 +4,11 @@ import os
 import pathlib
 import pty
 import re
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 PROGRAM = sys.argv.pop(1)
@@ -264,6 +266,70 @@ class Messages(DrawingTest):
         path = self.file(drawing("", block("B\x1b[2J", insert("B\x1b[2J"))))
         self.assertNotIn("\x1b", run(path).stderr)
         self.assertIn('block "B?[2J" inserts itself', run(path).stderr)
+
+
+class Operation(DrawingTest):
+    """KARTORY_DRAWING_BREAK_AT=N presses Ctrl-C as the operation asks for the Nth time whether to go on, which it does
+    before each element."""
+
+    def test_a_break_stops_at_the_next_element_and_reports_what_was_done(self):
+        path = self.file(drawing("".join(line(f"{i}.0") for i in range(50))))
+        for element in (1, 2, 17, 50):
+            with self.subTest(element=element):
+                result = run(path, KARTORY_DRAWING_BREAK_AT=str(element))
+                self.assertEqual(result.returncode, 130)
+                self.assertIn(f"warning: stopped on request while reading, {element - 1} elements done", result.stderr)
+                self.assertEqual(result.stderr.count("\n"), 1)
+                # the element under way when the break comes is complete
+                self.assertRegex(result.stdout, rf"A +LINE +{element}\n")
+
+    def test_a_break_in_a_later_phase_names_it(self):
+        result = run(self.file(drawing(line() + line())), KARTORY_DRAWING_BREAK_AT="3")
+        self.assertEqual(result.returncode, 130)
+        self.assertIn("while sorting, 0 elements done", result.stderr)
+        self.assertRegex(result.stdout, r"A +LINE +2\n")
+
+    def test_a_break_behind_the_last_element_changes_nothing(self):
+        path = self.file(drawing(line()))
+        result = run(path, KARTORY_DRAWING_BREAK_AT="100000")
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+
+    def test_an_interrupt_from_outside(self):
+        for presses, statuses in ((1, (130,)), (3, (130, -signal.SIGINT))):
+            with subprocess.Popen([PROGRAM, SAMPLES / "site-plan.dxf"], stdout=subprocess.PIPE,
+                                  stderr=subprocess.PIPE, env=environment(KARTORY_DRAWING_BREAK_AT="0")) as process:
+                for _ in range(presses):
+                    time.sleep(0.15)
+                    process.send_signal(signal.SIGINT)
+                process.communicate()
+                # before the handler stands, and behind the end of the work, one press already ends the program
+                self.assertIn(process.returncode, (*statuses, -signal.SIGINT, 0))
+
+    def test_the_bar_is_one_line_that_rises(self):
+        start = time.monotonic()
+        status, received = run_on_terminal(SAMPLES / "site-plan.dxf")
+        elapsed = time.monotonic() - start
+        self.assertEqual(status, 0)
+        self.assertEqual(received.count("\n"), 0)
+        bars = re.findall(r"\r\[([#.]{25})\] +(\d+)% ([^\x1b]*)\x1b\[K", received)
+        self.assertGreaterEqual(len(bars), 1)
+        self.assertLessEqual(len(bars), 10 * elapsed + 2)
+        percents = [int(percent) for _, percent, _ in bars]
+        self.assertEqual(percents, sorted(percents))
+        for cells, percent, rest in bars:
+            self.assertEqual(cells.count("#"), int(percent) * 25 // 100)
+            self.assertRegex(rest, r"^[a-z]+  \d+ s, \d+ KB$")
+        self.assertTrue(received.endswith("\r\x1b[K"))  # nothing of it stays
+
+    def test_the_bar_is_absent_without_a_terminal_and_when_quiet(self):
+        self.assertEqual(run(SAMPLES / "site-plan.dxf").stderr, "")
+        self.assertEqual(run_on_terminal("--quiet", SAMPLES / "bracket.dxf"), (0, ""))
+
+    def test_a_message_does_not_run_into_the_bar(self):
+        _, received = run_on_terminal("--verbose", SAMPLES / "bracket.dxf")
+        for message in re.findall(r"kartory-drawing: [^\n]*", received):
+            self.assertNotIn("[#", message)
+            self.assertNotIn("[.", message)
 
 
 class Samples(DrawingTest):
