@@ -1,7 +1,7 @@
 // The transformations of extents, which are not made yet.
 #include "kar3dpoint.h"
 
-extern "C" KAR_API void _notready(const char *text, const char *file, int line);
+#include "karsystem.h"
 
 static const char source[] = "moduls/dll_general/src/kar3dpoint";
 

@@ -2,10 +2,9 @@
 #include "karmatrix.h"
 
 #include "karalloc.h"
+#include "karsystem.h"
 
 #include <cstring>
-
-extern "C" KAR_API void _notready(const char *text, const char *file, int line);
 
 static const char source[] = "moduls/dll_general/src/karmatrix";
 

@@ -1,8 +1,12 @@
-// Sees the calls of `_notready`, which does nothing by itself.
+// Sees the calls of `_notready` in a source that is compiled into the test itself: include this, then the source.
 #ifndef KAR_TEST_NOT_READY_H
 #define KAR_TEST_NOT_READY_H
 
-#include "karexport.h"
+// Inside the library the calls go straight to the function that does nothing.
+#define KAR_BUILDING
+#define _notready recordNotReady
+
+#include "karsystem.h"
 
 #include <string>
 #include <vector>
@@ -18,26 +22,16 @@ inline bool operator==(const NotReadyCall &a, const NotReadyCall &b)
     return a.text == b.text && a.file == b.file && a.line == b.line;
 }
 
-/// The calls since the program started or the list was cleared; empty where they can't be seen.
+/// The calls since the program started or the list was taken.
 inline std::vector<NotReadyCall> notReadyCalls;
 
-// An ELF program's own definition stands in front of that of the library, for the library's calls too.
-#if defined(__ELF__)
-constexpr bool notReadyIsSeen = true;
-extern "C" KAR_API void _notready(const char *text, const char *file, int line)
-{
-    notReadyCalls.push_back({text, file, line});
-}
-#else
-constexpr bool notReadyIsSeen = false;
-#endif
+void recordNotReady(const char *text, const char *file, int line) { notReadyCalls.push_back({text, file, line}); }
 
-/// Whether exactly `calls` were made; true where calls can't be seen. Starts a new list.
-inline bool tookNotReadyCalls(const std::vector<NotReadyCall> &calls)
+inline std::vector<NotReadyCall> takeNotReadyCalls()
 {
-    const bool same = !notReadyIsSeen || notReadyCalls == calls;
-    notReadyCalls.clear();
-    return same;
+    std::vector<NotReadyCall> calls;
+    calls.swap(notReadyCalls);
+    return calls;
 }
 
 #endif
