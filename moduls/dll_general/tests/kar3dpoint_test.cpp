@@ -297,7 +297,8 @@ TEST(Kar3DPoint, ANumberOfTheReceiverCountsWithItsValueOnEntry)
     EXPECT_TRUE(holds(p, 0, 2, 4));
     p = p.y();
     EXPECT_TRUE(holds(p, 2, 2, 2));
-    p /= p;
+    const kar3D_Point &same = p;
+    p /= same;
     EXPECT_TRUE(holds(p, 1, 1, 1));
 }
 
