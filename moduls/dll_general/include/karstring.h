@@ -294,13 +294,13 @@ private:
     }
 
     karString(const karString &left, const char *right, std::size_t rightCount);
-    unsigned measured() const
+    // The length of a text, `limit` if there is no NUL before.
+    static std::size_t boundedLength(const char *text, std::size_t limit)
     {
-        if (!buffer)
-            return 0;
-        const void *const end = std::memchr(buffer, '\0', bufferSize);
-        return end ? static_cast<unsigned>(static_cast<const char *>(end) - buffer) : bufferSize;
+        const void *const end = std::memchr(text, '\0', limit);
+        return end ? static_cast<std::size_t>(static_cast<const char *>(end) - text) : limit;
     }
+    unsigned measured() const { return buffer ? static_cast<unsigned>(boundedLength(buffer, bufferSize)) : 0; }
     static unsigned reserveFor(std::uint64_t count) // with 8 bytes of spare room; more than fits fails
     {
         return count < 0xfffffff0u ? static_cast<unsigned>(count) + 8u : 0xffffffffu;
@@ -311,6 +311,7 @@ private:
     char *grow(std::uint64_t want);
     karString &append(const char *text, std::size_t count, std::uint64_t n);
     void assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate);
+    karString masked(char c, unsigned count) const;
     void cutControls();
     void trimStart(const CharSet &set);
     void trimEnd(const CharSet &set);

@@ -35,13 +35,6 @@ void clearFrom(char *buffer, std::size_t from, std::size_t size)
         putZeros(buffer + from + 16);
 }
 
-// The length of `text`, `limit` if there is no NUL before.
-std::size_t boundedLength(const char *text, std::size_t limit)
-{
-    const void *const end = std::memchr(text, '\0', limit);
-    return end ? static_cast<std::size_t>(static_cast<const char *>(end) - text) : limit;
-}
-
 bool liesIn(const char *place, const char *buffer, unsigned size)
 {
     const std::less<> before;

@@ -392,18 +392,21 @@ karString karString::notIn(const char *set) const
 
 karString karString::maskchar(char c, int count) const
 {
-    if (count < 1)
-        return karString(*this);
+    return count < 1 ? karString(*this) : masked(c, static_cast<unsigned>(count));
+}
+
+karString karString::masked(char c, unsigned count) const
+{
     const unsigned end = measured();
     const auto hits = static_cast<unsigned>(countchar(c));
-    const std::uint64_t total = end + std::uint64_t{hits} * static_cast<unsigned>(count);
+    const std::uint64_t total = end + std::uint64_t{hits} * count;
     karString result(reserveFor(total));
     if (!result.buffer)
         return result;
     char *out = result.buffer;
     for (unsigned i = 0; i < end; ++i) {
         if (buffer[i] == c) {
-            std::memset(out, '\\', static_cast<unsigned>(count));
+            std::memset(out, '\\', count);
             out += count;
         }
         *out++ = buffer[i];
@@ -535,10 +538,14 @@ karString karString::karstrtok(const char *delimiters)
     const int found = karstrchr(delimiters, 0);
     const unsigned i = found < 0 ? count : static_cast<unsigned>(found);
     token.ncopy(text(), i);
-    if (i < count)
-        ncopy(text(), i + 1, -1);
-    else
+    if (i < count && i < bufferSize) {
+        // What follows, behind a NUL in the text too, up to the next one.
+        const char *const rest = buffer + i + 1;
+        const std::size_t restLength = boundedLength(rest, bufferSize - i - 1);
+        assignBounded(rest, restLength, restLength, true);
+    } else {
         cut(0);
+    }
     return token;
 }
 

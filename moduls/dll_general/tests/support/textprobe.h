@@ -24,8 +24,8 @@ inline ::testing::AssertionResult hasState(const karString &s, const std::string
     if (!bytes)
         return ::testing::AssertionFailure() << "no buffer";
     if (bytes != text || TextProbe::cached(s) != cached || TextProbe::size(s) != size)
-        return ::testing::AssertionFailure() << '"' << bytes << "\", cached length " << TextProbe::cached(s) << ", size "
-                                             << TextProbe::size(s);
+        return ::testing::AssertionFailure()
+               << '"' << bytes << "\", cached length " << TextProbe::cached(s) << ", size " << TextProbe::size(s);
     return ::testing::AssertionSuccess();
 }
 

@@ -1,0 +1,224 @@
+#include "karrectx.h"
+
+#include <utility>
+
+namespace {
+
+constexpr double quarterTurn = 1.5707963267948966;
+constexpr double halfTurn = 3.141592653589793;
+constexpr double threeQuarterTurn = 4.71238898038469;
+constexpr double fullTurn = 6.283185307179586;
+
+// Inclusive, in whichever order the two limits lie.
+bool between(int value, int limit, int otherLimit)
+{
+    return limit <= otherLimit ? limit <= value && value <= otherLimit : otherLimit <= value && value <= limit;
+}
+
+// Half away from zero, with the 0.5 taken off for 0 as well.
+int roundAway(double v) { return v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5); }
+
+// Takes most full turns off a large angle >= 0 with the result of taking them off one by one, each difference rounded.
+// Within a power of two all angles are multiples of one unit, so each step takes the same number of units off, and
+// what is left after several steps is exact. Below 1024 the steps are few, and there a tie may round either way.
+double withoutManyTurns(double angle)
+{
+    while (angle >= 1024) {
+        const double step = angle - (angle - fullTurn);
+        if (!(step > 0)) // a full turn no longer changes it, or it is infinite
+            break;
+        int exponent = 0;
+        std::frexp(angle, &exponent);
+        const double lowest = std::ldexp(0.5, exponent); // the power of two at or below
+        const double count = std::floor((angle - lowest) / step) - 1;
+        angle = count > 0 ? angle - (count * step) : angle - fullTurn;
+    }
+    return angle;
+}
+
+double normalised(double angle)
+{
+    if (angle <= -1024)
+        angle = -withoutManyTurns(-angle);
+    while (angle < 0) {
+        const double next = angle + fullTurn;
+        if (next == angle)
+            break;
+        angle = next;
+    }
+    if (angle >= 1024)
+        angle = withoutManyTurns(angle);
+    while (angle >= fullTurn) {
+        const double next = angle - fullTurn;
+        if (next == angle)
+            break;
+        angle = next;
+    }
+    return angle;
+}
+
+} // namespace
+
+karRectX::Corners karRectX::corners() const
+{
+    const int right = kar::wrapAdd(x(), Width());
+    const int bottom = kar::wrapAdd(y(), Height());
+    Corners corners = {{origin_, karPoint(right, y()), karPoint(right, bottom), karPoint(x(), bottom)}};
+    const double cosine = std::cos(angle_);
+    const double sine = std::sin(angle_);
+    for (int i = 1; i < 4; ++i)
+        corners.at[i].RotateElement(cosine, sine, x(), y());
+    return corners;
+}
+
+karPoint karRectX::Point(int i) const
+{
+    karPoint corner = origin_;
+    switch (i & 3) {
+    case 0:
+        return corner;
+    case 1:
+        corner.x(kar::wrapAdd(x(), Width()));
+        break;
+    case 2:
+        corner = origin_ + size_;
+        break;
+    default:
+        corner.y(kar::wrapAdd(y(), Height()));
+        break;
+    }
+    corner.RotateElement(angle_, x(), y());
+    return corner;
+}
+
+karRect karRectX::extent() const
+{
+    const Corners c = corners();
+    const karPoint &p0 = c.at[0];
+    const karPoint &p1 = c.at[1];
+    const karPoint &p2 = c.at[2];
+    const karPoint &p3 = c.at[3];
+    if (p0.x() == p1.x() || p0.y() == p1.y())
+        return karRect(p0.x(), p0.y(), p2.x(), p2.y());
+    if (between(p1.x(), p0.x(), p2.x()) && between(p3.x(), p0.x(), p2.x()))
+        return karRect(p0.x(), p1.y(), p2.x(), p3.y());
+    return karRect(p1.x(), p0.y(), p3.x(), p2.y());
+}
+
+void karRectX::normLage()
+{
+    angle_ = normalised(angle_);
+    if (angle_ < quarterTurn)
+        return;
+    if (angle_ < halfTurn) {
+        origin_ = Point(3);
+        angle_ -= quarterTurn;
+        size_ = karDimension(Height(), Width());
+    } else if (angle_ < threeQuarterTurn) {
+        origin_ = Point(2);
+        angle_ -= halfTurn;
+    } else {
+        origin_ = Point(1);
+        angle_ -= threeQuarterTurn;
+        size_ = karDimension(Height(), Width());
+    }
+}
+
+bool karPoint::isFullIn(karRectX &r) const
+{
+    r.normLage();
+    const karRectX::Corners c = r.corners();
+    const karPoint &p0 = c.at[0];
+    const karPoint &p1 = c.at[1];
+    const karPoint &p2 = c.at[2];
+    const karPoint &p3 = c.at[3];
+    const int px = x();
+    const int py = y();
+    if (!between(px, p3.x(), p1.x()) || !between(py, p0.y(), p2.y()))
+        return false;
+    const double t = std::tan(r.Ang());
+    if (t == 0) // an unturned box: the limits at every y are its sides
+        return true;
+
+    // The edges from p0 to p1 and from p3 to p2 rise by t, those from p0 to p3 and from p1 to p2 stand across them.
+    const auto along = [&](const karPoint &p) { return kar::wrapAdd(p.x(), roundAway(kar::wrapSub(py, p.y()) / t)); };
+    const auto across = [&](const karPoint &p) {
+        return kar::wrapAdd(p.x(), roundAway(kar::wrapNeg(kar::wrapSub(py, p.y())) * t));
+    };
+    const int left = between(py, p0.y(), p3.y()) ? across(p0) : along(p3);
+    const int right = between(py, p0.y(), p1.y()) ? along(p0) : across(p1);
+    return between(px, left, right);
+}
+
+bool karRectX::isFullIn(karRect &r) const
+{
+    const Corners c = corners();
+    return c.at[0].isFullIn(r) && c.at[1].isFullIn(r) && c.at[2].isFullIn(r) && c.at[3].isFullIn(r);
+}
+
+bool karRectX::isFullIn(karRectX &r)
+{
+    const Corners c = corners();
+    return c.at[0].isFullIn(r) && c.at[1].isFullIn(r) && c.at[2].isFullIn(r) && c.at[3].isFullIn(r);
+}
+
+namespace {
+
+// Does an edge of corner `a`, towards `b` at the tangent `t` or towards `d` across it, meet a side of `r`?
+// `u` is 1.0 / t.
+bool crosses(const karPoint &a, const karPoint &b, const karPoint &d, const karRect &r, double t, double u)
+{
+    if (!between(a.y(), r.top(), r.bottom())) {
+        const int level = between(r.top(), a.y(), r.bottom()) ? r.top() : r.bottom();
+        const int dy = kar::wrapSub(level, a.y());
+        int alongX = kar::wrapNeg(r.left());
+        if (between(level, a.y(), b.y())) {
+            alongX = kar::wrapAdd(a.x(), kar::toInt(dy * u));
+            if (between(alongX, r.left(), r.right()))
+                return true;
+        }
+        int acrossX = alongX;
+        if (between(level, a.y(), d.y())) {
+            acrossX = kar::wrapSub(a.x(), kar::toInt(dy * t));
+            if (between(acrossX, r.left(), r.right()))
+                return true;
+        }
+        if (between(r.left(), acrossX, alongX))
+            return true;
+    }
+    if (!between(a.y(), r.left(), r.right())) { // the y of the corner against the limits in x
+        const int level = between(r.left(), a.x(), r.right()) ? r.left() : r.right();
+        const int dx = kar::wrapSub(level, a.x());
+        if (between(level, a.x(), b.x()) && between(kar::wrapAdd(a.y(), kar::toInt(dx * t)), r.top(), r.bottom()))
+            return true;
+        if (between(level, a.x(), d.x()) && between(kar::wrapSub(a.y(), kar::toInt(dx * u)), r.top(), r.bottom()))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+bool karRectX::isVisibleIn(karRect &r) const
+{
+    const Corners c = corners();
+    const karPoint(&p)[4] = c.at;
+    for (const karPoint &corner : p)
+        if (corner.isFullIn(r))
+            return true;
+
+    const auto all = [&](auto outside) { return outside(p[0]) && outside(p[1]) && outside(p[2]) && outside(p[3]); };
+    if (all([&](const karPoint &q) { return q.x() < r.left(); }) ||
+        all([&](const karPoint &q) { return q.x() > r.right(); }) ||
+        all([&](const karPoint &q) { return q.y() > r.bottom(); }) ||
+        all([&](const karPoint &q) { return q.y() < r.top(); }))
+        return false;
+    if (p[0].x() == p[1].x() || p[0].x() == p[3].x())
+        return true;
+
+    const double t = std::tan(angle_);
+    const double u = 1.0 / t;
+    return crosses(p[0], p[1], p[3], r, t, u) || crosses(p[2], p[3], p[1], r, t, u);
+}
+
+bool karRect::isVisibleIn(karRectX &r) { return r.isVisibleIn(*this); }
