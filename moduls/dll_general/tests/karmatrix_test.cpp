@@ -767,7 +767,7 @@ TEST(Kar3DPoint, AMillionApplicationsAreThoseOfThePlainTranscription)
         }
         ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 733, block " << block;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{5530051670136422192u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{2204647181418496067u});
 }
 
 TEST(KarMatrix, ProductsSumsAndScalingsAreThoseOfThePlainTranscription)
@@ -832,7 +832,7 @@ TEST(KarMatrix, ProductsSumsAndScalingsAreThoseOfThePlainTranscription)
         for (int i = 0; i < rows * otherColumns; ++i)
             ASSERT_TRUE(sameBits(inPlace.GetData()[i], again.GetData()[i])) << "seed 734, call " << call;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{2766521610510311340u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{4249787655735869847u});
 }
 
 } // namespace
