@@ -1,68 +1,9 @@
-// The allocator beside the C library's and mimalloc: small blocks, tracked blocks, memory per live byte.
-#include "karmemgb.h"
-
-#include <benchmark/benchmark.h>
-
-#include <dlfcn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+// The allocator beside the C library's and mimalloc: small blocks, many pages, tracked blocks, an alternating pool.
+#include "allocators.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
 
 namespace {
-
-struct Allocator {
-    const char *name;
-    void *(*allocate)(std::size_t);
-    void (*release)(void *);
-};
-
-void *oursAllocate(std::size_t size) { return KarAllocMemory(static_cast<unsigned>(size)); }
-
-// mimalloc replaces malloc where it is linked, so it is opened apart, with names of its own.
-Allocator openMimalloc()
-{
-    void *const library = dlopen("libmimalloc.so.2", RTLD_NOW | RTLD_LOCAL);
-    void *const allocate = library ? dlsym(library, "mi_malloc") : nullptr;
-    void *const release = library ? dlsym(library, "mi_free") : nullptr;
-    if (!allocate || !release) {
-        std::fprintf(stderr, "memory_bench: %s\n", dlerror());
-        std::exit(1);
-    }
-    return {"mimalloc", reinterpret_cast<void *(*)(std::size_t)>(allocate),
-            reinterpret_cast<void (*)(void *)>(release)};
-}
-
-class Random { // xorshift64*
-public:
-    std::size_t below(std::size_t n) { return static_cast<std::size_t>((next() >> 11) % n); }
-
-private:
-    std::uint64_t next()
-    {
-        state ^= state >> 12;
-        state ^= state << 25;
-        state ^= state >> 27;
-        return state * 0x2545f4914f6cdd1du;
-    }
-    std::uint64_t state = 0x9e3779b97f4a7c15u;
-};
-
-/// Sizes drawn beforehand, so that drawing isn't measured. A power of two of them.
-std::vector<unsigned> sizesBetween(unsigned low, unsigned high)
-{
-    Random random;
-    std::vector<unsigned> sizes(1u << 16);
-    for (unsigned &size : sizes)
-        size = low + static_cast<unsigned>(random.below(high - low + 1));
-    return sizes;
-}
 
 /// Live blocks; a request takes the next size and touches the block's first byte, as its owner would.
 class Blocks {
@@ -163,51 +104,6 @@ void alternate(benchmark::State &state, const Allocator &allocator)
     state.SetItemsProcessed(state.iterations());
 }
 
-/// Resident bytes of this process.
-double residentBytes()
-{
-    long total = 0;
-    long resident = 0;
-    if (std::FILE *const file = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(file, "%ld %ld", &total, &resident) != 2)
-            resident = 0;
-        std::fclose(file);
-    }
-    return static_cast<double>(resident) * static_cast<double>(sysconf(_SC_PAGESIZE));
-}
-
-/// Resident bytes for each byte that is asked for and written, with `count` live blocks, in a process of its own.
-double memoryPerLiveByte(const Allocator &allocator, unsigned low, unsigned high, std::size_t count)
-{
-    int ends[2];
-    if (pipe(ends) != 0)
-        return 0;
-    const pid_t child = fork();
-    if (child == 0) {
-        double result = 0;
-        const std::vector<unsigned> sizes = sizesBetween(low, high);
-        const double before = residentBytes();
-        double asked = 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            const unsigned size = sizes[i & 0xffff];
-            if (void *const block = allocator.allocate(size)) {
-                std::memset(block, 1, size);
-                asked += size;
-            }
-        }
-        result = (residentBytes() - before) / asked;
-        const bool written = write(ends[1], &result, sizeof result) == sizeof result;
-        _exit(written ? 0 : 1);
-    }
-    double result = 0;
-    if (child < 0 || read(ends[0], &result, sizeof result) != sizeof result)
-        result = 0;
-    close(ends[0]);
-    close(ends[1]);
-    waitpid(child, nullptr, 0);
-    return result;
-}
-
 using Churn = void (*)(benchmark::State &, const Allocator &, unsigned, unsigned, std::size_t);
 
 /// `count` live blocks of `low` to `high` bytes; about `pairs` releases and allocations in all.
@@ -215,40 +111,17 @@ void addChurn(const std::string &name, const Allocator &allocator, const char *r
               unsigned high, std::size_t count, std::size_t pairs)
 {
     const std::size_t perIteration = churn == replaceNewest ? count - count / 2 : batch;
-    const std::string row = name + "/" + std::to_string(count) + "/" + allocator.name;
-    benchmark::RegisterBenchmark(row.c_str(), [=](benchmark::State &state) {
+    benchmark::RegisterBenchmark(rowOf(name, count, allocator).c_str(), [=](benchmark::State &state) {
         churn(state, allocator, low, high, count);
-        if (rule && std::strcmp(allocator.name, "ours") == 0)
-            state.SetLabel(rule);
+        labelOurs(state, allocator, rule);
     })->Iterations(static_cast<benchmark::IterationCount>(std::max<std::size_t>(pairs / perIteration, 1)));
-}
-
-void addMemory(const std::string &name, const Allocator &allocator, const char *rule, unsigned low, unsigned high,
-               std::size_t count)
-{
-    // Measured now: a child process begins with the heap of its parent, which is small only here.
-    const double measured = memoryPerLiveByte(allocator, low, high, count);
-    const std::string row = name + "/" + std::to_string(count) + "/" + allocator.name;
-    benchmark::RegisterBenchmark(row.c_str(), [=](benchmark::State &state) {
-        for (auto _ : state)
-            benchmark::DoNotOptimize(state.iterations());
-        state.counters["value"] = measured;
-        if (rule && std::strcmp(allocator.name, "ours") == 0)
-            state.SetLabel(rule);
-    })->Iterations(1);
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const Allocator allocators[] = {
-        {"ours", oursAllocate, KarDellocMemory}, {"malloc", std::malloc, std::free}, openMimalloc()};
-    const char *const classes = "size classes of 100 to 1000 bytes";
-    for (const Allocator &allocator : allocators) {
-        addMemory("MemoryPerByte/1to992", allocator, classes, 1, 992, 1000000);
-        addMemory("MemoryPerByte/16to64", allocator, classes, 16, 64, 1000000);
-    }
+    const std::vector<Allocator> allocators = allAllocators();
     for (const Allocator &allocator : allocators)
         for (const std::size_t count : {1000u, 100000u, 1000000u}) {
             addChurn("Small/random", allocator, nullptr, replaceAny, 1, 992, count, 2000000);
@@ -262,12 +135,10 @@ int main(int argc, char **argv)
         for (const std::size_t count : {1000u, 10000u, 60000u})
             addChurn("Tracked/random", allocator, "guards at both ends", replaceAny, 1024, 65536, count, 200000);
     for (const Allocator &allocator : allocators)
-        benchmark::RegisterBenchmark((std::string("Alternating/400/") + allocator.name).c_str(),
-                                     [=](benchmark::State &state) {
-                                         alternate(state, allocator);
-                                         if (std::strcmp(allocator.name, "ours") == 0)
-                                             state.SetLabel("an empty page is released at once");
-                                     });
+        benchmark::RegisterBenchmark(rowOf("Alternating", 1, allocator).c_str(), [=](benchmark::State &state) {
+            alternate(state, allocator);
+            labelOurs(state, allocator, "an empty page is released at once");
+        });
 
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

@@ -438,7 +438,7 @@ public:
 private:
     double lo_ = 0.0;
     double hi_ = 0.0;
-    double third = 0.0;
+    [[maybe_unused]] double third = 0.0;
 };
 
 #endif

@@ -66,6 +66,7 @@ protected:
 };
 
 /// A list element with virtual operations. The element leaves its chain when it dies; the chain owns nothing.
+/// Note: a head that points at the element isn't told; an element that stands in a head is removed through the head.
 class KAR_API karListObject : public karListObjectNV {
 public:
     /// \name Virtual operations, in slot order

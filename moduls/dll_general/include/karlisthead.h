@@ -137,7 +137,7 @@ private:
 #endif
 
 /// A head that is itself an element in a chain of heads. When it dies it leaves that chain first, then its elements die.
-/// Note: asked through its head part for its type it answers 200001, through its element part 60.
+/// Note: asked as a head for its type it answers 200001, as an element 60.
 class KAR_API karListHeadListObject : public karListHeadObject,
                                       public karListTyped<karListHeadListObject, karListObject> {
 public:

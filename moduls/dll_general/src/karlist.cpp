@@ -37,12 +37,15 @@ karListObjectNV *karListObjectNV::last() const
 
 KAR_MAY_BE_NULL int karListObjectNV::listLength() const { return kar::chainLength(kar::maybeNull(this)); }
 
+// The walk comes before any link is written: an element that still stands in the chain doesn't cut it.
+
 void karListObjectNV::append(karListObjectNV *other)
 {
+    karListObjectNV *const end = other ? other->last() : nullptr;
+    prevLink = end;
     nextLink = nullptr;
-    prevLink = other ? other->last() : nullptr;
-    if (prevLink)
-        prevLink->nextLink = this;
+    if (end)
+        end->nextLink = this;
 }
 
 void karListObjectNV::insert(karListObjectNV *other)
@@ -57,10 +60,11 @@ void karListObjectNV::insert(karListObjectNV *other)
 
 void karListObjectNV::insertFront(karListObjectNV *other)
 {
+    karListObjectNV *const start = other ? other->first() : nullptr;
     prevLink = nullptr;
-    nextLink = other ? other->first() : nullptr;
-    if (nextLink)
-        nextLink->prevLink = this;
+    nextLink = start;
+    if (start)
+        start->prevLink = this;
 }
 
 void karListObjectNV::unchain()

@@ -130,7 +130,11 @@ karGlobalMemory::karGlobalMemory()
       markMemListGlobal(1)
 {}
 
-karGlobalMemory::~karGlobalMemory() { testDeleteAll(); }
+karGlobalMemory::~karGlobalMemory()
+{
+    testDeleteAll();
+    poolsEnded = true; // the records, which go after the pools, ask for their blocks
+}
 
 void karGlobalMemory::testDeleteAll()
 {
@@ -214,6 +218,8 @@ bool karGlobalMemory::knows(void *p)
     if (addressOf(p) <= guardSize)
         return false;
     char *const block = static_cast<char *>(p) - guardSize;
+    if (poolsEnded)
+        return findHeapBlock(block) && readGuard(block) > largestPoolBlock;
     if (findHeapBlock(block))
         return true;
     for (karPageMemory &pool : pools)

@@ -194,7 +194,8 @@ TEST(KarColor, ExclusiveOrDropsTheMark)
     EXPECT_EQ(bytes(c), (Bytes{0xF0, 0xFF, 0x0F, 4}));
     EXPECT_EQ(&(c ^= marked(0xFF, 0xFF, 0xF0, 1)), &c);
     EXPECT_EQ(bytes(c), (Bytes{0x0F, 0, 0xFF, 0}));
-    c ^= c;
+    const karColor &self = c;
+    c ^= self;
     EXPECT_EQ(bytes(c), (Bytes{0, 0, 0, 0}));
 }
 

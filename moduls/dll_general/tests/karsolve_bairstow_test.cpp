@@ -387,8 +387,10 @@ TEST(EqBairstow, FindsComplexRootsInTheStatedOrder)
         SCOPED_TRACE(testing::Message() << "seed 5, step " << step);
         Roots roots;
         const int degree = random.between(3, 4);
-        for (int i = 0; i < degree; ++i)
-            roots.emplace_back(random.between(-1.5, 1.5), random.between(-1.5, 1.5));
+        for (int i = 0; i < degree; ++i) {
+            const double re = random.between(-1.5, 1.5);
+            roots.emplace_back(re, random.between(-1.5, 1.5));
+        }
         if (degree == 3)
             roots[2] = roots[2].real(); // the single root is real, so a pair of the others is the factor
         double distance = inf;
@@ -555,7 +557,7 @@ TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
         }
     }
     EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(5332136568915371253u, hash.value());
+    EXPECT_EQ(16711054473206003138u, hash.value());
 }
 
 void addNumber(TestHash &hash, const karComplex &z)
@@ -608,7 +610,7 @@ TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
         }
     }
     EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(11221975179218729620u, hash.value());
+    EXPECT_EQ(6737948442523617243u, hash.value());
 }
 
 // The bounded forms beside the others
@@ -808,7 +810,7 @@ TEST(SolvePolynomRoots, AnyDegreeEqualsTheStepsWrittenOut)
         ASSERT_EQ(expected.value(), hash.value()) << "seed 89, step " << step;
     }
     EXPECT_GT(ended, 5000);
-    EXPECT_EQ(7727527412487379878u, hash.value());
+    EXPECT_EQ(15140741494536058021u, hash.value());
 }
 
 } // namespace

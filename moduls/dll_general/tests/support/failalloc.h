@@ -2,23 +2,9 @@
 #ifndef KAR_TEST_FAIL_ALLOC_H
 #define KAR_TEST_FAIL_ALLOC_H
 
-#include "karmemgb.h"
+#include "mempeek.h"
 
 #include <vector>
-
-/// Reads what the allocator keeps from its users.
-struct AllocatorPeek : karGlobalMemory {
-    static karPageMemory &pool(karGlobalMemory &allocator, int number)
-    {
-        return (allocator.*&AllocatorPeek::pools)[number];
-    }
-    static karMemory &records(karGlobalMemory &allocator) { return allocator.*&AllocatorPeek::memory; }
-};
-struct PoolPeek : karPageMemory {
-    static karPage *firstOf(karPageMemory &pool) { return pool.*&PoolPeek::firstPage; }
-    static karPage *currentOf(karPageMemory &pool) { return pool.*&PoolPeek::currentPage; }
-    static karPage *lastOf(karPageMemory &pool) { return pool.*&PoolPeek::lastPage; }
-};
 
 /// While one lives every allocation fails, small ones too: the count of heap blocks stands above its limit.
 ///

@@ -8,6 +8,13 @@
 #include <cstdint>
 #include <cstring>
 
+/// [-1, 1) * 2^e, e from `low` to `high`.
+inline double scaledDouble(TestRandom &random, int low, int high)
+{
+    const double fraction = random.between(-1.0, 1.0); // drawn first, whatever order a compiler gives arguments
+    return std::ldexp(fraction, random.between(low, high));
+}
+
 /// A real of a mixed lot; half of them in [-10, 10).
 inline double mixedDouble(TestRandom &random)
 {
@@ -15,9 +22,9 @@ inline double mixedDouble(TestRandom &random)
     case 0:
         return random.anyDouble();
     case 1:
-        return std::ldexp(random.between(-1.0, 1.0), random.between(-175, -155)); // about 1e-50
+        return scaledDouble(random, -175, -155); // about 1e-50
     case 2:
-        return std::ldexp(random.between(-1.0, 1.0), random.between(-60, 60));
+        return scaledDouble(random, -60, 60);
     case 3:
     case 4:
     case 5:
