@@ -146,7 +146,7 @@ int writeUsualFormat(char *const out, std::size_t room, const char *format, std:
         case 'u': {
             const unsigned count =
                 writeDecimal(how.isLong ? va_arg(arguments, unsigned long) : va_arg(arguments, unsigned), digits);
-            usual = how.precision < 0 && writer.number(how, '\0', digits, count);
+            usual = !how.plus && how.precision < 0 && writer.number(how, '\0', digits, count);
             break;
         }
         case 'x': {
@@ -156,18 +156,18 @@ int writeUsualFormat(char *const out, std::size_t room, const char *format, std:
                 *--first = "0123456789abcdef"[value & 15];
                 value >>= 4;
             } while (value);
-            usual = how.precision < 0 &&
+            usual = !how.plus && how.precision < 0 &&
                     writer.number(how, '\0', first, static_cast<std::size_t>(digits + sizeof digits - first));
             break;
         }
         case 'c': {
             const auto c = static_cast<char>(va_arg(arguments, int));
-            usual = !how.isLong && !how.zeros && how.precision < 0 && writer.text(how, &c, 1);
+            usual = !how.isLong && !how.zeros && !how.plus && how.precision < 0 && writer.text(how, &c, 1);
             break;
         }
         case 's': {
             const char *const text = va_arg(arguments, const char *);
-            usual = text && !how.isLong && !how.zeros;
+            usual = text && !how.isLong && !how.zeros && !how.plus;
             if (!usual)
                 break;
             const void *const end =

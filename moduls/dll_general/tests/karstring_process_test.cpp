@@ -21,8 +21,6 @@
 
 namespace {
 
-constexpr unsigned mark = 0xFFFF;
-
 karString countedNul() // "xab" and three NULs in the cached length of 6
 {
     karString s("x");
