@@ -51,6 +51,7 @@ void *allocateHeapBlock(unsigned size, unsigned shift)
 
 void releaseHeapBlock(HeapBlock *block)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the table has its keys as numbers
     void *const start = reinterpret_cast<void *>(block->key - block->lead);
     liveBlocks.erase(block);
     kar::platform::heapRelease(start);
