@@ -31,12 +31,13 @@ struct Attributes {
     int colour = 256; ///< DXF index; 0 by block, 256 by layer
 };
 
-/// An entity is an element of one list, made by the library's `new`.
-class Entity : public karListTyped<Entity, karListObject> {
+/// An entity is an element of one list, made by the library's `new`, and answers a dispatcher with its kind.
+class Entity : public karListTyped<Entity, karListObject>, public karFilterObject {
 public:
     Entity(EntityKind ownKind, const Attributes &own) : kind(ownKind), attributes(own) {}
 
     int ListObjectOk() override { return 1; }
+    filterObjectID getFilterId() override { return static_cast<filterObjectID>(kind); }
 
     const EntityKind kind;
     Attributes attributes;

@@ -21,14 +21,22 @@ template <class Made>
 Made *required(Made *made)
 {
     if (!made)
-        throw DrawingError("is too large for the memory");
+        throw DrawingError(text("is too large for the memory"));
     return made;
 }
 
 // Receives what dxflib reads. An entity goes to the block that is open, otherwise to the drawing.
 class Reader : public DL_CreationAdapter {
 public:
-    explicit Reader(Drawing &into) : drawing(into), target(&into.entities) {}
+    Reader(Drawing &into, const std::string &groups, Phase &ownPhase)
+        : drawing(into), target(&into.entities), text(groups), size(groups.size()), phase(ownPhase)
+    {}
+
+    void read()
+    {
+        DL_Dxf dxf;
+        dxf.in(text, this);
+    }
 
     void addBlock(const DL_BlockData &data) override
     {
@@ -126,6 +134,8 @@ private:
     Made *add(Made *entity)
     {
         required(entity);
+        if (!phase.next(static_cast<double>(text.tellg()) / static_cast<double>(size)))
+            text.setstate(std::ios::eofbit); // the parser stops at what it takes for the end
         entity->order = ++count;
         target->ListAppend(entity);
         return entity;
@@ -136,6 +146,9 @@ private:
     Drawing &drawing;
     Block *target;
     PolylineEntity *polyline = nullptr; // takes the vertices that follow
+    std::istringstream text;
+    std::size_t size;
+    Phase &phase;
     int count = 0;
 };
 
@@ -148,7 +161,7 @@ public:
     {
         constexpr std::size_t deepest = 200;
         if (open.size() > deepest)
-            throw DrawingError("inserts blocks more than " + std::to_string(deepest) + " deep");
+            throw DrawingError(textOf("inserts blocks more than %d deep", static_cast<int>(deepest)));
         for (const Entity *entity = block.ListFirst(); entity; entity = entity->next()) {
             if (entity->kind != EntityInsert)
                 continue;
@@ -156,7 +169,7 @@ public:
             if (!inserted || done.count(inserted))
                 continue;
             if (!open.insert(inserted).second)
-                throw DrawingError("block \"" + std::string(inserted->name) + "\" inserts itself");
+                throw DrawingError(textOf("block \"%s\" inserts itself", static_cast<const char *>(inserted->name)));
             walk(*inserted);
             open.erase(inserted);
             done.insert(inserted);
@@ -171,12 +184,15 @@ private:
 
 } // namespace
 
-void readDxf(const std::string &path, Drawing &drawing)
+void readDxf(const std::string &path, Drawing &drawing, karFilter &filter)
 {
-    std::istringstream text(readDxfText(path));
-    Reader reader(drawing);
-    DL_Dxf dxf;
-    dxf.in(text, &reader);
+    Phase phase(filter, 0, 30, "reading");
+    readDxfText(checkedDxf(readFile(path)), drawing, phase);
+}
+
+void readDxfText(const std::string &groups, Drawing &drawing, Phase &phase)
+{
+    Reader(drawing, groups, phase).read();
     InsertCheck check(drawing);
     check.walk(drawing.entities);
     for (const Block *block = drawing.firstBlock(); block; block = block->nextBlock())

@@ -1,5 +1,7 @@
 #include "inventory.h"
 
+#include "texts.h"
+
 #include <array>
 #include <iomanip>
 #include <map>
@@ -16,17 +18,38 @@ void printRow(std::ostream &out, const std::string &layer, const std::string &ki
         << count << '\n';
 }
 
+// Counts entities by layer and kind, and the kinds that are only counted by their names.
+class Census : public karFilterIdBase {
+public:
+    Census() : karFilterIdBase(static_cast<karFilterIdBase *>(this), static_cast<FilterMethod>(&Census::count))
+    {
+        setFilterHandler(static_cast<filterObjectID>(EntityOther), this, &Census::countOther);
+    }
+
+    std::map<std::string, Counts> layers;
+    std::map<std::string, int> others;
+
+private:
+    errorCodesKARTORY count(karFilterObject *item)
+    {
+        const auto &entity = static_cast<const Entity &>(*item);
+        ++layers[std::string(entity.attributes.layer)][entity.kind];
+        return KAR_SUCCESS;
+    }
+    errorCodesKARTORY countOther(karFilterObject *item)
+    {
+        ++others[std::string(static_cast<const OtherEntity &>(*item).name)];
+        return count(item);
+    }
+};
+
 } // namespace
 
 void printInventory(std::ostream &out, const Drawing &drawing)
 {
-    std::map<std::string, Counts> layers;
-    std::map<std::string, int> others;
-    for (const Entity *entity = drawing.entities.ListFirst(); entity; entity = entity->next()) {
-        ++layers[std::string(entity->attributes.layer)][entity->kind];
-        if (entity->kind == EntityOther)
-            ++others[std::string(static_cast<const OtherEntity *>(entity)->name)];
-    }
+    Census census;
+    for (Entity *entity = drawing.entities.ListFirst(); entity; entity = entity->next())
+        census.filterObject(entity);
     int blocks = 0;
     int inBlocks = 0;
     for (const Block *block = drawing.firstBlock(); block; block = block->nextBlock()) {
@@ -34,24 +57,27 @@ void printInventory(std::ostream &out, const Drawing &drawing)
         inBlocks += block->ListAnzahl();
     }
 
-    printRow(out, "layer", "kind", drawing.entities.ListAnzahl());
-    for (const auto &[layer, counts] : layers)
+    printRow(out, std::string(text("layer")), std::string(text("kind")), drawing.entities.ListAnzahl());
+    for (const auto &[layer, counts] : census.layers)
         for (int kind = 0; kind < entityKinds; ++kind)
             if (counts[static_cast<std::size_t>(kind)] != 0)
                 printRow(out, layer, kindName(static_cast<EntityKind>(kind)), counts[static_cast<std::size_t>(kind)]);
-    if (!others.empty()) {
-        out << "Only counted:";
-        for (const auto &[name, count] : others)
+    if (!census.others.empty()) {
+        out << text("Only counted:");
+        for (const auto &[name, count] : census.others)
             out << ' ' << name << ' ' << count;
         out << '\n';
     }
     if (blocks != 0)
-        out << "Blocks: " << blocks << " with " << inBlocks << " entities\n";
+        out << textOf("Blocks: %d with %d entities", blocks, inBlocks) << '\n';
 }
 
 void printMemory(std::ostream &out)
 {
-    out << "Memory: " << globalMemList->getAnzNew() << " allocations, " << globalMemList->getCurAnzNew()
-        << " heap blocks of " << globalMemList->getCurSizeNew() << " bytes now, large blocks "
-        << globalMemList->curr_used_memory() << " bytes now and " << globalMemList->max_used_memory() << " at most\n";
+    const karGlobalMemory &memory = *globalMemList;
+    out << textOf(
+               "Memory: %ld allocations, %ld heap blocks of %ld bytes now, large blocks %ld bytes now and %ld at most",
+               memory.getAnzNew(), memory.getCurAnzNew(), memory.getCurSizeNew(), memory.curr_used_memory(),
+               memory.max_used_memory())
+        << '\n';
 }

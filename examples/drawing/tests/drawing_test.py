@@ -1,9 +1,14 @@
 #!/usr/bin/env python3
 """Runs the sample program as a user would: drawing_test.py PROGRAM [unittest arguments]."""
+import os
 import pathlib
+import pty
+import re
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 PROGRAM = sys.argv.pop(1)
@@ -14,8 +19,33 @@ HEADER = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n"
 FOOTER = "0\nENDSEC\n0\nEOF\n"
 
 
-def run(*arguments, **options):
-    return subprocess.run([PROGRAM, *map(str, arguments)], capture_output=True, text=True, timeout=60, **options)
+def environment(**changes):
+    return {**os.environ, "LANG": "C", **changes}
+
+
+def run(*arguments, **changes):
+    """The program with standard output and standard error as texts; `changes` go to its environment."""
+    return subprocess.run([PROGRAM, *map(str, arguments)], capture_output=True, text=True, timeout=120,
+                          env=environment(**changes))
+
+
+def run_on_terminal(*arguments, **changes):
+    """The same with standard error on a pseudo-terminal: exit status and what the terminal got."""
+    terminal, end = pty.openpty()
+    with subprocess.Popen([PROGRAM, *map(str, arguments)], stdout=subprocess.DEVNULL, stderr=end,
+                          env=environment(**changes)) as process:
+        os.close(end)
+        received = b""
+        while True:
+            try:
+                portion = os.read(terminal, 4096)
+            except OSError:  # how Linux tells that the other end is closed
+                break
+            if not portion:
+                break
+            received += portion
+        os.close(terminal)
+    return process.returncode, received.decode()
 
 
 def drawing(entities, blocks=""):
@@ -106,6 +136,10 @@ class Inventory(DrawingTest):
         path = self.file(drawing(line()).replace("\n", "\r\n").replace("\r\n0\r\n", "\r\n  0\r\n"))
         self.assertEqual(self.counts(path)["A", "LINE"], 1)
 
+    def test_values_of_any_length_are_accepted(self):
+        path = self.file(drawing("999\n" + "x" * 5000 + "\n" + line() + line(layer="L" * 5000)))
+        self.assertEqual(self.counts(path), {("layer", "kind"): 2, ("A", "LINE"): 1, ("L" * 1000, "LINE"): 1})
+
     def test_blocks_are_counted_with_their_entities(self):
         path = self.file(drawing(insert("B") + insert("C"), block("B", line() + line()) + block("C", insert("B"))))
         self.assertIn("Blocks: 2 with 3 entities", run(path).stdout)
@@ -159,6 +193,11 @@ class Refusals(DrawingTest):
     def test_a_group_code_out_of_range(self):
         self.assert_refused(self.file(drawing("4711\nx\n")), '"4711" is not a group code')
 
+    def test_a_count_beyond_what_the_file_holds(self):
+        for count in ("2000000000", "-5", "4000"):
+            polyline = f"0\nLWPOLYLINE\n8\nA\n90\n{count}\n70\n0\n10\n0\n20\n0\n"
+            self.assert_refused(self.file(drawing(polyline)), f'"{count}" is no count of what the file holds')
+
     def test_a_block_that_inserts_itself(self):
         self.assert_refused(self.file(drawing(insert("B"), block("B", insert("B")))), 'block "B" inserts itself')
 
@@ -182,6 +221,115 @@ class CommandLine(DrawingTest):
             result = run(*arguments)
             self.assertNotEqual(result.returncode, 0)
             self.assertNotEqual(result.stderr, "")
+
+
+class Messages(DrawingTest):
+    def test_verbose_tells_what_is_done_and_quiet_nothing(self):
+        path = self.file(drawing(line()))
+        self.assertIn("kartory-drawing: Reading ", run("--verbose", path).stderr)
+        self.assertIn("kartory-drawing: 1 entities read", run("-v", path).stderr)
+        for option in ("--quiet", "-q"):
+            self.assertEqual(run(option, path).stderr, "")
+
+    def test_quiet_keeps_errors(self):
+        result = run("--quiet", self.folder / "missing.dxf")
+        self.assertIn("error: ", result.stderr)
+        self.assertEqual(result.returncode, 2)
+
+    def test_quiet_and_verbose_exclude_each_other(self):
+        self.assertNotEqual(run("--quiet", "--verbose", self.file(drawing(""))).returncode, 0)
+
+    def test_the_language_comes_from_the_environment_or_the_option(self):
+        path = self.file("")
+        for arguments, language, expected in (((), "de_DE.UTF-8", "Fehler: "), ((), "en_GB.UTF-8", "error: "),
+                                              (("--lang", "de"), "C", "ist leer"),
+                                              (("--lang", "en"), "de_DE.UTF-8", "is empty"), ((), "", "error: ")):
+            with self.subTest(arguments=arguments, language=language):
+                self.assertIn(expected, run(*arguments, path, LANG=language).stderr)
+
+    def test_the_report_is_localised_too(self):
+        path = self.file(drawing(insert("B"), block("B", line())))
+        self.assertIn("Blöcke: 1 mit 1 Elementen", run("--lang=de", path).stdout)
+
+    def test_an_unknown_language_is_refused(self):
+        self.assertNotEqual(run("--lang", "fr", self.file(drawing(""))).returncode, 0)
+
+    def test_errors_are_red_on_a_terminal_alone(self):
+        path = self.folder / "missing.dxf"
+        self.assertNotIn("\x1b", run(path).stderr)
+        status, received = run_on_terminal(path)
+        self.assertEqual(status, 2)
+        self.assertIn("\x1b[31mkartory-drawing: error: ", received)
+        self.assertIn("\x1b[0m", received)
+
+    def test_control_characters_of_a_drawing_do_not_reach_the_terminal(self):
+        path = self.file(drawing("", block("B\x1b[2J", insert("B\x1b[2J"))))
+        self.assertNotIn("\x1b", run(path).stderr)
+        self.assertIn('block "B?[2J" inserts itself', run(path).stderr)
+
+
+class Operation(DrawingTest):
+    """KARTORY_DRAWING_BREAK_AT=N presses Ctrl-C as the operation asks for the Nth time whether to go on, which it does
+    before each element."""
+
+    def test_a_break_stops_at_the_next_element_and_reports_what_was_done(self):
+        path = self.file(drawing("".join(line(f"{i}.0") for i in range(50))))
+        for element in (1, 2, 17, 50):
+            with self.subTest(element=element):
+                result = run(path, KARTORY_DRAWING_BREAK_AT=str(element))
+                self.assertEqual(result.returncode, 130)
+                self.assertIn(f"warning: stopped on request while reading, {element - 1} elements done", result.stderr)
+                self.assertEqual(result.stderr.count("\n"), 1)
+                # the element under way when the break comes is complete
+                self.assertRegex(result.stdout, rf"A +LINE +{element}\n")
+
+    def test_a_break_in_a_later_phase_names_it(self):
+        result = run(self.file(drawing(line() + line())), KARTORY_DRAWING_BREAK_AT="3")
+        self.assertEqual(result.returncode, 130)
+        self.assertIn("while sorting, 0 elements done", result.stderr)
+        self.assertRegex(result.stdout, r"A +LINE +2\n")
+
+    def test_a_break_behind_the_last_element_changes_nothing(self):
+        path = self.file(drawing(line()))
+        result = run(path, KARTORY_DRAWING_BREAK_AT="100000")
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+
+    def test_an_interrupt_from_outside(self):
+        for presses, statuses in ((1, (130,)), (3, (130, -signal.SIGINT))):
+            with subprocess.Popen([PROGRAM, SAMPLES / "site-plan.dxf"], stdout=subprocess.PIPE,
+                                  stderr=subprocess.PIPE, env=environment(KARTORY_DRAWING_BREAK_AT="0")) as process:
+                for _ in range(presses):
+                    time.sleep(0.15)
+                    process.send_signal(signal.SIGINT)
+                process.communicate()
+                # before the handler stands, and behind the end of the work, one press already ends the program
+                self.assertIn(process.returncode, (*statuses, -signal.SIGINT, 0))
+
+    def test_the_bar_is_one_line_that_rises(self):
+        start = time.monotonic()
+        status, received = run_on_terminal(SAMPLES / "site-plan.dxf")
+        elapsed = time.monotonic() - start
+        self.assertEqual(status, 0)
+        self.assertEqual(received.count("\n"), 0)
+        bars = re.findall(r"\r\[([#.]{25})\] +(\d+)% ([^\x1b]*)\x1b\[K", received)
+        self.assertGreaterEqual(len(bars), 1)
+        self.assertLessEqual(len(bars), 10 * elapsed + 2)
+        percents = [int(percent) for _, percent, _ in bars]
+        self.assertEqual(percents, sorted(percents))
+        for cells, percent, rest in bars:
+            self.assertEqual(cells.count("#"), int(percent) * 25 // 100)
+            self.assertRegex(rest, r"^[a-z]+  \d+ s, \d+ KB$")
+        self.assertTrue(received.endswith("\r\x1b[K"))  # nothing of it stays
+
+    def test_the_bar_is_absent_without_a_terminal_and_when_quiet(self):
+        self.assertEqual(run(SAMPLES / "site-plan.dxf").stderr, "")
+        self.assertEqual(run_on_terminal("--quiet", SAMPLES / "bracket.dxf"), (0, ""))
+
+    def test_a_message_does_not_run_into_the_bar(self):
+        _, received = run_on_terminal("--verbose", SAMPLES / "bracket.dxf")
+        for message in re.findall(r"kartory-drawing: [^\n]*", received):
+            self.assertNotIn("[#", message)
+            self.assertNotIn("[.", message)
 
 
 class Samples(DrawingTest):

@@ -2,6 +2,7 @@
 
 #include "karmemgb.h"
 #include "karpool.h"
+#include "karstdio.h"
 
 #include <cstring>
 
@@ -507,6 +508,10 @@ void karMemory::dxdelete(void **p)
 {
     karMemory_Entry *const record = memoryEntries ? search_memory_entry(*p) : nullptr;
     if (!record) {
+        if (memoryEntries) {
+            debugErrorText(0, "%s(%d)", "moduls/dll_general/src/karmem", __LINE__);
+            debugErrorText(0, "Speichereintrag nicht gefunden! (karMemory :: dxdelete)");
+        }
         *p = nullptr;
         return;
     }

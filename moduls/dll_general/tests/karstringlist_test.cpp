@@ -232,7 +232,7 @@ TEST(KarStringListHead, RandomOperationsFollowAPlainList)
     TestRandom random(seed);
     karStringListHead head;
     std::vector<std::string> plain;
-    for (int step = 0; step < 50000; ++step) {
+    for (int step = 0; step < 20000; ++step) {
         const auto count = static_cast<unsigned>(plain.size());
         const unsigned at = count ? random.below(count) : 0;
         karStringList *element = head.ListFirst();
