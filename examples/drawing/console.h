@@ -27,9 +27,8 @@ public:
 
     karString GetFileNameWrite(const karString &a, const karString &b, const karString &c, const karString &d,
                                const karString &e, int flags) override;
-    __attribute__((format(printf, 4, 0))) void message(MsgType type, int level, const char *format,
-                                                       va_list arguments) override;
-    __attribute__((format(printf, 2, 0))) void statusText(const char *format, va_list arguments) override;
+    void message(MsgType type, int level, const char *format, va_list arguments) override;
+    void statusText(const char *format, va_list arguments) override;
     void Fortschritt(int number) override;
     void addTask(karTaskElem *task) override;
     void removeTask(karTaskElem *task) override;
