@@ -18,7 +18,8 @@ using TreeBox = geometry::model::box<TreePoint>;
 using Entry = std::pair<TreeBox, std::size_t>; // of the list of places
 using Tree = geometry::index::rtree<Entry, geometry::index::quadratic<16>>;
 
-constexpr std::size_t mostCrossings = 5000000;
+constexpr std::size_t mostCrossings = 1000000;
+constexpr std::size_t mostPairs = 100000000; // of boxes that overlap
 
 // A piece of a picture.
 struct Place {
@@ -51,6 +52,7 @@ public:
             }
         const Tree tree(entries.begin(), entries.end()); // packed as a whole
         std::vector<Entry> near;
+        std::size_t pairs = 0;
         for (const Entry &entry : entries) {
             if (!phase.next(static_cast<double>(entry.second) / static_cast<double>(entries.size())))
                 break;
@@ -61,8 +63,9 @@ public:
             for (const Entry &other : near)
                 if (other.second > entry.second)
                     check(places[entry.second], places[other.second], filter);
-            if (crossings.size() > mostCrossings) {
-                FindingMaker(filter, FindingTooManyCrossings, 1) << static_cast<int>(mostCrossings);
+            pairs += near.size();
+            if (crossings.size() > mostCrossings || pairs > mostPairs) {
+                FindingMaker(filter, FindingTooManyCrossings, 1) << static_cast<int>(crossings.size());
                 break;
             }
         }

@@ -63,6 +63,14 @@ void writeFiles(const Options &options, const Results &results, karFilter &filte
         saveWhole(options.csv, toCsv(results));
 }
 
+void tell(const Results &results)
+{
+    printReport(std::cout, results);
+    std::cout.flush();
+    if (!std::cout)
+        throw OutputError(static_cast<const char *>(text("the report can't be written")));
+}
+
 int run(const Options &options, Console &console)
 {
     TerminalCtrl ctrl(console);
@@ -75,11 +83,11 @@ int run(const Options &options, Console &console)
     tellFindings(filter);
     const bool filesOnly = options.svg == "-" || options.json == "-" || options.csv == "-";
     if (filter.getBreak() != BreakNone) { // what was done is reported, but no file is written
-        printReport(std::cout, results);
+        tell(results);
         return stopped;
     }
     if (!filesOnly)
-        printReport(std::cout, results);
+        tell(results);
     writeFiles(options, results, filter);
     return 0;
 }

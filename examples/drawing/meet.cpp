@@ -78,6 +78,8 @@ public:
         return curves();
     }
 
+    // The coordinates of so small a piece so far out don't tell where it lies.
+    bool tooCoarse() const { return tolerance > 0.01; }
     karD_Point outside(const karD_Point &point) const { return frame.outside(point); }
 
     std::vector<karD_Point> found; // within the frame
@@ -260,6 +262,8 @@ bool meet(const Piece &first, const Piece &second, std::vector<karD_Point> &poin
     if (!(sizeOf(first) > 0 && sizeOf(second) > 0))
         return true; // a line without length crosses nothing
     Pair pair(first, second);
+    if (pair.tooCoarse())
+        return true;
     const bool settled = pair.solve();
     for (const karD_Point &point : pair.found)
         points.push_back(pair.outside(point));

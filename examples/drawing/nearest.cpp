@@ -49,9 +49,8 @@ private:
         double fx[4] = {};
         double fy[4] = {};
         int passes = mostPasses;
-        const int count = Calculate_Perpendicular_Points_To_Ellipse(x, y, 0.0, 0.0, 1.0, flat, 0.0, 0.0, 0.0, fx[0],
-                                                                    fy[0], fx[1], fy[1], fx[2], fy[2], fx[3], fy[3],
-                                                                    passes);
+        const int count = Calculate_Perpendicular_Points_To_Ellipse(
+            x, y, 0.0, 0.0, 1.0, flat, 0.0, 0.0, 0.0, fx[0], fy[0], fx[1], fy[1], fx[2], fy[2], fx[3], fy[3], passes);
         for (int i = 0; i < count; ++i)
             add(std::atan2(fy[i] / flat, fx[i]), found);
         return passes >= 0;
@@ -72,8 +71,8 @@ private:
             const double sine = std::sin(t);
             const double cosine = std::cos(t);
             slope = (px - cosine) * sine + (flat * sine - py) * flat * cosine;
-            const double change = (px - cosine) * cosine + sine * sine +
-                                  flat * (flat * cosine * cosine - (flat * sine - py) * sine);
+            const double change =
+                (px - cosine) * cosine + sine * sine + flat * (flat * cosine * cosine - (flat * sine - py) * sine);
             if (std::fabs(change) < 1e-9)
                 break;
             const double step = std::clamp(slope / change, -0.1, 0.1);

@@ -85,7 +85,7 @@ karString describe(const karMessageBase &finding)
     case FindingUnsettledFoot:
         return textOf("feet on %s may be missing: the iteration does not settle", static_cast<const char *>(textAt(0)));
     case FindingTooManyCrossings:
-        return textOf("more than %d crossings: the search ended", numberAt(0));
+        return textOf("too much lies on one another: the search ended after %d crossings", numberAt(0));
     case FindingSharpCorner:
         return textOf("%s keeps its corner at %s: its sides are too short", static_cast<const char *>(textAt(0)),
                       static_cast<const char *>(textAt(1)));

@@ -310,11 +310,18 @@ class Extents(DrawingTest):
         self.assertEqual(result.stderr.count("its radius is not positive"), 10)
         self.assertIn("15 more warnings like these", result.stderr)
 
+    def test_too_much_in_one_place_ends_the_search(self):
+        # 160,000 circles on one another have more pairs than anybody waits for.
+        many = insert("B", 0, 0, "70\n400\n71\n400\n44\n0\n45\n0\n")
+        result = run(self.file(drawing(many, block("B", circle(0, 0, 1)))))
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("too much lies on one another: the search ended after 0 crossings", result.stderr)
+
     def test_inserts_that_multiply_beyond_bounds_are_refused(self):
         blocks = "".join(block(f"B{i}", insert(f"B{i + 1}") * 2) for i in range(40)) + block("B40", "")
-        self.assert_refused(self.file(drawing(insert("B0"), blocks)), "places more than 2000000 entities")
+        self.assert_refused(self.file(drawing(insert("B0"), blocks)), "places more than 1000000 entities")
         many = insert("B", 0, 0, "70\n32767\n71\n32767\n")
-        self.assert_refused(self.file(drawing(many, block("B", ""))), "places more than 2000000 entities")
+        self.assert_refused(self.file(drawing(many, block("B", ""))), "places more than 1000000 entities")
 
 
 class Lengths(DrawingTest):
@@ -715,6 +722,13 @@ class Files(DrawingTest):
         self.assertEqual(report["extents"]["POINT"]["grid"], {"left": 1, "top": -1, "right": 1, "bottom": -1})
         self.assertEqual(report["findings"], ["CIRCLE (A) is left out: its radius is not positive"])
 
+    def test_a_standard_output_that_is_full_is_told(self):
+        with open("/dev/full", "w") as full:
+            for arguments in ((), ("--json", "-"), ("--svg", "-")):
+                result = subprocess.run([PROGRAM, self.file(drawing(line())), *arguments], stdout=full,
+                                        stderr=subprocess.PIPE, text=True, timeout=60, env=environment())
+                self.assertEqual((result.returncode, result.stderr.count("\n")), (3, 1), arguments)
+
     def test_standard_output_takes_a_file_in_place_of_the_report(self):
         path = self.file(drawing(segment(0, 0, 4, 4) + segment(0, 2, 4, 2, layer='a,"b"')))
         self.assertEqual(json.loads(self.report(path, "--json", "-"))["entities"], 2)
@@ -825,6 +839,9 @@ class Refusals(DrawingTest):
 
     def test_an_empty_file(self):
         self.assert_refused(self.file(""), "is empty")
+
+    def test_a_file_without_end(self):
+        self.assert_refused(pathlib.Path("/dev/zero"), "is larger than 1024 MB")
 
     def test_a_text_that_is_no_dxf(self):
         self.assert_refused(self.file("Dear reader,\nthis is a letter.\n"), "is not a DXF drawing")
