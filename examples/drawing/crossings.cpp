@@ -19,7 +19,7 @@ using Entry = std::pair<TreeBox, std::size_t>; // of the list of places
 using Tree = geometry::index::rtree<Entry, geometry::index::quadratic<16>>;
 
 constexpr std::size_t mostCrossings = 1000000;
-constexpr std::size_t mostPairs = 100000000; // of boxes that overlap
+constexpr std::size_t mostPairs = 20000000; // of boxes that overlap
 
 // A piece of a picture.
 struct Place {
