@@ -89,6 +89,8 @@ private:
     bool knows(void *p);
     void *newFromHeap(unsigned total);
     void deleteFromHeap(void *p, unsigned header);
+
+    bool poolsEnded = false; ///< The pools are destroyed or about to be.
 };
 
 /// The allocator behind all entry points. Valid before the library's start code has run; the object itself is usable

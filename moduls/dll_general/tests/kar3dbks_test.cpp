@@ -165,7 +165,7 @@ TEST(Kar3DBKS, PlaneIsComputedAsStated)
                       y[0] * (o[1] * x[2] - x[1] * o[2])));
         ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 741, call " << call;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{6590804495142742085u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{15653743587845899789u});
 }
 
 TEST(Kar3DBKS, MappingFromThePlaneAddsAZOfZeroAndNothingElse)
@@ -238,8 +238,8 @@ TEST(ObjectAxes, AreOrthogonalAndRightHandedForTenThousandNormals)
     for (int call = 0; call < 10000; ++call) {
         // A third of the normals stands about the switch of the rule.
         const double spread = call % 3 == 0 ? 0.03 : 1.0;
-        const kar3DVector n(random.between(-spread, spread), random.between(-spread, spread), random.between(-1.0, 1.0),
-                            call % 2 == 0);
+        const double nx = random.between(-spread, spread), ny = random.between(-spread, spread);
+        const kar3DVector n(nx, ny, random.between(-1.0, 1.0), call % 2 == 0);
         const kar3DVector x = GetOCSVectorAxisX(n), y = GetOCSVectorAxisY(n, x);
         const double length = n.GetDistance();
         ASSERT_NEAR(x.GetDistance(), 1, 4e-16) << "seed 742, call " << call;
@@ -264,7 +264,7 @@ TEST(ObjectAxes, AreOrthogonalAndRightHandedForTenThousandNormals)
             ofPlain.add(place / unit);
         ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 742, call " << call;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{11526040720993393449u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{2517933062053221709u});
 }
 
 } // namespace

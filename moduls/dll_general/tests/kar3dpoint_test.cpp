@@ -297,7 +297,8 @@ TEST(Kar3DPoint, ANumberOfTheReceiverCountsWithItsValueOnEntry)
     EXPECT_TRUE(holds(p, 0, 2, 4));
     p = p.y();
     EXPECT_TRUE(holds(p, 2, 2, 2));
-    p /= p;
+    const kar3D_Point &same = p;
+    p /= same;
     EXPECT_TRUE(holds(p, 1, 1, 1));
 }
 
@@ -533,7 +534,7 @@ TEST(Kar3DPoint, AMillionOperationsAreThoseOfThePlainTranscription)
         ASSERT_EQ(ofPoint.value(), ofPlain.value()) << "seed 71, call " << call << ", operation " << operation;
     }
     EXPECT_EQ(ofDimension.value(), ofPlain.value());
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{5060287223923333892u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{11544480906030316423u});
 }
 
 TEST(Kar3DRange, UnionsAreThoseOfThePlainTranscription)
@@ -561,15 +562,15 @@ TEST(Kar3DRange, UnionsAreThoseOfThePlainTranscription)
         }
         ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 72, call " << call;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{14997859245907108026u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{16356147808116373951u});
 }
 
 TEST(Kar3DPoint, AngleAndDistanceAreThoseOfTheirFormulas)
 {
     TestRandom random(73);
     for (int call = 0; call < 100000; ++call) {
-        const kar3D_Point a(mixedDouble(random), mixedDouble(random), mixedDouble(random));
-        const kar3D_Point b(mixedDouble(random), mixedDouble(random), mixedDouble(random));
+        const kar3D_Point a{mixedDouble(random), mixedDouble(random), mixedDouble(random)};
+        const kar3D_Point b{mixedDouble(random), mixedDouble(random), mixedDouble(random)};
         ASSERT_TRUE(sameBits(a.AngleX(b), std::atan2(b.y() - a.y(), b.x() - a.x()))) << "seed 73, call " << call;
         ASSERT_TRUE(sameBits(a.Distance(), std::sqrt(a.x() * a.x() + a.y() * a.y() + a.z() * a.z())))
             << "seed 73, call " << call;

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdint>
@@ -57,6 +58,11 @@ testing::AssertionResult holds(const karMatrix &m, int rows, int columns, const 
 
 testing::AssertionResult isEmpty(const karMatrix &m) { return holds(m, 0, 0, {}); }
 
+bool isZero(const karMatrix &m)
+{
+    return std::all_of(m.GetData(), m.GetData() + m.GetRows() * m.GetColumns(), [](double v) { return v == 0; });
+}
+
 karMatrix matrix(int rows, int columns, const std::vector<double> &elements)
 {
     karMatrix m(rows, columns);
@@ -64,6 +70,11 @@ karMatrix matrix(int rows, int columns, const std::vector<double> &elements)
         m.GetData()[i] = elements[i];
     return m;
 }
+
+// A matrix for containers, which call its destructor through its own type.
+struct HeldMatrix final : karMatrix {
+    HeldMatrix(karMatrix m) : karMatrix(std::move(m)) {}
+};
 
 testing::AssertionResult lies(const kar3D_Point &p, double x, double y, double z)
 {
@@ -267,42 +278,45 @@ TEST(KarMatrix, SetDataWithANegativeSizeKeepsItAndTheStaleAddress)
 
 TEST(KarMatrix, AStaleArrayIsNeitherReadNorWrittenNorFreedAgain)
 {
+    using Matrix = std::optional<HeldMatrix>;
+    const std::vector<void (*)(Matrix &)> waysOut = {
+        [](Matrix &m) { m.reset(); },
+        [](Matrix &m) { EXPECT_TRUE(isZero(m->SetData(2, 2))); },
+        [](Matrix &m) { m->SetData(-2, -2).SetData(0, 0); },
+        [](Matrix &m) { *m = karMatrix(-2); },
+        [](Matrix &m) { *m *= karMatrix(2); },
+        [](Matrix &m) { Matrix(std::move(*m)).reset(); },
+    };
     // The pools hand a block that came back to the next request of its size.
     globalMemList->setMarkMemListGlobal(1);
-    std::optional<karMatrix> m(matrix(2, 2, {1, 2, 3, 4}));
-    m->SetData(-2, 2);
-    std::vector<double *> blocks;
-    bool reused = false;
-    for (int i = 0; i < 100; ++i) {
-        auto *block = static_cast<double *>(KarAllocMemory(4 * sizeof(double)));
-        reused = reused || block == m->GetData();
-        for (int k = 0; k < 4; ++k)
-            block[k] = 0.5 + k;
-        blocks.push_back(block);
-    }
-    EXPECT_TRUE(reused);
-    EXPECT_EQ(m->GetValue(1, 1), nullptr) << "0 is above -2";
-    EXPECT_NE(m->GetValue(-5, 1), nullptr);
-    for (int r = -9; r <= 3; ++r)
-        for (int c = -9; c <= 9; ++c)
-            m->SetValue(r, c, 99);
-    *m *= 2.0;
-    *m += *m;
-    *m -= *m;
-    *m *= karMatrix(2);
-    EXPECT_TRUE(holds(*m, -2, 2, {}));
-    m->SetData(2, 2);
-    for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(m->GetData()[i], 0.0);
-    m->SetData(2, 0);
-    m->SetData(2, -1);
-    *m = karMatrix(1);
-    m->SetData(0, 0);
-    m.reset();
-    for (double *block : blocks) {
-        for (int k = 0; k < 4; ++k)
-            EXPECT_EQ(block[k], 0.5 + k);
-        KarDellocMemory(block);
+    for (const auto wayOut : waysOut) {
+        std::vector<double *> blocks;
+        const auto takeBlock = [&blocks] {
+            blocks.push_back(static_cast<double *>(KarAllocMemory(4 * sizeof(double))));
+            for (int k = 0; k < 4; ++k)
+                blocks.back()[k] = 0.5 + k;
+        };
+        takeBlock(); // keeps the page
+        Matrix m(matrix(2, 2, {1, 2, 3, 4}));
+        m->SetData(-2, 2);
+        for (int i = 0; i < 100; ++i)
+            takeBlock();
+        EXPECT_TRUE(std::find(blocks.begin(), blocks.end(), m->GetData()) != blocks.end());
+        EXPECT_EQ(m->GetValue(1, 1), nullptr) << "0 is above -2";
+        EXPECT_NE(m->GetValue(-5, 1), nullptr);
+        for (int r = -9; r <= 3; ++r)
+            for (int c = -9; c <= 9; ++c)
+                m->SetValue(r, c, 99);
+        *m *= 2.0;
+        *m += *m;
+        *m -= *m;
+        wayOut(m);
+        m.reset();
+        for (double *block : blocks) {
+            for (int k = 0; k < 4; ++k)
+                EXPECT_EQ(block[k], 0.5 + k);
+            KarDellocMemory(block);
+        }
     }
     globalMemList->setMarkMemListGlobal(0);
 }
@@ -469,14 +483,14 @@ TEST(KarMatrix, WithoutAnArrayReadsAsZeroAndDropsStores)
 {
     const karMatrix full = matrix(4, 4, oneToSixteen);
     const std::vector<double> zeros(16);
-    std::vector<karMatrix> made;
+    std::vector<HeldMatrix> made;
     made.reserve(32);
     karMatrix assigned(full), multiplied(full), started(full);
     {
         const AllAllocationsFail failing;
         globalMemList->addCurAnzNew(100); // what is freed in between doesn't make room
         made.emplace_back(4);
-        made.emplace_back(4, 4);
+        made.push_back(karMatrix(4, 4));
         made.emplace_back(full);
         made.push_back(full * full);
         made.push_back(full * 2.0);
@@ -502,7 +516,7 @@ TEST(KarMatrix, WithoutAnArrayReadsAsZeroAndDropsStores)
     made.push_back(multiplied);
     made.push_back(started);
     EXPECT_TRUE(holds(made.back(), 4, 4, zeros)) << "copied when there is memory again";
-    made.resize(made.size() - 3);
+    made.erase(made.end() - 3, made.end());
     for (karMatrix *m : {&assigned, &multiplied, &started})
         made.push_back(std::move(*m));
     for (karMatrix &m : made) {
@@ -753,7 +767,7 @@ TEST(Kar3DPoint, AMillionApplicationsAreThoseOfThePlainTranscription)
         }
         ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 733, block " << block;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{5530051670136422192u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{2204647181418496067u});
 }
 
 TEST(KarMatrix, ProductsSumsAndScalingsAreThoseOfThePlainTranscription)
@@ -818,7 +832,7 @@ TEST(KarMatrix, ProductsSumsAndScalingsAreThoseOfThePlainTranscription)
         for (int i = 0; i < rows * otherColumns; ++i)
             ASSERT_TRUE(sameBits(inPlace.GetData()[i], again.GetData()[i])) << "seed 734, call " << call;
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{2766521610510311340u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{4249787655735869847u});
 }
 
 } // namespace

@@ -32,7 +32,6 @@ struct HeapCounts {
 
 class BasisPage : public karBasisPage {
 public:
-    using karBasisPage::karBasisPage;
     using karBasisPage::checkElement;
     using karBasisPage::element;
     using karBasisPage::element_X;
@@ -40,6 +39,7 @@ public:
     using karBasisPage::elementFullSize;
     using karBasisPage::elementSize;
     using karBasisPage::initBasis;
+    using karBasisPage::karBasisPage;
 
     void set(void *first, void *last, int size)
     {
@@ -77,10 +77,10 @@ public:
 
 class Page : public karPage {
 public:
-    using karPage::karPage;
     using karPage::elementCount;
     using karPage::elementFullSize;
     using karPage::firstFreeElement;
+    using karPage::karPage;
     std::ptrdiff_t freeListOffset() const { return offsetIn(*this, firstFreeElement_); }
     std::ptrdiff_t basisEnd() const { return offsetIn(*this, elementUsed_) + 4; }
 };
@@ -469,8 +469,8 @@ TEST(KarPageMemory, FieldsAndVirtualOperationsStandInTheirOrder)
 {
     const Pool pool(10, 5);
     const std::ptrdiff_t pointer = sizeof(void *);
-    EXPECT_EQ(pool.offsets(), (std::vector<std::ptrdiff_t>{pointer, 2 * pointer, 3 * pointer, 4 * pointer,
-                                                           4 * pointer + 4}));
+    EXPECT_EQ(pool.offsets(),
+              (std::vector<std::ptrdiff_t>{pointer, 2 * pointer, 3 * pointer, 4 * pointer, 4 * pointer + 4}));
     EXPECT_EQ(virtualSlot(&karPageMemory::GetType), 0u);
     EXPECT_EQ(virtualSlot(&karPageMemory::CanCast), 1u);
 }

@@ -154,9 +154,9 @@ TEST(KarMemory, FieldsStandInTheirOrder)
     const Memory memory;
     const std::ptrdiff_t pointer = sizeof(void *);
     const std::ptrdiff_t pool = sizeof(karPageMemory);
-    EXPECT_EQ(memory.offsets(), (std::vector<std::ptrdiff_t>{0, pool, pool + pointer, pool + 2 * pointer,
-                                                             pool + 2 * pointer +
-                                                                 static_cast<std::ptrdiff_t>(sizeof(long))}));
+    EXPECT_EQ(memory.offsets(),
+              (std::vector<std::ptrdiff_t>{0, pool, pool + pointer, pool + 2 * pointer,
+                                           pool + 2 * pointer + static_cast<std::ptrdiff_t>(sizeof(long))}));
 }
 
 TEST(KarMemory, RecordsComeFromPagesOfAThousand)

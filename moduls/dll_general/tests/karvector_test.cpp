@@ -224,7 +224,7 @@ TEST(Kar3DVector, AnglesAndComponentsAreNeitherGuardedNorClamped)
     TestRandom random(723);
     int above = 0;
     for (int call = 0; call < 1000; ++call) {
-        const kar3DVector v(random.between(-1.0, 1.0), random.between(-1.0, 1.0), random.between(-1.0, 1.0), false);
+        const kar3DVector v{random.between(-1.0, 1.0), random.between(-1.0, 1.0), random.between(-1.0, 1.0), false};
         const double length = std::sqrt(v.GetX() * v.GetX() + v.GetY() * v.GetY() + v.GetZ() * v.GetZ());
         const double dot = v.GetX() * v.GetX() + v.GetY() * v.GetY() + v.GetZ() * v.GetZ();
         if (dot / (length * length) > 1) {
@@ -334,7 +334,7 @@ TEST(Kar3DVector, AMillionOperationsAreThoseOfThePlainTranscription)
         ASSERT_TRUE(sameBits(v.AngleToVector(w), std::acos(dot / (length3(a) * length3(b)))));
         ASSERT_TRUE(sameBits(v.GetAngleX(), std::atan2(a.y, a.x)));
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{17543645258813897409u});
+    EXPECT_EQ(ofPlain.value(), std::uint64_t{10185750674195065884u});
 }
 
 } // namespace

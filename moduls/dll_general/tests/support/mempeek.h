@@ -13,9 +13,9 @@ struct PagePeek : karPage {
 };
 
 struct PoolPeek : karPageMemory {
-    using karPageMemory::karPageMemory;
     using karPageMemory::appendPage;
     using karPageMemory::deletePage;
+    using karPageMemory::karPageMemory;
     static karPage *&firstOf(karPageMemory &pool) { return pool.*&PoolPeek::firstPage; }
     static karPage *&currentOf(karPageMemory &pool) { return pool.*&PoolPeek::currentPage; }
     static karPage *&lastOf(karPageMemory &pool) { return pool.*&PoolPeek::lastPage; }
@@ -24,8 +24,8 @@ struct PoolPeek : karPageMemory {
 
 struct MemoryPeek : karMemory {
     using karMemory::delete_all;
-    using karMemory::search_memory_entry;
     using karMemory::search_file_entry;
+    using karMemory::search_memory_entry;
     static karPageMemory &poolOf(karMemory &memory) { return memory.*&MemoryPeek::entryPool; }
     static karMemory_Entry *&tailOf(karMemory &memory) { return memory.*&MemoryPeek::memoryEntries; }
     static karFile_EntryZ *&filesOf(karMemory &memory) { return memory.*&MemoryPeek::fileEntries; }
@@ -37,6 +37,12 @@ struct AllocatorPeek : karGlobalMemory {
         return (allocator.*&AllocatorPeek::pools)[number];
     }
     static karMemory &records(karGlobalMemory &allocator) { return allocator.*&AllocatorPeek::memory; }
+    /// Drops all records with their pages and sums.
+    static void dropRecords(karGlobalMemory &allocator)
+    {
+        MemoryPeek::poolOf(records(allocator)).delete_all();
+        records(allocator) = karMemory();
+    }
 };
 
 /// Slot of a virtual operation in the table of its class. A pointer to a virtual member function holds its offset in
