@@ -36,7 +36,7 @@ private:
     errorCodesKARTORY count(karFilterObject *item)
     {
         const auto &entity = static_cast<const Entity &>(*item);
-        ++layers[std::string(entity.attributes.layer)][entity.kind];
+        ++layers[std::string(entity.attributes.layer)][static_cast<std::size_t>(entity.kind)];
         return KAR_SUCCESS;
     }
     errorCodesKARTORY countOther(karFilterObject *item)
