@@ -2,10 +2,11 @@
 #include "console.h"
 #include "dxfreader.h"
 #include "dxftext.h"
-#include "inventory.h"
 #include "operation.h"
-
-#include <CLI/CLI.hpp>
+#include "options.h"
+#include "report.h"
+#include "savefile.h"
+#include "svg.h"
 
 #include <iostream>
 #include <string>
@@ -14,60 +15,61 @@ namespace {
 
 // Exit statuses.
 constexpr int unreadable = 2; // a drawing that can't be read
+constexpr int unwritable = 3; // a file that can't be written
 constexpr int stopped = 130;  // as a shell tells of Ctrl-C
 
-struct Options {
-    std::string path;
-    std::string language;
-    bool quiet = false;
-    bool verbose = false;
-};
+// Each step leaves at once what is done where a break was asked for.
+void work(const Options &options, Results &results, karFilter &filter)
+{
+    infoText(1, text("Reading %s"), options.path.c_str());
+    readDxf(options.path, results.drawing, filter);
+    infoText(1, text("%d entities read"), results.drawing.entities.ListAnzahl());
+    {
+        Phase phase(filter, 25, 30, "sorting");
+        if (phase.next(0))
+            results.drawing.entities.sort();
+    }
+    results.picture = place(results.drawing, options.transformation, filter);
+    results.measures = measure(results.picture, filter);
+}
 
 int run(const Options &options, Console &console)
 {
     TerminalCtrl ctrl(console);
     karFilter filter(&ctrl);
     new FiguresTask(console);
-    Drawing drawing;
-    infoText(1, text("Reading %s"), options.path.c_str());
-    readDxf(options.path, drawing, filter);
-    infoText(1, text("%d entities read"), drawing.entities.ListAnzahl());
-    {
-        Phase phase(filter, 30, 40, "sorting");
-        if (phase.next(0))
-            drawing.entities.sort();
-    }
+    Results results;
+    results.path = options.path;
+    work(options, results, filter);
     console.clearBar();
     tellFindings(filter);
-    std::cout << options.path << '\n';
-    printInventory(std::cout, drawing);
-    printMemory(std::cout);
-    return filter.getBreak() == BreakNone ? 0 : stopped;
+    printReport(std::cout, results);
+    if (filter.getBreak() != BreakNone)
+        return stopped; // and no file is written
+    if (!options.svg.empty())
+        saveWhole(options.svg, toSvg(results.picture, results.measures.whole, {}));
+    return 0;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    CLI::App app("Reads a DXF drawing and reports what it holds.", "kartory-drawing");
     Options options;
-    app.add_option("FILE", options.path, "DXF drawing, text form")->required();
-    app.add_option("--lang", options.language, "Language of messages and report; otherwise that of LANG")
-        ->check(CLI::IsMember({"en", "de"}));
-    CLI::Option *quiet = app.add_flag("-q,--quiet", options.quiet, "No messages but errors");
-    app.add_flag("-v,--verbose", options.verbose, "More messages")->excludes(quiet);
-    CLI11_PARSE(app, argc, argv);
-
-    Console console(options.quiet     ? Loudness::Quiet
-                    : options.verbose ? Loudness::Verbose
-                                      : Loudness::Usual,
-                    chooseLanguage(options.language));
+    if (const auto status = readOptions(argc, argv, options))
+        return *status;
+    Console console(options.loudness, chooseLanguage(options.language));
     try {
         return run(options, console);
     } catch (const DrawingError &error) {
         errorText(0, "%s: %s", options.path.c_str(), error.what());
+        return unreadable;
     } catch (const std::bad_alloc &) {
         errorText(0, "%s: %s", options.path.c_str(), static_cast<const char *>(text("is too large for the memory")));
+        return unreadable;
+    } catch (const OutputError &error) {
+        console.clearBar();
+        errorText(0, "%s", error.what());
+        return unwritable;
     }
-    return unreadable;
 }

@@ -75,6 +75,10 @@ karString describe(const karMessageBase &finding)
     case FindingStopped:
         return textOf("stopped on request while %s, %d elements done", static_cast<const char *>(textAt(0)),
                       numberAt(1));
+    case FindingLeftOut:
+        return textOf("%s is left out: %s", static_cast<const char *>(textAt(0)), static_cast<const char *>(textAt(1)));
+    case FindingMissingBlock:
+        return textOf("block \"%s\" is not there", static_cast<const char *>(textAt(0)));
     default:
         return karString();
     }

@@ -45,6 +45,8 @@ private:
 /// What the user should know, as a message of the controller. The parameters follow the id.
 enum Finding : int {
     FindingStopped = 101, ///< text: the phase; integer: elements done
+    FindingLeftOut,       ///< text: the entity; text: why
+    FindingMissingBlock,  ///< text: the block's name
 };
 
 /// Adds a finding; the parameters are texts and integers in the order of the id's comment.

@@ -1,7 +1,10 @@
-#include "inventory.h"
+#include "report.h"
+
+#include "numbers.h"
 
 #include "texts.h"
 
+#include <algorithm>
 #include <array>
 #include <iomanip>
 #include <map>
@@ -43,8 +46,6 @@ private:
     }
 };
 
-} // namespace
-
 void printInventory(std::ostream &out, const Drawing &drawing)
 {
     Census census;
@@ -80,4 +81,54 @@ void printMemory(std::ostream &out)
                memory.getAnzNew(), memory.getCurAnzNew(), memory.getCurSizeNew(), memory.curr_used_memory(),
                memory.max_used_memory())
         << '\n';
+}
+
+void printLayers(std::ostream &out, const Results &results)
+{
+    if (results.measures.lengths.empty())
+        return;
+    out << text("Layers: colour, length of the curves") << '\n';
+    const int places = placesFor(results.measures.length);
+    for (const auto &[layer, length] : results.measures.lengths)
+        out << "    " << std::left << std::setw(24) << layer << ' ' << std::setw(20)
+            << results.drawing.layerColour(layer.c_str()).name(false) << ' ' << decimal(length, places) << '\n';
+    out << "    " << std::left << std::setw(24) << text("all layers") << ' ' << std::setw(20) << "" << ' '
+        << decimal(results.measures.length, places) << '\n';
+}
+
+void printExtent(std::ostream &out, const std::string &name, const Extent &extent)
+{
+    if (!extent.any)
+        return;
+    const auto corners = [&extent](const karD_Rect &box) {
+        const int places = placesFor(std::max(extent.exact.width(), extent.exact.height()));
+        return "(" + decimal(box.left(), places) + ", " + decimal(box.bottom(), places) + ") (" +
+               decimal(box.right(), places) + ", " + decimal(box.top(), places) + ")";
+    };
+    const karRect grid = extent.grid();
+    out << "    " << std::left << std::setw(10) << name << ' ' << text("exact") << ' ' << corners(extent.exact) << "  "
+        << text("sampled") << ' ' << corners(extent.sampled) << "  " << text("on the grid") << ' ' << grid.left() << ' '
+        << grid.top() << ' ' << grid.right() << ' ' << grid.bottom() << '\n';
+}
+
+void printExtents(std::ostream &out, const Measures &measures)
+{
+    if (!measures.whole.any)
+        return;
+    out << text("Extents: lower left and upper right corner; grid boxes left, top, right, bottom with y downwards")
+        << '\n';
+    for (int kind = 0; kind < entityKinds; ++kind)
+        printExtent(out, kindName(static_cast<EntityKind>(kind)), measures.kinds[static_cast<std::size_t>(kind)]);
+    printExtent(out, std::string(text("whole")), measures.whole);
+}
+
+} // namespace
+
+void printReport(std::ostream &out, const Results &results)
+{
+    out << results.path << '\n';
+    printInventory(out, results.drawing);
+    printLayers(out, results);
+    printExtents(out, results.measures);
+    printMemory(out);
 }
