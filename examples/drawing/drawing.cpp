@@ -45,7 +45,7 @@ Drawing::~Drawing()
     }
 }
 
-Block *Drawing::addBlock(const karString &name, karD_Point base)
+Block *Drawing::addBlock(const karString &name, const kar3D_Point &base)
 {
     auto *block = new Block(name, base, lastBlock);
     if (!block)
@@ -61,4 +61,20 @@ const Block *Drawing::block(const karString &name) const
 {
     const auto found = byName.find(key(name));
     return found == byName.end() ? nullptr : found->second;
+}
+
+bool Drawing::addLayer(const karString &name, karColor colour)
+{
+    auto *layer = new Layer(name, colour);
+    if (!layer)
+        return false;
+    layers.ListAppend(layer);
+    layerByName.emplace(key(name), layer);
+    return true;
+}
+
+karColor Drawing::layerColour(const karString &name) const
+{
+    const auto found = layerByName.find(key(name));
+    return found == layerByName.end() ? karColor(ACAD_COLOR_WHITE) : found->second->colour;
 }

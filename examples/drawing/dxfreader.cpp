@@ -1,18 +1,15 @@
 #include "dxfreader.h"
 
 #include "dxftext.h"
+#include "piece.h"
 
 #include <dxflib/dl_creationadapter.h>
 #include <dxflib/dl_dxf.h>
 
-#include <cmath>
 #include <sstream>
 #include <unordered_set>
 
 namespace {
-
-constexpr double pi = 3.141592653589793;
-constexpr double fullTurn = 6.283185307179586;
 
 double radians(double degrees) { return degrees * (pi / 180.0); }
 
@@ -21,18 +18,30 @@ template <class Made>
 Made *required(Made *made)
 {
     if (!made)
-        throw DrawingError("is too large for the memory");
+        throw DrawingError(text("is too large for the memory"));
     return made;
 }
 
 // Receives what dxflib reads. An entity goes to the block that is open, otherwise to the drawing.
 class Reader : public DL_CreationAdapter {
 public:
-    explicit Reader(Drawing &into) : drawing(into), target(&into.entities) {}
+    Reader(Drawing &into, const std::string &groups, Phase &ownPhase)
+        : drawing(into), target(&into.entities), text(groups), size(groups.size()), phase(ownPhase)
+    {}
 
+    void read()
+    {
+        DL_Dxf dxf;
+        dxf.in(text, this);
+    }
+
+    void addLayer(const DL_LayerData &data) override
+    {
+        required(drawing.addLayer(data.name.c_str(), colour(getAttributes())) ? &drawing : nullptr);
+    }
     void addBlock(const DL_BlockData &data) override
     {
-        target = required(drawing.addBlock(data.name.c_str(), karD_Point(data.bpx, data.bpy)));
+        target = required(drawing.addBlock(data.name.c_str(), kar3D_Point(data.bpx, data.bpy, data.bpz)));
     }
     void endBlock() override
     {
@@ -40,30 +49,33 @@ public:
         target = &drawing.entities;
     }
 
-    void addPoint(const DL_PointData &data) override { add(new PointEntity(own(), karD_Point(data.x, data.y))); }
+    void addPoint(const DL_PointData &data) override
+    {
+        add(new PointEntity(own(), kar3D_Point(data.x, data.y, data.z)));
+    }
     void addLine(const DL_LineData &data) override
     {
-        add(new LineEntity(own(), karD_Point(data.x1, data.y1), karD_Point(data.x2, data.y2)));
+        add(new LineEntity(own(), kar3D_Point(data.x1, data.y1, data.z1), kar3D_Point(data.x2, data.y2, data.z2)));
     }
     void addArc(const DL_ArcData &data) override
     {
-        add(new ArcEntity(EntityArc, own(), karD_Point(data.cx, data.cy), data.radius, normalised(radians(data.angle1)),
-                          normalised(radians(data.angle2))));
+        add(new ArcEntity(EntityArc, own(), kar3D_Point(data.cx, data.cy, data.cz), data.radius, radians(data.angle1),
+                          radians(data.angle2)));
     }
     void addCircle(const DL_CircleData &data) override
     {
-        add(new ArcEntity(EntityCircle, own(), karD_Point(data.cx, data.cy), data.radius, 0.0, fullTurn));
+        add(new ArcEntity(EntityCircle, own(), kar3D_Point(data.cx, data.cy, data.cz), data.radius, 0.0, fullTurn));
     }
     void addEllipse(const DL_EllipseData &data) override
     {
-        const double a = std::sqrt(data.mx * data.mx + data.my * data.my);
-        add(new EllipseEntity(own(), karD_Point(data.cx, data.cy), a, a * data.ratio, std::atan2(data.my, data.mx),
-                              data.angle1, data.angle2));
+        add(new EllipseEntity(own(), kar3D_Point(data.cx, data.cy, data.cz), kar3D_Point(data.mx, data.my, data.mz),
+                              data.ratio, data.angle1, data.angle2));
     }
     void addPolyline(const DL_PolylineData &data) override
     {
         constexpr int closedFlag = 1;
         polyline = add(new PolylineEntity(own(), (data.flags & closedFlag) != 0));
+        polyline->elevation = data.elevation;
     }
     void addVertex(const DL_VertexData &data) override
     {
@@ -72,13 +84,14 @@ public:
     }
     void addText(const DL_TextData &data) override
     {
-        add(new TextEntity(own(), karD_Point(data.ipx, data.ipy), data.height, data.angle, data.text.c_str()));
+        add(new TextEntity(own(), kar3D_Point(data.ipx, data.ipy, data.ipz), data.height, data.angle,
+                           data.text.c_str()));
     }
     void addInsert(const DL_InsertData &data) override
     {
         InsertEntity *insert = add(new InsertEntity(own(), data.name.c_str()));
-        insert->at.Set(data.ipx, data.ipy);
-        insert->scale.Set(data.sx, data.sy);
+        insert->at.Set(data.ipx, data.ipy, data.ipz);
+        insert->scale.Set(data.sx, data.sy, data.sz);
         insert->angle = radians(data.angle);
         insert->columns = data.cols;
         insert->rows = data.rows;
@@ -106,10 +119,21 @@ public:
     void addImage(const DL_ImageData &) override { other("IMAGE"); }
 
 private:
-    static double normalised(double angle)
+    // A DXF colour: 256 is that of the layer, 0 that of the block; a layer that is off has its index below 0.
+    static karColor colour(const DL_Attributes &read)
     {
-        const double rest = std::fmod(angle, fullTurn);
-        return rest < 0 ? rest + fullTurn : rest;
+        constexpr int byLayer = 256;
+        const int true24 = read.getColor24();
+        if (true24 >= 0)
+            return karColor(static_cast<unsigned char>((true24 >> 16) & 0xff),
+                            static_cast<unsigned char>((true24 >> 8) & 0xff),
+                            static_cast<unsigned char>(true24 & 0xff));
+        const int index = read.getColor();
+        if (index == byLayer)
+            return karColor(FARBWERT_VONLAYER);
+        if (index == 0)
+            return karColor(FARBWERT_VONBLOCK);
+        return karColor(static_cast<ACAD_Color>(index > 0 ? index : kar::wrapNeg(index)));
     }
 
     Attributes own()
@@ -118,7 +142,9 @@ private:
         Attributes result;
         result.layer = read.getLayer().c_str();
         result.handle = read.getHandle();
-        result.colour = read.getColor();
+        result.colour = colour(read);
+        const double *direction = getExtrusion()->getDirection();
+        result.extrusion.Set(direction[0], direction[1], direction[2], false);
         return result;
     }
 
@@ -126,6 +152,8 @@ private:
     Made *add(Made *entity)
     {
         required(entity);
+        if (!phase.next(static_cast<double>(text.tellg()) / static_cast<double>(size)))
+            text.setstate(std::ios::eofbit); // the parser stops at what it takes for the end
         entity->order = ++count;
         target->ListAppend(entity);
         return entity;
@@ -136,6 +164,9 @@ private:
     Drawing &drawing;
     Block *target;
     PolylineEntity *polyline = nullptr; // takes the vertices that follow
+    std::istringstream text;
+    std::size_t size;
+    Phase &phase;
     int count = 0;
 };
 
@@ -148,7 +179,7 @@ public:
     {
         constexpr std::size_t deepest = 200;
         if (open.size() > deepest)
-            throw DrawingError("inserts blocks more than " + std::to_string(deepest) + " deep");
+            throw DrawingError(textOf("inserts blocks more than %d deep", static_cast<int>(deepest)));
         for (const Entity *entity = block.ListFirst(); entity; entity = entity->next()) {
             if (entity->kind != EntityInsert)
                 continue;
@@ -156,7 +187,7 @@ public:
             if (!inserted || done.count(inserted))
                 continue;
             if (!open.insert(inserted).second)
-                throw DrawingError("block \"" + std::string(inserted->name) + "\" inserts itself");
+                throw DrawingError(textOf("block \"%s\" inserts itself", static_cast<const char *>(inserted->name)));
             walk(*inserted);
             open.erase(inserted);
             done.insert(inserted);
@@ -171,12 +202,15 @@ private:
 
 } // namespace
 
-void readDxf(const std::string &path, Drawing &drawing)
+void readDxf(const std::string &path, Drawing &drawing, karFilter &filter)
 {
-    std::istringstream text(readDxfText(path));
-    Reader reader(drawing);
-    DL_Dxf dxf;
-    dxf.in(text, &reader);
+    Phase phase(filter, 0, 25, "reading");
+    readDxfText(checkedDxf(readFile(path)), drawing, phase);
+}
+
+void readDxfText(const std::string &groups, Drawing &drawing, Phase &phase)
+{
+    Reader(drawing, groups, phase).read();
     InsertCheck check(drawing);
     check.walk(drawing.entities);
     for (const Block *block = drawing.firstBlock(); block; block = block->nextBlock())

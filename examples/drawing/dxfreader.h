@@ -3,10 +3,15 @@
 #define DXFREADER_H
 
 #include "drawing.h"
+#include "operation.h"
 
 #include <string>
 
-/// Reads the file into an empty drawing. Throws `DrawingError`; the drawing then holds what was read before.
-void readDxf(const std::string &path, Drawing &drawing);
+/// Reads a file into an empty drawing. Throws `DrawingError`; the drawing then holds what was read before, and so it does
+/// after a break.
+void readDxf(const std::string &path, Drawing &drawing, karFilter &filter);
+
+/// \overload the groups that `checkedDxf` gives.
+void readDxfText(const std::string &groups, Drawing &drawing, Phase &phase);
 
 #endif

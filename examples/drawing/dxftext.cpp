@@ -1,5 +1,6 @@
 #include "dxftext.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -49,88 +50,104 @@ public:
         line = trimmed(rest.substr(0, end));
         const auto taken = end == std::string_view::npos ? rest.size() : end + 1;
         rest.remove_prefix(taken);
-        read += taken;
         ++number;
         return true;
     }
 
-    std::size_t read = 0; // characters up to the end of the last line
-    int number = 0;       // of the last line
+    int number = 0; // of the last line
 
 private:
     std::string_view rest;
 };
 
-[[noreturn]] void fail(int line, std::string_view value, const char *fault)
+[[noreturn]] void fail(const char *fault, int line, std::string_view value)
 {
     constexpr std::size_t longest = 40;
-    throw DrawingError("line " + std::to_string(line) + ": \"" + std::string(value.substr(0, longest)) + "\" " + fault);
+    throw DrawingError(textOf(fault, line, std::string(value.substr(0, longest)).c_str()));
 }
 
 template <class Number>
-void checkNumber(std::string_view value, int line)
+Number checkedNumber(std::string_view value, int line)
 {
     const std::string_view text = !value.empty() && value.front() == '+' ? value.substr(1) : value;
     Number number{};
     const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (fault == std::errc::result_out_of_range)
-        fail(line, value, "is out of range");
+        fail("line %d: \"%s\" is out of range", line, value);
     if (fault != std::errc() || end != text.data() + text.size())
-        fail(line, value, "is not a number");
+        fail("line %d: \"%s\" is not a number", line, value);
     if constexpr (std::is_floating_point_v<Number>) {
         if (!std::isfinite(number))
-            fail(line, value, "is not a finite number");
+            fail("line %d: \"%s\" is not a finite number", line, value);
     }
+    return number;
 }
 
-// Length of the text up to the end of its EOF group.
-std::size_t checkGroups(std::string_view text)
+// Counts that the parser takes on trust and makes room for at once.
+bool isCount(std::string_view entity, int code)
 {
-    Lines lines(text);
+    return (entity == "LWPOLYLINE" && code == 90) || (entity == "SPLINE" && code >= 72 && code <= 74) ||
+           (entity == "LEADER" && code == 76) || (entity == "HATCH" && code >= 91 && code <= 97) ||
+           (entity == "LTYPE" && code == 73);
+}
+
+} // namespace
+
+std::string readFile(const std::string &path)
+{
+    if (std::filesystem::is_directory(path))
+        throw DrawingError(text("is a directory"));
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw DrawingError(std::strerror(errno));
+    std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (file.bad())
+        throw DrawingError(text("can't be read"));
+    if (content.empty())
+        throw DrawingError(text("is empty"));
+    return content;
+}
+
+std::string checkedDxf(std::string_view whole)
+{
+    constexpr std::size_t longestValue = 1000; // the parser reads lines of 1024 bytes
+    if (whole.substr(0, binaryMark.size()) == binaryMark)
+        throw DrawingError(text("is a binary DXF drawing; save it as a text DXF"));
+    const auto lineCount = std::count(whole.begin(), whole.end(), '\n');
+    std::string groups;
+    groups.reserve(whole.size());
+    Lines lines(whole);
     std::string_view line;
+    std::string_view entity;
     bool anySection = false;
     while (lines.next(line)) {
         int code = 0;
         const auto [end, fault] = std::from_chars(line.data(), line.data() + line.size(), code);
         if (fault != std::errc() || end != line.data() + line.size() || code < lowestCode || code > highestCode) {
             if (!anySection)
-                throw DrawingError("is not a DXF drawing");
-            fail(lines.number, line, "is not a group code");
+                throw DrawingError(text("is not a DXF drawing"));
+            fail("line %d: \"%s\" is not a group code", lines.number, line);
         }
         std::string_view value;
         if (!lines.next(value))
             break;
+        if (code == 0)
+            entity = value;
+        if (isReal(code))
+            checkedNumber<double>(value, lines.number);
+        else if (isInteger(code)) {
+            const auto number = checkedNumber<long long>(value, lines.number);
+            if (isCount(entity, code) && (number < 0 || number > lineCount))
+                fail("line %d: \"%s\" is no count of what the file holds", lines.number, value);
+        }
+        groups.append(line).append("\n").append(value.substr(0, longestValue)).append("\n");
         if (code == 0 && value == "EOF") {
             if (!anySection)
-                throw DrawingError("has no section");
-            return lines.read;
+                throw DrawingError(text("has no section"));
+            return groups;
         }
         anySection = anySection || (code == 0 && value == "SECTION");
-        if (isReal(code))
-            checkNumber<double>(value, lines.number);
-        else if (isInteger(code))
-            checkNumber<long long>(value, lines.number);
     }
-    throw DrawingError(anySection ? "ends early: no EOF behind line " + std::to_string(lines.number)
-                                  : "is not a DXF drawing");
-}
-
-} // namespace
-
-std::string readDxfText(const std::string &path)
-{
-    if (std::filesystem::is_directory(path))
-        throw DrawingError("is a directory");
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw DrawingError(std::strerror(errno));
-    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad())
-        throw DrawingError("can't be read");
-    if (text.empty())
-        throw DrawingError("is empty");
-    if (text.compare(0, binaryMark.size(), binaryMark) == 0)
-        throw DrawingError("is a binary DXF drawing; save it as a text DXF");
-    text.resize(checkGroups(text));
-    return text;
+    throw DrawingError(anySection ? textOf("ends early: no EOF behind line %d", lines.number)
+                                  : text("is not a DXF drawing"));
 }

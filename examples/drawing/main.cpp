@@ -1,25 +1,53 @@
 // kartory-drawing: reads a DXF drawing with the library's lists and memory, and reports on it.
+#include "console.h"
 #include "dxfreader.h"
 #include "dxftext.h"
-#include "inventory.h"
-
-#include <CLI/CLI.hpp>
+#include "operation.h"
+#include "options.h"
+#include "report.h"
+#include "savefile.h"
+#include "svg.h"
 
 #include <iostream>
 #include <string>
 
 namespace {
 
-constexpr int unreadable = 2; // exit status for a drawing that can't be read
+// Exit statuses.
+constexpr int unreadable = 2; // a drawing that can't be read
+constexpr int unwritable = 3; // a file that can't be written
+constexpr int stopped = 130;  // as a shell tells of Ctrl-C
 
-int run(const std::string &path)
+// Each step leaves at once what is done where a break was asked for.
+void work(const Options &options, Results &results, karFilter &filter)
 {
-    Drawing drawing;
-    readDxf(path, drawing);
-    drawing.entities.sort();
-    std::cout << path << '\n';
-    printInventory(std::cout, drawing);
-    printMemory(std::cout);
+    infoText(1, text("Reading %s"), options.path.c_str());
+    readDxf(options.path, results.drawing, filter);
+    infoText(1, text("%d entities read"), results.drawing.entities.ListAnzahl());
+    {
+        Phase phase(filter, 25, 30, "sorting");
+        if (phase.next(0))
+            results.drawing.entities.sort();
+    }
+    results.picture = place(results.drawing, options.transformation, filter);
+    results.measures = measure(results.picture, filter);
+}
+
+int run(const Options &options, Console &console)
+{
+    TerminalCtrl ctrl(console);
+    karFilter filter(&ctrl);
+    new FiguresTask(console);
+    Results results;
+    results.path = options.path;
+    work(options, results, filter);
+    console.clearBar();
+    tellFindings(filter);
+    printReport(std::cout, results);
+    if (filter.getBreak() != BreakNone)
+        return stopped; // and no file is written
+    if (!options.svg.empty())
+        saveWhole(options.svg, toSvg(results.picture, results.measures.whole, {}));
     return 0;
 }
 
@@ -27,15 +55,21 @@ int run(const std::string &path)
 
 int main(int argc, char **argv)
 {
-    CLI::App app("Reads a DXF drawing and reports what it holds.", "kartory-drawing");
-    std::string path;
-    app.add_option("FILE", path, "DXF drawing, text form")->required();
-    CLI11_PARSE(app, argc, argv);
-
+    Options options;
+    if (const auto status = readOptions(argc, argv, options))
+        return *status;
+    Console console(options.loudness, chooseLanguage(options.language));
     try {
-        return run(path);
+        return run(options, console);
     } catch (const DrawingError &error) {
-        std::cerr << "kartory-drawing: " << path << ": " << error.what() << '\n';
+        errorText(0, "%s: %s", options.path.c_str(), error.what());
         return unreadable;
+    } catch (const std::bad_alloc &) {
+        errorText(0, "%s: %s", options.path.c_str(), static_cast<const char *>(text("is too large for the memory")));
+        return unreadable;
+    } catch (const OutputError &error) {
+        console.clearBar();
+        errorText(0, "%s", error.what());
+        return unwritable;
     }
 }

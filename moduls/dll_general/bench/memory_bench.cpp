@@ -133,7 +133,8 @@ int main(int argc, char **argv)
             addChurn("Pages/random", allocator, nullptr, replaceAny, 992, 992, count, 2000000);
     for (const Allocator &allocator : allocators)
         for (const std::size_t count : {1000u, 10000u, 60000u})
-            addChurn("Tracked/random", allocator, "guards at both ends", replaceAny, 1024, 65536, count, 200000);
+            addChurn("Tracked/random", allocator, "the C library's heap below, guards at both ends", replaceAny, 1024,
+                     65536, count, 200000);
     for (const Allocator &allocator : allocators)
         benchmark::RegisterBenchmark(rowOf("Alternating", 1, allocator).c_str(), [=](benchmark::State &state) {
             alternate(state, allocator);

@@ -123,7 +123,8 @@ protected:
             return nullptr;
         // The address may lie outside of the array, where pointer arithmetic is not defined.
         const auto offset = static_cast<std::uintptr_t>(index(r, c)) * sizeof(double);
-        return reinterpret_cast<double *>(reinterpret_cast<std::uintptr_t>(data) + offset);
+        const auto address = reinterpret_cast<std::uintptr_t>(data) + offset;
+        return reinterpret_cast<double *>(address); // NOLINT(performance-no-int-to-ptr)
     }
     /// Frees the array; with positive sizes a new one is filled with 0.
     void _InitData();

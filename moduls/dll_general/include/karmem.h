@@ -29,7 +29,8 @@ struct PageState {
     PageState(const PageState &other) : reciprocal(other.reciprocal) {}
     PageState &operator=(const PageState &other)
     {
-        reciprocal = other.reciprocal;
+        if (this != &other)
+            reciprocal = other.reciprocal;
         return *this;
     }
 
@@ -48,9 +49,10 @@ struct PageState {
 struct PoolState {
     PoolState() = default;
     PoolState(const PoolState &) {}
-    PoolState &operator=(const PoolState &)
+    PoolState &operator=(const PoolState &other)
     {
-        index = nullptr;
+        if (this != &other)
+            index = nullptr;
         return *this;
     }
 

@@ -156,6 +156,37 @@ public:
     int operator>=(const char *text) const { return compare(text) >= 0; }
     int operator==(const char *text) const { return compare(text) == 0; }
     int operator!=(const char *text) const { return compare(text) != 0; }
+    // A plain text that isn't const would fit a comparison of addresses as well.
+    template <class Char, class = std::enable_if_t<std::is_same<Char, char>::value>>
+    int operator<(Char *text) const
+    {
+        return compare(text) < 0;
+    }
+    template <class Char, class = std::enable_if_t<std::is_same<Char, char>::value>>
+    int operator>(Char *text) const
+    {
+        return compare(text) > 0;
+    }
+    template <class Char, class = std::enable_if_t<std::is_same<Char, char>::value>>
+    int operator<=(Char *text) const
+    {
+        return compare(text) <= 0;
+    }
+    template <class Char, class = std::enable_if_t<std::is_same<Char, char>::value>>
+    int operator>=(Char *text) const
+    {
+        return compare(text) >= 0;
+    }
+    template <class Char, class = std::enable_if_t<std::is_same<Char, char>::value>>
+    int operator==(Char *text) const
+    {
+        return compare(text) == 0;
+    }
+    template <class Char, class = std::enable_if_t<std::is_same<Char, char>::value>>
+    int operator!=(Char *text) const
+    {
+        return compare(text) != 0;
+    }
     /// \}
 
     /// \name Concatenation
@@ -280,17 +311,19 @@ private:
         return static_cast<unsigned long long>(i) > 0xffffffffu ? 0xffffffffu : static_cast<unsigned>(i);
     }
 
+    // A text without terminator or buffer is told by the last byte that the comparison may have read.
     int compare(const char *text) const
     {
-        if (!buffer || buffer[bufferSize - 1])
-            return compareBounded(text, std::strlen(text));
-        return std::strcmp(buffer, text);
+        const int order = buffer ? std::strncmp(buffer, text, bufferSize) : 0;
+        return order || (buffer && !buffer[bufferSize - 1]) ? order : compareBounded(text, std::strlen(text));
     }
     int compare(const karString &other) const
     {
-        if (!buffer || buffer[bufferSize - 1] || !other.buffer || other.buffer[other.bufferSize - 1])
+        if (!buffer || !other.buffer)
             return compareBounded(other.text(), other.measured());
-        return std::strcmp(buffer, other.buffer);
+        const unsigned size = bufferSize < other.bufferSize ? bufferSize : other.bufferSize;
+        const int order = std::strncmp(buffer, other.buffer, size);
+        return order || !buffer[size - 1] ? order : compareBounded(other.buffer, other.measured());
     }
 
     karString(const karString &left, const char *right, std::size_t rightCount);

@@ -19,7 +19,8 @@ public:
     std::size_t size() const { return count; }
 
     /// Adds an entry behind those of the same key. False, with nothing changed, if there is no memory for it.
-    bool insert(const Entry &entry)
+    /// Inlined, so that an entry is never written to memory in parts and read as a whole right after.
+    [[gnu::always_inline]] inline bool insert(const Entry &entry)
     {
         if (2 * (count + 1) > capacity() && !resize(capacity() ? 2 * capacity() : smallestCapacity) &&
             count + 1 >= capacity())
@@ -84,7 +85,7 @@ private:
             return static_cast<std::size_t>((key * 0x9e3779b9u) >> shift);
     }
 
-    void place(const Entry &entry)
+    [[gnu::always_inline]] inline void place(const Entry &entry)
     {
         std::size_t i = home(entry.key);
         while (slots[i].key)
@@ -92,7 +93,7 @@ private:
         slots[i] = entry;
     }
 
-    bool resize(std::size_t newCapacity)
+    [[gnu::noinline]] bool resize(std::size_t newCapacity)
     {
         Entry *const fresh = static_cast<Entry *>(std::calloc(newCapacity, sizeof(Entry)));
         if (!fresh)

@@ -2,6 +2,7 @@
 
 #include "karmemgb.h"
 #include "karpool.h"
+#include "karstdio.h"
 
 #include <cstring>
 
@@ -60,7 +61,9 @@ void *karBasisPage::checkElement(void *p)
 
 void *karBasisPage::element_X(void *base, int i)
 {
-    const std::intptr_t index = i; // unsigned arithmetic wraps where the product leaves the address space
+    // As a number: the result may lie outside the storage, and unsigned arithmetic wraps.
+    const std::intptr_t index = i;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<void *>(addressOf(base) +
                                     static_cast<std::uintptr_t>(index) * static_cast<std::uintptr_t>(elementFullSize_));
 }
@@ -397,6 +400,8 @@ int karMemory_Entry::ListObjectOk() { return 1; }
 
 karMemory_Entry &karMemory_Entry::operator=(const karMemory_Entry &other)
 {
+    if (this == &other)
+        return *this;
     karListTyped::operator=(other);
     hentry(other.hentry_);
     hsize_ = other.hsize_;
@@ -507,6 +512,10 @@ void karMemory::dxdelete(void **p)
 {
     karMemory_Entry *const record = memoryEntries ? search_memory_entry(*p) : nullptr;
     if (!record) {
+        if (memoryEntries) {
+            debugErrorText(0, "%s(%d)", "moduls/dll_general/src/karmem", __LINE__);
+            debugErrorText(0, "Speichereintrag nicht gefunden! (karMemory :: dxdelete)");
+        }
         *p = nullptr;
         return;
     }

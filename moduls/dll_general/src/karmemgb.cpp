@@ -1,6 +1,8 @@
 #include "karmemgb.h"
 
 #include "karpool.h"
+#include "karstdio.h"
+#include "karsystem.h"
 #include "platform.h"
 
 #include <cstring>
@@ -49,6 +51,7 @@ void *allocateHeapBlock(unsigned size, unsigned shift)
 
 void releaseHeapBlock(HeapBlock *block)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the table has its keys as numbers
     void *const start = reinterpret_cast<void *>(block->key - block->lead);
     liveBlocks.erase(block);
     kar::platform::heapRelease(start);
@@ -104,6 +107,11 @@ void *guarded(char *block, unsigned total)
     writeGuard(block, total);
     writeGuard(block + total - guardSize, total);
     return block + guardSize;
+}
+
+void reportWrongSize()
+{
+    debugErrorText(0, "Falsche Elementgröße kein Speicher zugewiesen in karGlobalMemory :: deleteMem");
 }
 
 unsigned requestedTotal = 0; // every request plus 8, wrapping; nothing reads it
@@ -192,12 +200,11 @@ void karGlobalMemory::deleteFromHeap(void *p, unsigned header)
     char *const block = static_cast<char *>(p) - guardSize;
     const bool large = header > largestPoolBlock && header <= 0x7fffffffu; // compared as a signed value
     if (markMemListGlobal != 0) {
-        if (!large)
-            return; // no class takes the header
-        void *known = p;
-        memory.dxdelete(&known);
+        void *known = large ? p : nullptr;
+        if (large)
+            memory.dxdelete(&known);
         if (!known)
-            return;
+            return reportWrongSize();
     }
     HeapBlock *const heapBlock = findHeapBlock(block);
     if (heapBlock && heapBlock->size == header && header >= 2 * guardSize &&
@@ -209,8 +216,9 @@ void karGlobalMemory::deleteFromHeap(void *p, unsigned header)
         curAnzNew = kar::addLong(curAnzNew, 0ul - 1);
         return;
     }
-    if (header <= largestPoolBlock)
-        PoolAccess::give(pools[poolOf[header]], block - blockShift);
+    if (header > largestPoolBlock)
+        return reportWrongSize();
+    PoolAccess::give(pools[poolOf[header]], block - blockShift);
 }
 
 bool karGlobalMemory::knows(void *p)
@@ -267,8 +275,10 @@ void *KarAllocMemory(unsigned size, char *, int)
         return nullptr;
     if (!globalMemList) {
         void *const place = __AllocMemory(sizeof(karGlobalMemory));
-        if (!place)
+        if (!place) {
+            _notready("SR: not ready info : Memory", "moduls/dll_general/src/karmemgb", __LINE__);
             return nullptr;
+        }
         globalMemList = ::new (place) karGlobalMemory;
     }
     return globalMemList->newMem(size);

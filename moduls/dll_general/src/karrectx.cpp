@@ -19,8 +19,9 @@ bool between(int value, int limit, int otherLimit)
 int roundAway(double v) { return v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5); }
 
 // Takes most full turns off a large angle >= 0 with the result of taking them off one by one, each difference rounded.
-// Within a power of two all angles are multiples of one unit, so each step takes the same number of units off, and
-// what is left after several steps is exact. Below 1024 the steps are few, and there a tie may round either way.
+// Between two powers of two all angles are multiples of one unit, so each step takes the same number of units off, and
+// what is left after several steps is exact. The last step above the lower power is left for itself: its difference may
+// lie below, where the unit is smaller. Below 1024 the steps are few, and there a tie may round either way.
 double withoutManyTurns(double angle)
 {
     while (angle >= 1024) {

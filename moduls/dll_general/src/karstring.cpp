@@ -132,7 +132,8 @@ karString::karString(long value, int radix) : karString(kar::toSigned(static_cas
 karString::karString(double value, int decimals, bool stripZeros)
 {
     kar::text::FixedText text;
-    kar::text::writeFixed(value, decimals, stripZeros, text);
+    using Style = kar::text::FixedStyle;
+    kar::text::writeFixed(value, decimals, stripZeros ? Style::stripped : Style::published, text);
     const std::uint64_t total = std::uint64_t{text.length} + text.zeros;
     cachedLength = static_cast<unsigned>(total);
     obtainText(text.begin, text.length, total + 1);

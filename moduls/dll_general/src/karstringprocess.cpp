@@ -1,4 +1,5 @@
 // The processing operations of karString: formatting, parsing, trimming, mapping, searching by index.
+#include "formattext.h"
 #include "karnumeric.h"
 #include "karstring.h"
 #include "numbertext.h"
@@ -216,7 +217,9 @@ int karString::format(const char *fmt, ...)
     // Printed apart, as format and arguments may lie in this very text.
     char work[512];
     char *printed = work;
-    const int result = print(work, sizeof work, fmt, arguments);
+    int result = kar::text::writeUsualFormat(work, sizeof work, fmt, arguments);
+    if (result < 0)
+        result = print(work, sizeof work, fmt, arguments);
     const auto count = static_cast<unsigned>(result < 0 ? 0 : result);
     if (count >= sizeof work) {
         printed = static_cast<char *>(KarAllocMemory(count + 1));
@@ -539,10 +542,21 @@ karString karString::karstrtok(const char *delimiters)
     const unsigned i = found < 0 ? count : static_cast<unsigned>(found);
     token.ncopy(text(), i);
     if (i < count && i < bufferSize) {
-        // What follows, behind a NUL in the text too, up to the next one.
+        // What follows moves to the start, behind a NUL in the text too, up to the next one. In pieces that the cache
+        // still holds from the search when they are moved.
+        constexpr unsigned piece = 16384;
         const char *const rest = buffer + i + 1;
-        const std::size_t restLength = boundedLength(rest, bufferSize - i - 1);
-        assignBounded(rest, restLength, restLength, true);
+        const unsigned room = bufferSize - i - 1;
+        unsigned moved = 0;
+        for (bool ended = false; !ended && moved < room;) {
+            const unsigned next = std::min(piece, room - moved);
+            const auto part = static_cast<unsigned>(boundedLength(rest + moved, next));
+            std::memmove(buffer + moved, rest + moved, part);
+            moved += part;
+            ended = part < next;
+        }
+        buffer[moved] = '\0';
+        cachedLength = moved;
     } else {
         cut(0);
     }

@@ -120,6 +120,8 @@ public:
         return digit;
     }
 
+    bool nothingFollows() const { return smallBits <= smallLimit ? small == 0 : current == 0 && lowest == count; }
+
 private:
     static constexpr unsigned smallLimit = 60; // ten times the fraction stays within 64 bits
     static constexpr std::uint32_t powers[chunkDigits] = {1,      10,      100,      1000,     10000,
@@ -196,7 +198,17 @@ unsigned writeInteger(int value, int radix, char *out)
     return length;
 }
 
-void writeFixed(double value, int places, bool strip, FixedText &out)
+unsigned writeDecimal(unsigned long long value, char *out)
+{
+    char work[20];
+    char *const end = work + sizeof work;
+    const char *const begin = writeBackwards(value, end);
+    const auto length = static_cast<unsigned>(end - begin);
+    std::memcpy(out, begin, length);
+    return length;
+}
+
+void writeFixed(double value, int places, FixedStyle style, FixedText &out)
 {
     std::uint64_t pattern;
     std::memcpy(&pattern, &value, sizeof pattern);
@@ -230,12 +242,7 @@ void writeFixed(double value, int places, bool strip, FixedText &out)
         }
     }
     if (exponent <= 11 || !mantissa) { // 53 + 11 bits
-        char work[20];
-        char *const workEnd = work + sizeof work;
-        const char *const first = writeBackwards(mantissa && exponent > 0 ? whole << exponent : whole, workEnd);
-        const auto count = static_cast<std::size_t>(workEnd - first);
-        std::memcpy(end, first, count);
-        end += count;
+        end += writeDecimal(mantissa && exponent > 0 ? whole << exponent : whole, end);
     } else {
         end += writeLargeInteger(mantissa, static_cast<unsigned>(exponent), end);
     }
@@ -258,15 +265,18 @@ void writeFixed(double value, int places, bool strip, FixedText &out)
             *end++ = static_cast<char>('0' + digit);
         }
         unsigned following = digits.next();
-        if (following >= 5) { // the exact digits: the rest is a half or more
+        bool up = following >= 5; // of exact digits: the rest is a half or more
+        if (style == FixedStyle::printed && following == 5 && digits.nothingFollows())
+            up = (wantedPlaces ? end[-1] : end[-2]) & 1; // to the even digit
+        if (up) {
             begin = roundUp(begin, end);
-        } else if (!seen) { // vanished: it keeps the zeros before its first digit
+        } else if (!seen && style != FixedStyle::printed) { // vanished: it keeps the zeros before its first digit
             for (; following == 0; following = digits.next())
                 *end++ = '0';
         }
     }
 
-    if (strip) {
+    if (style == FixedStyle::stripped) {
         out.zeros = 0;
         while (end[-1] == '0')
             --end;

@@ -11,6 +11,9 @@ constexpr unsigned integerRoom = 33;
 /// A sign stands in radix 10 alone; in every other one the 32 bits count as an unsigned number. Another radix gives 0.
 unsigned writeInteger(int value, int radix, char *out);
 
+/// Writes the digits of `value` (at most 20) and gives their count.
+unsigned writeDecimal(unsigned long long value, char *out);
+
 /// The text of a real number with a fixed count of places: `length` characters at `begin`, then `zeros` times "0".
 struct FixedText {
     /// 309 digits before the point, or 16 and then at most 1074 behind it; a sign, the point, and a digit of carry.
@@ -20,10 +23,16 @@ struct FixedText {
     unsigned zeros;
 };
 
-/// The exact binary value rounded half away from zero to `places` (negative ones count as 0). The point is always
-/// there; `strip` takes the zeros behind it away, and then the point if it is last. A value that isn't zero and
-/// vanishes has as many zeros behind the point as its exact value has before its first digit.
-void writeFixed(double value, int places, bool strip, FixedText &out);
+enum class FixedStyle {
+    /// Rounds half away from zero. A value that isn't zero and vanishes has as many zeros behind the point as its exact
+    /// value has before its first digit.
+    published,
+    stripped, ///< The same without the zeros behind the point, and without the point if it is last then.
+    printed,  ///< As `printf`: rounds half to even, and has so many places always.
+};
+
+/// The exact binary value rounded to `places` (negative ones count as 0). There is a point even before no places.
+void writeFixed(double value, int places, FixedStyle style, FixedText &out);
 
 /// Reads "-", digits and a point from the start of a text of these characters, correctly rounded; 0.0 if there is no
 /// number, an infinity beyond the range. Leaves `errno` alone.

@@ -275,7 +275,7 @@ TEST(KarListObjectNV, RandomStepsKeepAWellFormedChain)
             element->append(nullptr);
             model.push_back(element);
         } else {
-            const auto other = model.begin() + random.below(static_cast<unsigned>(model.size()));
+            const auto other = model.begin() + random.between(0, static_cast<int>(model.size()) - 1);
             switch (random.below(3)) {
             case 0:
                 element->append(*other);

@@ -66,6 +66,15 @@ public:
         return false;
     }
 
+    /// Whether a page holds the address without an element that starts there.
+    bool isInsideAnElement(std::uintptr_t p) const
+    {
+        for (const Page &page : pages)
+            if (p >= page.start && p < page.start + stride * static_cast<unsigned>(perPage))
+                return (p - page.start) % stride != 0;
+        return false;
+    }
+
     /// Compares an address with the place that the model hands out.
     ::testing::AssertionResult matches(const Place &place, std::uintptr_t p)
     {
@@ -149,8 +158,8 @@ void runPool(std::uint64_t seed, int size, int perPage, int steps, unsigned most
         const unsigned action = random.below(100);
         if (errors && action < 3 && !gone.empty()) { // a second release, or one after the page has gone
             void *const address = gone[random.below(static_cast<unsigned>(gone.size()))];
-            if (std::find(live.begin(), live.end(), address) != live.end())
-                continue; // in use again
+            if (std::find(live.begin(), live.end(), address) != live.end() || plain.isInsideAnElement(at(address)))
+                continue; // in use again, or in a later page at the same place
             void *p = address;
             const bool known = plain.give(at(p));
             pool.deleteElement(p);

@@ -20,7 +20,7 @@ unsigned footerSeen = 1;
 
 } // namespace
 
-extern "C" void free(void *p)
+extern "C" __attribute__((visibility("default"))) void free(void *p)
 {
     // The system's block may begin a little before ours.
     const char *const start = static_cast<const char *>(p);

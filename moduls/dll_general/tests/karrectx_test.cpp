@@ -197,7 +197,7 @@ TEST(KarRectX, NormLageTakesFullTurnsOffOneByOne)
     EXPECT_EQ(normalisedAngle(13.0), 13.0 - fullTurn - fullTurn);
 }
 
-// The loops as they stand, on angles that leave them many turns, at every power of two that can be walked through.
+// The loops as they stand, on angles that leave them few enough turns.
 TEST(KarRectX, NormLageOfLargeAnglesEqualsTurnByTurn)
 {
     const auto plain = [](double angle) {
@@ -220,6 +220,27 @@ TEST(KarRectX, NormLageOfLargeAnglesEqualsTurnByTurn)
         }
     const double beside = std::nextafter(1048576.0, 0.0);
     EXPECT_EQ(normalisedAngle(beside), plain(beside));
+}
+
+// Taking one turn off an angle of any size changes nothing, above, across and below each power of two, where the
+// rounding of the difference changes.
+TEST(KarRectX, NormLageOfHugeAnglesStaysTheSameTurnByTurn)
+{
+    TestRandom random(1035);
+    for (int exponent = 3; exponent <= 56; ++exponent)
+        for (int i = 0; i < 20; ++i) {
+            const double power = std::ldexp(1.0, exponent);
+            double angle = i < 10 ? power + random.between(0.0, 60.0) : power * random.between(1.0, 2.0);
+            if (exponent == 56)
+                angle = power;
+            const double normal = normalisedAngle(angle);
+            const double negative = normalisedAngle(-angle);
+            for (int step = 0; step < 20 && angle >= fullTurn; ++step) {
+                angle = angle - fullTurn;
+                ASSERT_EQ(normalisedAngle(angle), normal) << "2^" << exponent << ", " << i << ", step " << step;
+                ASSERT_EQ(normalisedAngle(-angle), negative) << "-2^" << exponent << ", " << i << ", step " << step;
+            }
+        }
 }
 
 // From 2^54 on an angle is a multiple of 4 or 8, and a full turn takes 8 off. From 2^56 + 16 on it takes nothing.

@@ -1,8 +1,11 @@
 // Formatting, trimming, mapping, searching and taking texts apart.
 // Not tested: the size that a format of more than 4 GB asks for.
 #include "support/textprobe.h"
+#include "testrandom.h"
 
 #include <climits>
+#include <clocale>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -12,9 +15,11 @@
 #include <string>
 #include <vector>
 
-namespace {
+#if defined(__GNUC__)
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // formats made at random
+#endif
 
-constexpr unsigned mark = 0xFFFF;
+namespace {
 
 karString countedNul() // "xab" and three NULs in the cached length of 6
 {
@@ -191,6 +196,91 @@ TEST(KarString, FormatThatFailsLeavesTheEmptyText)
     if (result < 0) {
         EXPECT_TRUE(hasState(s, "", 0, 16));
     }
+}
+
+TEST(KarString, FormatsAsTheCLibraryDoes)
+{
+    const std::uint64_t seed = 20265;
+    TestRandom random(seed);
+    for (int step = 0; step < 40000; ++step) {
+        std::string format = "<%";
+        for (unsigned flags = random.below(4); flags > 0; --flags)
+            format += "-+ 0#"[random.below(5)];
+        if (random.below(2))
+            format += std::to_string(random.below(45));
+        const bool hasPrecision = random.below(2);
+        if (hasPrecision)
+            format += '.' + (random.below(5) ? std::to_string(random.below(25)) : std::string());
+        const int whole = random.below(2) ? random.anyInt() : random.between(-100, 100);
+        double real = random.between(-1000.0, 1000.0);
+        if (random.below(3) == 0)
+            real = std::ldexp(random.between(-4000, 4000), -random.between(0, 12)); // ties
+        else if (random.below(3) == 0)
+            real = std::ldexp(real, random.between(-60, 120));
+        const std::string text(random.below(30), 'x');
+        karString s;
+        char expected[400];
+        const auto check = [&](auto argument) {
+            format += "> %% %d";
+            const int length = std::snprintf(expected, sizeof expected, format.c_str(), argument, step);
+            const int result = s.format(format.c_str(), argument, step);
+            return result == length && s == expected && s.length() == std::strlen(expected);
+        };
+        bool same = false;
+        switch (random.below(9)) {
+        case 0:
+            format += 'd';
+            same = check(whole);
+            break;
+        case 1:
+            format += "li";
+            same = check(static_cast<long>(whole));
+            break;
+        case 2:
+            format += 'u';
+            same = check(static_cast<unsigned>(whole));
+            break;
+        case 3:
+            format += 'x';
+            same = check(static_cast<unsigned>(whole));
+            break;
+        case 4:
+            format += "lx";
+            same = check(static_cast<unsigned long>(whole));
+            break;
+        case 5:
+            format += 's';
+            same = check(text.c_str());
+            break;
+        case 6:
+            format += 'e';
+            same = check(real);
+            break;
+        case 7:
+            format += "lf";
+            same = check(real);
+            break;
+        default:
+            format += 'f';
+            same = check(real);
+            break;
+        }
+        ASSERT_TRUE(same) << "seed " << seed << ", step " << step << ", format " << format << ": "
+                          << TextProbe::bytes(s) << " is not " << expected;
+    }
+}
+
+TEST(KarString, FormatWritesThePointOfTheLocale)
+{
+    for (const char *name : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"})
+        if (std::setlocale(LC_NUMERIC, name))
+            break;
+    char expected[32];
+    std::snprintf(expected, sizeof expected, "%7.2f|%.0f", -1.5, 2.5);
+    karString s;
+    s.format("%7.2f|%.0f", -1.5, 2.5);
+    EXPECT_EQ(s == expected, 1);
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST(KarString, FormatReadsItsOwnText)

@@ -675,6 +675,19 @@ TEST(KarString, ComparesByteByByteAsUnsigned)
     }
 }
 
+TEST(KarString, ComparesWithATextThatMayBeWrittenTo)
+{
+    karString s("b");
+    char other[] = "a";
+    EXPECT_EQ(s < other, 0);
+    EXPECT_EQ(s > other, 1);
+    EXPECT_EQ(s <= other, 0);
+    EXPECT_EQ(s >= other, 1);
+    EXPECT_EQ(s == other, 0);
+    EXPECT_EQ(s != other, 1);
+    EXPECT_EQ(TextProbe::cached(s), 1u);
+}
+
 TEST(KarString, ComparesUpToTheFirstNulWhateverTheCacheSays)
 {
     EXPECT_EQ(countedNul() == "ab", 1);

@@ -3,6 +3,7 @@
 #include "support/textprobe.h"
 #include "testrandom.h"
 
+#include <cstddef>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -232,7 +233,7 @@ TEST(KarStringListHead, RandomOperationsFollowAPlainList)
     TestRandom random(seed);
     karStringListHead head;
     std::vector<std::string> plain;
-    for (int step = 0; step < 50000; ++step) {
+    for (int step = 0; step < 20000; ++step) {
         const auto count = static_cast<unsigned>(plain.size());
         const unsigned at = count ? random.below(count) : 0;
         karStringList *element = head.ListFirst();
@@ -246,7 +247,7 @@ TEST(KarStringListHead, RandomOperationsFollowAPlainList)
             break;
         case 1:
             head.ListInsert(new karStringList(word.c_str()), element);
-            plain.insert(plain.begin() + (count ? at + 1 : 0), word);
+            plain.insert(plain.begin() + static_cast<std::ptrdiff_t>(count ? at + 1 : 0), word);
             break;
         case 2:
             if (element) {
@@ -257,7 +258,7 @@ TEST(KarStringListHead, RandomOperationsFollowAPlainList)
         case 3:
             if (element) {
                 head.ListRemove(element);
-                plain.erase(plain.begin() + at);
+                plain.erase(plain.begin() + static_cast<std::ptrdiff_t>(at));
             }
             break;
         default:

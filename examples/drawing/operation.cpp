@@ -1,0 +1,111 @@
+#include "operation.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <map>
+
+#include <signal.h>
+
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+extern "C" void noteInterrupt(int) { interrupted = 1; }
+
+} // namespace
+
+TerminalCtrl::TerminalCtrl(Console &ownConsole) : console(ownConsole)
+{
+    if (const char *element = std::getenv("KARTORY_DRAWING_BREAK_AT"))
+        breakAt = std::strtol(element, nullptr, 10);
+    struct sigaction action = {};
+    action.sa_handler = noteInterrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND); // the second Ctrl-C finds the usual action
+    sigaction(SIGINT, &action, nullptr);
+}
+
+TerminalCtrl::~TerminalCtrl() { std::signal(SIGINT, SIG_DFL); }
+
+bool TerminalCtrl::isBreak()
+{
+    if (++asked == breakAt)
+        std::raise(SIGINT);
+    if (interrupted) {
+        interrupted = 0;
+        SetBreak();
+    }
+    console.turn(*this);
+    return karCtrl::isBreak();
+}
+
+Phase::Phase(karFilter &operation, int start, int end, const char *ownName) : filter(operation), name(ownName)
+{
+    statusText("%s", static_cast<const char *>(text(name)));
+    filter.setPercentStartEnd(start, end);
+    filter.addPercentLayer();
+}
+
+Phase::~Phase() { filter.removePercentLayer(); }
+
+bool Phase::next(double fraction)
+{
+    const bool known = filter.getBreak() == BreakSeen;
+    if (filter.isBreak()) {
+        if (!known)
+            FindingMaker(filter, FindingStopped, 2) << text(name) << done;
+        return false;
+    }
+    filter.setPercent(static_cast<int>(fraction * 100));
+    ++done;
+    return true;
+}
+
+karString describe(const karMessageBase &finding)
+{
+    const auto textAt = [&finding](int index) {
+        const karDataBase *value = finding.getParam(index);
+        return value ? value->getText() : karString();
+    };
+    const auto numberAt = [&finding](int index) {
+        const karDataBase *value = finding.getParam(index);
+        return value ? value->getInteger() : 0;
+    };
+    switch (static_cast<int>(finding.getMessageID())) {
+    case FindingStopped:
+        return textOf("stopped on request while %s, %d elements done", static_cast<const char *>(textAt(0)),
+                      numberAt(1));
+    case FindingLeftOut:
+        return textOf("%s is left out: %s", static_cast<const char *>(textAt(0)), static_cast<const char *>(textAt(1)));
+    case FindingMissingBlock:
+        return textOf("block \"%s\" is not there", static_cast<const char *>(textAt(0)));
+    default:
+        return karString();
+    }
+}
+
+void tellFindings(karFilter &filter)
+{
+    constexpr int told = 10; // of each kind
+    std::map<int, int> counts;
+    for (karMessageLBase *element = filter.getMessageList()->ListFirst(); element; element = element->next()) {
+        const karMessageBase &finding = *element->getMessage();
+        if (++counts[finding.getMessageID()] <= told)
+            warningText(0, "%s", static_cast<const char *>(describe(finding)));
+    }
+    for (const auto &[id, count] : counts)
+        if (count > told)
+            warningText(0, text("%d more warnings like these"), count - told);
+}
+
+FiguresTask::FiguresTask(Console &ownConsole) : console(ownConsole), start(std::time(nullptr)) {}
+
+int FiguresTask::step()
+{
+    constexpr int goOn = 1;
+    constexpr long kilobyte = 1024;
+    console.setFigures(textOf("%ld s, %ld KB", static_cast<long>(std::time(nullptr) - start),
+                              globalMemList->getCurSizeNew() / kilobyte));
+    suspend(1);
+    return goOn;
+}

@@ -1,0 +1,24 @@
+// The command line.
+#ifndef OPTIONS_H
+#define OPTIONS_H
+
+#include "console.h"
+
+#include <krkgeneral.h>
+
+#include <optional>
+#include <string>
+
+struct Options {
+    std::string path;
+    std::string language; ///< "en", "de", or empty for that of the environment
+    Loudness loudness = Loudness::Usual;
+    karTransformationInfo transformation;
+    std::string svg; ///< files to write; empty for none, "-" for standard output
+};
+
+/// Reads the command line. What it gives is the exit status of a program that is done already: after `--help`, and with an
+/// option that can't be read, which it has told then.
+std::optional<int> readOptions(int argc, char **argv, Options &options);
+
+#endif

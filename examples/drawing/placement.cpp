@@ -1,0 +1,35 @@
+#include "placement.h"
+
+namespace {
+
+kar3D_Point axis(const kar3DVector &v) { return kar3D_Point(v.GetX(), v.GetY(), v.GetZ()); }
+
+} // namespace
+
+Placement Placement::ofExtrusion(const kar3DVector &extrusion)
+{
+    // The rule compares the direction as it is, so it is brought to unit length first.
+    const kar3DVector normal(extrusion.GetX(), extrusion.GetY(), extrusion.GetZ(), true);
+    Placement result;
+    if (normal.GetDistance() < 0.5)
+        return result;
+    const kar3DVector x = GetOCSVectorAxisX(normal);
+    result.x = axis(x);
+    result.y = axis(GetOCSVectorAxisY(normal, x));
+    result.z = axis(normal);
+    return result;
+}
+
+Placement Placement::of(const karTransformationInfo &info)
+{
+    // One after the other: the product of the three matrices turns and scales the translation as well.
+    const auto image = [&info](double x, double y, double z) {
+        return ((kar3D_Point(x, y, z) * info.GetScaleMatrix()) * info.GetRotateMatrix()) * info.GetTranslateMatrix();
+    };
+    Placement result;
+    result.origin = image(0.0, 0.0, 0.0);
+    result.x = image(1.0, 0.0, 0.0) - result.origin;
+    result.y = image(0.0, 1.0, 0.0) - result.origin;
+    result.z = image(0.0, 0.0, 1.0) - result.origin;
+    return result;
+}

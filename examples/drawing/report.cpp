@@ -1,0 +1,134 @@
+#include "report.h"
+
+#include "numbers.h"
+
+#include "texts.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <map>
+#include <ostream>
+#include <string>
+
+namespace {
+
+using Counts = std::array<int, entityKinds>;
+
+void printRow(std::ostream &out, const std::string &layer, const std::string &kind, int count)
+{
+    out << "  " << std::left << std::setw(24) << layer << ' ' << std::setw(16) << kind << std::right << std::setw(9)
+        << count << '\n';
+}
+
+// Counts entities by layer and kind, and the kinds that are only counted by their names.
+class Census : public karFilterIdBase {
+public:
+    Census() : karFilterIdBase(static_cast<karFilterIdBase *>(this), static_cast<FilterMethod>(&Census::count))
+    {
+        setFilterHandler(static_cast<filterObjectID>(EntityOther), this, &Census::countOther);
+    }
+
+    std::map<std::string, Counts> layers;
+    std::map<std::string, int> others;
+
+private:
+    errorCodesKARTORY count(karFilterObject *item)
+    {
+        const auto &entity = static_cast<const Entity &>(*item);
+        ++layers[std::string(entity.attributes.layer)][entity.kind];
+        return KAR_SUCCESS;
+    }
+    errorCodesKARTORY countOther(karFilterObject *item)
+    {
+        ++others[std::string(static_cast<const OtherEntity &>(*item).name)];
+        return count(item);
+    }
+};
+
+void printInventory(std::ostream &out, const Drawing &drawing)
+{
+    Census census;
+    for (Entity *entity = drawing.entities.ListFirst(); entity; entity = entity->next())
+        census.filterObject(entity);
+    int blocks = 0;
+    int inBlocks = 0;
+    for (const Block *block = drawing.firstBlock(); block; block = block->nextBlock()) {
+        ++blocks;
+        inBlocks += block->ListAnzahl();
+    }
+
+    printRow(out, std::string(text("layer")), std::string(text("kind")), drawing.entities.ListAnzahl());
+    for (const auto &[layer, counts] : census.layers)
+        for (int kind = 0; kind < entityKinds; ++kind)
+            if (counts[static_cast<std::size_t>(kind)] != 0)
+                printRow(out, layer, kindName(static_cast<EntityKind>(kind)), counts[static_cast<std::size_t>(kind)]);
+    if (!census.others.empty()) {
+        out << text("Only counted:");
+        for (const auto &[name, count] : census.others)
+            out << ' ' << name << ' ' << count;
+        out << '\n';
+    }
+    if (blocks != 0)
+        out << textOf("Blocks: %d with %d entities", blocks, inBlocks) << '\n';
+}
+
+void printMemory(std::ostream &out)
+{
+    const karGlobalMemory &memory = *globalMemList;
+    out << textOf(
+               "Memory: %ld allocations, %ld heap blocks of %ld bytes now, large blocks %ld bytes now and %ld at most",
+               memory.getAnzNew(), memory.getCurAnzNew(), memory.getCurSizeNew(), memory.curr_used_memory(),
+               memory.max_used_memory())
+        << '\n';
+}
+
+void printLayers(std::ostream &out, const Results &results)
+{
+    if (results.measures.lengths.empty())
+        return;
+    out << text("Layers: colour, length of the curves") << '\n';
+    const int places = placesFor(results.measures.length);
+    for (const auto &[layer, length] : results.measures.lengths)
+        out << "    " << std::left << std::setw(24) << layer << ' ' << std::setw(20)
+            << results.drawing.layerColour(layer.c_str()).name(false) << ' ' << decimal(length, places) << '\n';
+    out << "    " << std::left << std::setw(24) << text("all layers") << ' ' << std::setw(20) << "" << ' '
+        << decimal(results.measures.length, places) << '\n';
+}
+
+void printExtent(std::ostream &out, const std::string &name, const Extent &extent)
+{
+    if (!extent.any)
+        return;
+    const auto corners = [&extent](const karD_Rect &box) {
+        const int places = placesFor(std::max(extent.exact.width(), extent.exact.height()));
+        return "(" + decimal(box.left(), places) + ", " + decimal(box.bottom(), places) + ") (" +
+               decimal(box.right(), places) + ", " + decimal(box.top(), places) + ")";
+    };
+    const karRect grid = extent.grid();
+    out << "    " << std::left << std::setw(10) << name << ' ' << text("exact") << ' ' << corners(extent.exact) << "  "
+        << text("sampled") << ' ' << corners(extent.sampled) << "  " << text("on the grid") << ' ' << grid.left() << ' '
+        << grid.top() << ' ' << grid.right() << ' ' << grid.bottom() << '\n';
+}
+
+void printExtents(std::ostream &out, const Measures &measures)
+{
+    if (!measures.whole.any)
+        return;
+    out << text("Extents: lower left and upper right corner; grid boxes left, top, right, bottom with y downwards")
+        << '\n';
+    for (int kind = 0; kind < entityKinds; ++kind)
+        printExtent(out, kindName(static_cast<EntityKind>(kind)), measures.kinds[static_cast<std::size_t>(kind)]);
+    printExtent(out, std::string(text("whole")), measures.whole);
+}
+
+} // namespace
+
+void printReport(std::ostream &out, const Results &results)
+{
+    out << results.path << '\n';
+    printInventory(out, results.drawing);
+    printLayers(out, results);
+    printExtents(out, results.measures);
+    printMemory(out);
+}

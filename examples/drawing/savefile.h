@@ -1,0 +1,40 @@
+// Output files that are there whole or not at all.
+#ifndef SAVEFILE_H
+#define SAVEFILE_H
+
+#include <stdexcept>
+#include <string>
+
+/// A file that can't be written; `what()` is one line for the user with the file's name.
+class OutputError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A temporary file beside the file that it is to become. It is gone with the object unless it was committed.
+class SaveFile {
+public:
+    /// Throws `OutputError` where the directory can't be written.
+    explicit SaveFile(const std::string &path);
+    SaveFile(const SaveFile &) = delete;
+    SaveFile &operator=(const SaveFile &) = delete;
+    ~SaveFile();
+
+    const std::string &temporary() const { return temporaryPath; }
+    /// Throws `OutputError` if the content doesn't fit.
+    void write(const std::string &content);
+    /// The temporary file takes the place of the file. Throws `OutputError`.
+    void commit();
+
+private:
+    [[noreturn]] void fail(int error) const;
+
+    std::string path;
+    std::string target; // the path, or where a link leads to
+    std::string temporaryPath;
+};
+
+/// Writes all of it. "-" is standard output; a device or a pipe is written to as it is.
+void saveWhole(const std::string &path, const std::string &content);
+
+#endif

@@ -1,0 +1,108 @@
+#include "texts.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+struct Entry {
+    const char *english;
+    const char *german;
+};
+
+constexpr Entry german[] = {
+    {"error", "Fehler"},
+    {"warning", "Warnung"},
+    {"layer", "Layer"},
+    {"kind", "Art"},
+    {"Layers: colour, length of the curves", "Layer: Farbe, Länge der Kurven"},
+    {"all layers", "alle Layer"},
+    {"Extents: lower left and upper right corner; grid boxes left, top, right, bottom with y downwards",
+     "Ausdehnung: Ecke links unten und rechts oben; im Raster links, oben, rechts, unten, y abwärts"},
+    {"exact", "exakt"},
+    {"sampled", "abgetastet"},
+    {"on the grid", "im Raster"},
+    {"whole", "ganz"},
+    {"measuring", "Messen"},
+    {"Only counted:", "Nur gezählt:"},
+    {"Blocks: %d with %d entities", "Blöcke: %d mit %d Elementen"},
+    {"Memory: %ld allocations, %ld heap blocks of %ld bytes now, large blocks %ld bytes now and %ld at most",
+     "Speicher: %ld Anforderungen, jetzt %ld Heapblöcke mit %ld Bytes, große Blöcke jetzt %ld Bytes, höchstens %ld"},
+    {"is a directory", "ist ein Verzeichnis"},
+    {"can't be read", "ist nicht lesbar"},
+    {"is empty", "ist leer"},
+    {"is a binary DXF drawing; save it as a text DXF", "ist eine binäre DXF-Zeichnung; bitte als Text-DXF speichern"},
+    {"is not a DXF drawing", "ist keine DXF-Zeichnung"},
+    {"has no section", "hat keinen Abschnitt"},
+    {"ends early: no EOF behind line %d", "endet zu früh: kein EOF hinter Zeile %d"},
+    {"line %d: \"%s\" is out of range", "Zeile %d: \"%s\" liegt außerhalb des Zahlenbereichs"},
+    {"line %d: \"%s\" is not a number", "Zeile %d: \"%s\" ist keine Zahl"},
+    {"line %d: \"%s\" is not a finite number", "Zeile %d: \"%s\" ist keine endliche Zahl"},
+    {"line %d: \"%s\" is not a group code", "Zeile %d: \"%s\" ist kein Gruppencode"},
+    {"line %d: \"%s\" is no count of what the file holds", "Zeile %d: \"%s\" zählt mehr, als die Datei enthält"},
+    {"is too large for the memory", "ist zu groß für den Speicher"},
+    {"inserts blocks more than %d deep", "fügt Blöcke mehr als %d Ebenen tief ein"},
+    {"block \"%s\" inserts itself", "Block \"%s\" fügt sich selbst ein"},
+    {"Reading %s", "%s wird gelesen"},
+    {"reading", "Lesen"},
+    {"sorting", "Sortieren"},
+    {"placing", "Platzieren"},
+    {"places more than %d entities", "platziert mehr als %d Elemente"},
+    {"%s is left out: %s", "%s entfällt: %s"},
+    {"its radius is not positive", "der Radius ist nicht positiv"},
+    {"its angle is beyond 1e6", "der Winkel liegt über 1e6"},
+    {"it lies too far out", "es liegt zu weit draußen"},
+    {"block \"%s\" is not there", "Block \"%s\" fehlt"},
+    {"stopped on request while %s, %d elements done", "auf Wunsch abgebrochen beim %s, %d Elemente fertig"},
+    {"%d more warnings like these", "%d weitere solche Warnungen"},
+    {"%ld s, %ld KB", "%ld s, %ld KB"},
+    {"%d entities read", "%d Elemente gelesen"},
+};
+
+} // namespace
+
+Language chooseLanguage(const std::string &choice)
+{
+    const char *wanted = choice.c_str();
+    if (choice.empty())
+        wanted = std::getenv("LANG");
+    return wanted && std::strncmp(wanted, "de", 2) == 0 ? Language::German : Language::English;
+}
+
+const char *translated(Language language, const char *english)
+{
+    if (language == Language::German)
+        for (const Entry &entry : german)
+            if (std::strcmp(entry.english, english) == 0)
+                return entry.german;
+    return english;
+}
+
+karString text(const char *english)
+{
+    karString found(english); // stays where no console is installed
+    return LocalizeString("kartory-drawing", english, found, 0);
+}
+
+karString textOf(const char *english, ...)
+{
+    const karString format = text(english);
+    va_list arguments;
+    va_start(arguments, english);
+    const std::string result = expanded(format, arguments);
+    va_end(arguments);
+    return karString(result.c_str());
+}
+
+std::string expanded(const char *format, va_list arguments)
+{
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::string result(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    if (!result.empty())
+        std::vsnprintf(result.data(), result.size() + 1, format, again);
+    va_end(again);
+    return result;
+}

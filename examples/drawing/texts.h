@@ -1,0 +1,30 @@
+// What the program says, in the user's language.
+#ifndef TEXTS_H
+#define TEXTS_H
+
+#include <krkgeneral.h>
+
+#include <cstdarg>
+#include <string>
+
+enum class Language {
+    English,
+    German
+};
+
+/// By `choice` ("en" or "de"), or with an empty choice by the environment (`LANG`). English where neither tells.
+Language chooseLanguage(const std::string &choice);
+
+/// The English text is the key. Gives the text itself where the language has none of its own.
+const char *translated(Language language, const char *english);
+
+/// The text in the language of the console that is installed, by way of the library.
+karString text(const char *english);
+
+/// `text` as a format with its arguments.
+karString textOf(const char *english, ...);
+
+/// A format with its arguments.
+__attribute__((format(printf, 1, 0))) std::string expanded(const char *format, va_list arguments);
+
+#endif
