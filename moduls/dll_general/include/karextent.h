@@ -15,7 +15,8 @@ struct karArrayT {
 
 /// \name Extents
 /// Ellipses are given by centre, semi-axes > 0 and rotation in radians; an arc also by start and end, values of the
-/// parameter, in [0, 2*pi). Coordinates that are not numbers don't move an extent.
+/// parameter, in [0, 2*pi). Coordinates that are not numbers don't move an extent. Formulas are evaluated from left to
+/// right: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r and s = sin r, ((b*b/(a*a))*D)*D with D = x - cx.
 /// \{
 
 /// The box of the points.
@@ -29,7 +30,7 @@ KAR_API karD_Rect CalculateBoundingRect(const karArrayT<karD_Point> &points);
 KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double &a, const double &b,
                                         const double &rotation);
 
-/// The box of an elliptical arc, from its ends and the extremes between them.
+/// The box of an elliptical arc, from its ends and the extremes between them. start >= end passes through 0.
 /// Note: an extreme is looked for at t1 = arctan((b/a)/tan r), t2 = arctan(-(b/a)*tan r), t1 + pi and t2 + pi as they come
 /// out: where t1 or t2 is negative, the same extreme at t + 2*pi isn't found.
 KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double &a, const double &b,

@@ -8,7 +8,11 @@
 /// \name Corners of two lines
 /// Lines are given by two points each and count as unbounded. The pick point (px, py) tells which of the four sectors at
 /// the corner is meant; it must lie off both lines, else the results are not numbers. 0, or -7 with untouched outputs.
+/// Outputs may be the same variables as inputs. Formulas are evaluated from left to right: a foot F is offset by
+/// (radius*v)/n with v = P - F and n = sqrt(v.x*v.x + v.y*v.y).
 /// Note: lines are parallel where their determinant is exactly 0; there is no tolerance.
+/// Note: each point is the solution of a 2x2 system. One that is singular by rounding keeps its right side, which then
+/// stands for the point.
 /// \{
 
 /// The arc of the given radius that touches both lines on the side of the pick point: corner, points of tangency on line

@@ -13,6 +13,9 @@
 /// `limitMask` says which curves are bounded: bit 1 the first of the call, bit 2 the second; a curve whose bit is clear
 /// counts as unbounded. The result is the number of points that pass the test of each set bit (tolerance 1e-10).
 ///
+/// An output may be the same variable as an input, which counts with its value on entry. Formulas are evaluated from left
+/// to right, with squares formed first: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r and s = sin r.
+///
 /// Method: the half-angle substitution u = tan(t/2) turns a line and an ellipse into a quadratic, two ellipses into a
 /// quartic, which Bairstow's iteration solves.
 /// \{
@@ -39,14 +42,15 @@ KAR_API int Intersect_Line_Ellipse(const double &x1, const double &y1, const dou
 /// candidate of a horizontal line is (cx - a*cos r, cy + a*sin r), which on a rotated ellipse isn't the point of t = pi.
 /// Note: where the quadratic has no second degree and the first root isn't 0, the point of t = 0 is a second candidate,
 /// whether or not it lies on the line; only the limits keep it out.
-/// Note: a line with coincident end points counts as vertical.
+/// Note: a line with coincident end points counts as vertical, and a vertical line has no candidate at t = pi.
+/// Note: a root that is not a number counts with `limitMask` 0; no limit lets it pass.
 KAR_API int Intersect_Line_EllipticalArc(const double &x1, const double &y1, const double &x2, const double &y2,
                                          const double &cx, const double &cy, const double &a, const double &b,
                                          const double &rotation, const double &start, const double &end,
                                          const int &limitMask, double &p1x, double &p1y, double &p2x, double &p2y);
 
 /// `Intersect_Ellipse_Ellipse` with a = b = radius and rotations 0, and two outputs.
-/// Note: points of the roots 2 and 3 are counted and not seen. A caller who needs them asks for the ellipses.
+/// Note: points of the third and fourth root are counted and not seen. A caller who needs them asks for the ellipses.
 /// Note: a first radius below 0.01 gives 0.
 KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double &r1, const double &start1,
                               const double &end1, const double &c2x, const double &c2y, const double &r2,
@@ -59,9 +63,11 @@ KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double
                               const double &start2, const double &end2, const int &limitMask, double &p1x, double &p1y,
                               double &p2x, double &p2y, int &passes);
 
-/// 0 to 4 points. 0 with untouched outputs where a1*b1 is below 0.0001.
+/// 0 to 4 points. 0 with untouched outputs where |a1*b1| is below 0.0001; the second ellipse isn't tested.
 /// Note: an accepted point stands in the slot of its root, not packed; a slot that gets no point is left as it was.
 /// Note: a crossing at t = pi of the second ellipse is lost where the quartic's leading coefficient is below 0.0001.
+/// Note: a root whose imaginary part is below 0.0001 counts as real, so that near misses give points too; only a limit
+/// tests whether they lie on the first ellipse.
 /// Note: a root that is not a number counts as real and passes without limits, with coordinates that are not numbers.
 /// Note: the iteration has no limit, and about 3 in 10,000 random pairs never end, far more of touching, concentric and
 /// osculating ones. The form with `passes` always ends.
@@ -89,6 +95,7 @@ KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, cons
 
 /// The points of an elliptical arc whose normal passes through (px, py): 0 to 4, packed in the order of the roots; an
 /// output that gets no point is 0. Method: a quartic in z = e^(it), solved by Bairstow's iteration.
+/// Note: a root is (cos t, sin t) as it stands; the foot counts where its squared modulus is within 1e-10 of 1.
 /// Note: from the centre of a circle every point is a foot, and no root is a number: 0. The iteration has no limit; the
 /// form with `passes` always ends.
 KAR_API int Calculate_Perpendicular_Points_To_Ellipse(const double &px, const double &py, const double &cx,

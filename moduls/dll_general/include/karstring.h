@@ -298,9 +298,9 @@ protected:
 
     static constexpr unsigned adjust(unsigned n) { return (n + 7u) & ~7u; } ///< The next multiple of 8, 0 for 0.
 
-    char *buffer;                  ///< From `KarAllocMemory`; null only after a failed allocation and destruction.
-    mutable unsigned cachedLength; ///< Characters, or the mark.
-    unsigned bufferSize;           ///< Bytes in `buffer`, terminator included.
+    char *buffer = nullptr;            ///< From `KarAllocMemory`; null only after a failed allocation and destruction.
+    mutable unsigned cachedLength = 0; ///< Characters, or the mark.
+    unsigned bufferSize = 0;           ///< Bytes in `buffer`, terminator included.
 
 private:
     class CharSet;

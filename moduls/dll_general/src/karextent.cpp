@@ -70,7 +70,7 @@ karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double
         const double t = i * degree;
         const double u = a * std::cos(t);
         const double v = b * std::sin(t);
-        extremes.add(u * c + v * s + cx, u * s + cy - v * c);
+        extremes.add(((u * c) + (v * s)) + cx, ((u * s) + cy) - (v * c));
     }
     return extremes.rect();
 }
@@ -84,7 +84,7 @@ karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double
     const auto add = [&](double t) {
         const double cosT = std::cos(t);
         const double sinT = std::sin(t);
-        extremes.add(cx + a * c * cosT - b * s * sinT, cy + a * s * cosT + b * c * sinT);
+        extremes.add((cx + ((a * c) * cosT)) - ((b * s) * sinT), (cy + ((a * s) * cosT)) + ((b * c) * sinT));
     };
     const auto inRange = [&](double t) {
         if (end > start)
@@ -130,7 +130,7 @@ int CalculateEllipseYValue(const double &cx, const double &cy, const double &a, 
 {
     const double s = std::sin(angle);
     const double D = x - cx;
-    return CalculateRoots(s * s, -2 * s * cy, b * b / (a * a) * D * D + cy * cy - b * b, y1, y2);
+    return CalculateRoots(s * s, (-2 * s) * cy, (((((b * b) / (a * a)) * D) * D) + (cy * cy)) - (b * b), y1, y2);
 }
 
 int CalculateEllipseXValue(const double &cx, const double &cy, const double &a, const double &b, const double &angle,
@@ -138,5 +138,5 @@ int CalculateEllipseXValue(const double &cx, const double &cy, const double &a, 
 {
     const double c = std::cos(angle);
     const double D = y - cy;
-    return CalculateRoots(c * c, -2 * c * cx, a * a / (b * b) * D * D + cx * cx - a * a, x1, x2);
+    return CalculateRoots(c * c, (-2 * c) * cx, (((((a * a) / (b * b)) * D) * D) + (cx * cx)) - (a * a), x1, x2);
 }

@@ -17,8 +17,8 @@ Vector operator+(Vector a, Vector b) { return {a.x + b.x, a.y + b.y}; }
 Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y}; }
 Vector operator*(double factor, Vector a) { return {factor * a.x, factor * a.y}; }
 Vector operator/(Vector a, double divisor) { return {a.x / divisor, a.y / divisor}; }
-double dot(Vector a, Vector b) { return a.x * b.x + a.y * b.y; }
-double length(Vector a) { return std::sqrt(a.x * a.x + a.y * a.y); }
+double dot(Vector a, Vector b) { return (a.x * b.x) + (a.y * b.y); }
+double length(Vector a) { return std::sqrt((a.x * a.x) + (a.y * a.y)); }
 
 // The solution of the rows (first | right1), (second | right2).
 // A singular system leaves the right side, which is then used as it stands.
@@ -35,12 +35,15 @@ struct ImplicitLine {
     Vector l;
     double k;
 
-    ImplicitLine(double xa, double ya, double xb, double yb) : l{yb - ya, xa - xb}, k(l.x * xa + l.y * ya) {}
+    ImplicitLine(double xa, double ya, double xb, double yb) : l{yb - ya, xa - xb}, k((l.x * xa) + (l.y * ya)) {}
 
-    Vector foot(Vector z) const { return solve(l, k, {-l.y, l.x}, -l.y * z.x + l.x * z.y); }
+    Vector foot(Vector z) const { return solve(l, k, {-l.y, l.x}, (-l.y * z.x) + (l.x * z.y)); }
 };
 
-bool parallel(const ImplicitLine &one, const ImplicitLine &two) { return two.l.y * one.l.x - two.l.x * one.l.y == 0.0; }
+bool parallel(const ImplicitLine &one, const ImplicitLine &two)
+{
+    return (two.l.y * one.l.x) - (two.l.x * one.l.y) == 0.0;
+}
 
 Vector unitVector(Vector from, Vector to)
 {
@@ -52,7 +55,7 @@ Vector unitVector(Vector from, Vector to)
 double otherLength(double given, double angle, Vector e1, Vector e2)
 {
     const double theta = std::acos(dot(e1, e2));
-    return given * std::sin(angle) / std::sin(chamferPi - theta - angle);
+    return (given * std::sin(angle)) / std::sin((chamferPi - theta) - angle);
 }
 
 void store(Vector value, double &x, double &y)

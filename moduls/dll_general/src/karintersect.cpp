@@ -42,9 +42,9 @@ struct EllipticalArc : kar::EllipseAxes {
     // The point of t = 2*arctan u: cos t = (1 - u*u)/(1 + u*u), sin t = 2*u/(1 + u*u).
     Point atHalfAngle(double u) const
     {
-        const double cosT = (1 - u * u) / (1 + u * u);
-        const double sinT = 2 * u / (1 + u * u);
-        return {cx + P * cosT + Q * sinT, cy + R * cosT + S * sinT};
+        const double cosT = (1 - (u * u)) / (1 + (u * u));
+        const double sinT = (2 * u) / (1 + (u * u));
+        return {(cx + (P * cosT)) + (Q * sinT), (cy + (R * cosT)) + (S * sinT)};
     }
 
     // With (dx, dy) from the centre.
@@ -75,15 +75,15 @@ int intersect(const Line &line, const EllipticalArc &arc, int limitMask, double 
     double A, B, C;
     const bool vertical = std::fabs(line.x1 - line.x2) < lengthTolerance;
     if (vertical) {
-        A = arc.P + line.x1 - arc.cx;
+        A = (arc.P + line.x1) - arc.cx;
         B = -2 * arc.Q;
-        C = line.x1 - arc.cx - arc.P;
+        C = (line.x1 - arc.cx) - arc.P;
     } else {
         const double m = (line.y1 - line.y2) / (line.x1 - line.x2);
-        const double k = line.y1 - m * line.x1;
-        A = m * arc.cx - m * arc.P + arc.R - arc.cy + k;
-        B = 2 * m * arc.Q - 2 * arc.S;
-        C = m * (arc.cx + arc.P) + k - arc.cy - arc.R;
+        const double k = line.y1 - (m * line.x1);
+        A = ((((m * arc.cx) - (m * arc.P)) + arc.R) - arc.cy) + k;
+        B = ((2 * m) * arc.Q) - (2 * arc.S);
+        C = (((m * (arc.cx + arc.P)) + k) - arc.cy) - arc.R;
     }
     double u1 = 0.0, u2 = 0.0;
     if (Solve_SquareRoots(A, B, C, u1, u2) == 0)
@@ -112,26 +112,27 @@ int intersect(const Line &line, const EllipticalArc &arc, int limitMask, double 
 // `first`: Aq*dx^2 + Bq*dy^2 - 2*Cq*dx*dy = D^2.
 void quarticOf(const EllipticalArc &first, const EllipticalArc &second, double D, double (&e)[5])
 {
-    const double Aq = first.S * first.S + first.R * first.R;
-    const double Bq = first.Q * first.Q + first.P * first.P;
-    const double Cq = first.S * first.Q + first.R * first.P;
+    const double Aq = (first.S * first.S) + (first.R * first.R);
+    const double Bq = (first.Q * first.Q) + (first.P * first.P);
+    const double Cq = (first.S * first.Q) + (first.R * first.P);
+    const double twoCq = 2 * Cq;
     const double P2 = second.P, Q2 = second.Q, R2 = second.R, S2 = second.S;
     const double Ex = second.cx - first.cx;
     const double Ey = second.cy - first.cy;
 
-    const double T1 = Bq * (R2 * R2) + Aq * (P2 * P2) - 2 * Cq * R2 * P2;
-    const double T2 = Bq * (S2 * S2) + Aq * (Q2 * Q2) - 2 * Cq * S2 * Q2;
-    const double T3 = 2 * (Bq * S2 * R2 + Aq * Q2 * P2) - 2 * Cq * (R2 * Q2 + S2 * P2);
-    const double T4 = 2 * (Aq * Ex * P2 + Bq * Ey * R2) - 2 * Cq * (Ex * R2 + Ey * P2);
-    const double T5 = 2 * (Aq * Ex * Q2 + Bq * Ey * S2) - 2 * Cq * (Ex * S2 + Ey * Q2);
-    const double K = Aq * (Ex * Ex) + Bq * (Ey * Ey) - 2 * Cq * Ex * Ey;
+    const double T1 = ((Bq * (R2 * R2)) + (Aq * (P2 * P2))) - ((twoCq * R2) * P2);
+    const double T2 = ((Bq * (S2 * S2)) + (Aq * (Q2 * Q2))) - ((twoCq * S2) * Q2);
+    const double T3 = (2 * (((Bq * S2) * R2) + ((Aq * Q2) * P2))) - (twoCq * ((R2 * Q2) + (S2 * P2)));
+    const double T4 = (2 * (((Aq * Ex) * P2) + ((Bq * Ey) * R2))) - (twoCq * ((Ex * R2) + (Ey * P2)));
+    const double T5 = (2 * (((Aq * Ex) * Q2) + ((Bq * Ey) * S2))) - (twoCq * ((Ex * S2) + (Ey * Q2)));
+    const double K = ((Aq * (Ex * Ex)) + (Bq * (Ey * Ey))) - ((twoCq * Ex) * Ey);
     const double D2 = D * D;
 
-    e[0] = T1 - T4 + K - D2;
-    e[1] = 2 * T5 - 2 * T3;
-    e[2] = 4 * T2 + 2 * K - 2 * T1 - 2 * D2;
+    e[0] = ((T1 - T4) + K) - D2;
+    e[1] = (2 * T5) - (2 * T3);
+    e[2] = (((4 * T2) + (2 * K)) - (2 * T1)) - (2 * D2);
     e[3] = 2 * (T3 + T5);
-    e[4] = K + T4 + T1 - D2;
+    e[4] = ((K + T4) + T1) - D2;
 }
 
 // `solve(degree, coefficients, re, im)` gives the number of roots that it stored from entry 1 on.
@@ -139,7 +140,7 @@ template <class Solver>
 int intersect(const EllipticalArc &first, const EllipticalArc &second, int limitMask, const Outputs &outputs,
               Solver solve)
 {
-    const double D = first.S * first.P - first.R * first.Q; // a1*b1
+    const double D = (first.S * first.P) - (first.R * first.Q); // a1*b1
     if (std::fabs(D) < quarticTolerance)
         return 0;
 
@@ -183,10 +184,10 @@ int feet(Point from, const EllipticalArc &arc, const Outputs &outputs, Solver so
     const double dx = from.x - arc.cx;
     const double dy = from.y - arc.cy;
     const double P = arc.P, Q = arc.Q, R = arc.R, S = arc.S;
-    const double E = -(P * dx) - R * dy;
-    const double F = S * dy + Q * dx;
-    const double G = S * R + Q * P;
-    const double H = R * R - Q * Q + P * P - S * S;
+    const double E = -(P * dx) - (R * dy);
+    const double F = (S * dy) + (Q * dx);
+    const double G = (S * R) + (Q * P); // 0 but for rounding
+    const double H = (((R * R) - (Q * Q)) + (P * P)) - (S * S);
     karComplex coefficients[5] = {karComplex(-2 * G, -H), karComplex(2 * F, -2 * E), karComplex(4 * G, 0.0),
                                   karComplex(2 * F, 2 * E), karComplex(-2 * G, H)};
     karComplex z[5];
@@ -196,7 +197,7 @@ int feet(Point from, const EllipticalArc &arc, const Outputs &outputs, Solver so
     for (int k = 1; k <= roots; ++k) {
         const double cosT = z[k].GetReal(); // a root of another modulus than 1 fails the test below
         const double sinT = z[k].GetImag();
-        const Point offset = {Q * sinT + P * cosT, S * sinT + R * cosT};
+        const Point offset = {(Q * sinT) + (P * cosT), (S * sinT) + (R * cosT)};
         if (arc.holdsOffset(offset.x, offset.y))
             outputs.set(count++, {offset.x + arc.cx, offset.y + arc.cy});
     }
@@ -219,28 +220,28 @@ int Intersect_Line_Line(const double &x1, const double &y1, const double &x2, co
     const bool sloped1 = std::fabs(d1) >= lengthTolerance;
     if (sloped1) {
         m1 = (first.y1 - first.y2) / d1;
-        k1 = first.y1 - m1 * first.x1;
+        k1 = first.y1 - (m1 * first.x1);
     }
     const double d2 = second.x1 - second.x2;
     const bool sloped2 = std::fabs(d2) >= lengthTolerance;
     if (sloped2) {
         m2 = (second.y1 - second.y2) / d2;
-        k2 = second.y1 - m2 * second.x1;
+        k2 = second.y1 - (m2 * second.x1);
     }
 
     if (!sloped1 && !sloped2)
         return 0;
     if (!sloped2) {
         x = second.x1;
-        y = x * m1 + k1;
+        y = (x * m1) + k1;
     } else if (!sloped1) {
         x = first.x1;
-        y = x * m2 + k2;
+        y = (x * m2) + k2;
     } else {
         if (std::fabs(m2 - m1) < lengthTolerance)
             return 0;
         x = (k2 - k1) / (m1 - m2);
-        y = x * m1 + k1;
+        y = (x * m1) + k1;
     }
     if ((limitMask & firstCurve) && !first.holds({x, y}))
         return 0;
@@ -309,10 +310,11 @@ int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double
                               const double &start2, const double &end2, const int &limitMask, double &p1x, double &p1y,
                               double &p2x, double &p2y, double &p3x, double &p3y, double &p4x, double &p4y, int &passes)
 {
+    const int mask = limitMask; // may be the same variable as `passes`
     const int allowed = passes;
     passes = 0; // where no factor is looked for
     return intersect(EllipticalArc(c1x, c1y, a1, b1, rotation1, start1, end1),
-                     EllipticalArc(c2x, c2y, a2, b2, rotation2, start2, end2), limitMask,
+                     EllipticalArc(c2x, c2y, a2, b2, rotation2, start2, end2), mask,
                      {&p1x, &p1y, &p2x, &p2y, &p3x, &p3y, &p4x, &p4y},
                      [&](int degree, double *coefficients, double *re, double *im) {
                          passes = allowed;

@@ -100,13 +100,13 @@ char &karString::scratchCharacter() { return scratch; }
 
 // -- Construction ---------------------------------------------------------------------------------------------------
 
-karString::karString() : cachedLength(0)
+karString::karString()
 {
     if (obtain(9))
         clearFrom(buffer, 0, 16);
 }
 
-karString::karString(unsigned reserve) : cachedLength(0)
+karString::karString(unsigned reserve)
 {
     if (obtain(std::uint64_t{reserve} + 1))
         clearFrom(buffer, 0, bufferSize);
@@ -184,7 +184,7 @@ karString::~karString()
 
 karString &karString::operator=(const karString &other)
 {
-    if (buffer == other.buffer)
+    if (this == &other || buffer == other.buffer)
         return *this;
     const unsigned count = other.measured();
     const unsigned newLength = other.cachedLength != unknownLength ? other.cachedLength : count;

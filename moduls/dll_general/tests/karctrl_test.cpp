@@ -491,7 +491,7 @@ TEST(KarMessage, RandomSequencesWithSharedIdsFollowAPlainList)
         case 3:
             if (!plain.empty()) {
                 list.removeMessage(plain[at]);
-                plain.erase(plain.begin() + at);
+                plain.erase(plain.begin() + static_cast<std::ptrdiff_t>(at));
             }
             break;
         case 4: {

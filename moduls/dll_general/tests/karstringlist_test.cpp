@@ -125,7 +125,8 @@ TEST(KarStringList, AppendsToTheText)
     EXPECT_EQ(&(element &= other), &element);
     EXPECT_EQ(&(element &= karString("c")), &element);
     EXPECT_EQ(&(element &= "d"), &element);
-    element &= element;
+    const karStringList &same = element;
+    element &= same;
     EXPECT_TRUE(hasState(textOf(element), "abcdabcd", 8, 16));
 }
 
