@@ -63,9 +63,10 @@ public:
     void setMirror(int mirror) { mirror_ = mirror; }
     void setColor(const karColor &color) { color_ = color; }
     void setLayer(int layer) { layer_ = layer; }
-    /// Combines with the placement `o`, which may be this one; null changes nothing. The insert points and the angles are added, the scales
-    /// multiplied; an angle above 4000000 is reduced by 4000000 once. The slopes are added, and a sum beyond a right
-    /// angle becomes 0. The mirrors are combined bit by bit (exclusive or). Colour and layer stay. Sums wrap at 32 bits.
+    /// Combines with the placement `o`, which may be this one; null changes nothing. The insert points and the angles
+    /// are added, the scales multiplied; an angle above 4000000 is reduced by 4000000 once. The slopes are added, and a
+    /// sum beyond a right angle becomes 0. The mirrors are combined bit by bit (exclusive or). Colour and layer stay.
+    /// Sums wrap at 32 bits.
     /// Note: the insert point of `o` is neither scaled nor turned, and the slope tangent isn't refreshed. An angle of
     /// exactly 4000000 stays.
     KAR_API void Concat(karParamBlock *o);

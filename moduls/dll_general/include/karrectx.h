@@ -78,9 +78,9 @@ public:
     /// Note: the crossings are looked for along the edges of two opposite corners. Those of the horizontal limits are
     /// skipped for a corner whose y lies between the top and bottom of `r`, those of the vertical limits for one whose
     /// y, not x, lies between the left and right.
-    /// Note: at the horizontal limit, the place of the first edge is -left if that edge doesn't meet it, and the place of
-    /// the second edge is then that of the first; both anew for each of the two corners. Left between the two places
-    /// counts as seen, so a left of 0 does although neither edge meets the limit.
+    /// Note: an edge of the corner that doesn't meet the horizontal limit has a place all the same: the one towards the
+    /// first neighbour -left, the one towards the second the place of the first. Both begin anew for the opposite
+    /// corner. The left between the two places counts as seen: a left of 0 does where neither edge meets the limit.
     KAR_API bool isVisibleIn(karRect &r) const;
     /// \}
 

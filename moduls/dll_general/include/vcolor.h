@@ -36,8 +36,9 @@ public:
 
     /// The packed colour of a text that holds "RGB", behind it "(", and then three numbers that end at ",", "," and
     /// ")". Whatever stands before "RGB", between it and "(", or behind ")" is passed over. Null, a text without one of
-    /// these marks, or no memory for a copy gives 0. A number is trimmed of blanks and tabs and read by `karString::s2int`: digits
-    /// alone are decimal, everything else is hexadecimal, and what isn't a number gives 0. Values above 255 count as 255.
+    /// these marks, or no memory for a copy gives 0. A number is trimmed of blanks and tabs and read by
+    /// `karString::s2int`: digits alone are decimal, everything else is hexadecimal, and what isn't a number gives 0.
+    /// Values above 255 count as 255.
     /// Note: there is no lower limit. A number below 0 goes into blue * 65536 + green * 256 + red as it is; the sum
     /// wraps at 32 bits.
     /// Note: `errno` isn't cleared, neither before nor between the numbers: with `ERANGE` in it, every number that
