@@ -60,6 +60,8 @@ public:
                 stopped = true;
                 break;
             }
+            if (depth == 0 && entity->attributes.onPaper)
+                continue;
             surroundings = around;
             level = depth;
             filterObject(entity);

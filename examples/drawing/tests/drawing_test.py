@@ -202,6 +202,13 @@ class Inventory(DrawingTest):
         self.assertEqual(self.counts(path)["A", "OTHER"], 1)
         self.assertIn("SOLID 1", run(path).stdout)
 
+    def test_a_mesh_is_no_path(self):
+        mesh = "0\nPOLYLINE\n8\nA\n66\n1\n70\n16\n71\n2\n72\n2\n" + "".join(
+            f"0\nVERTEX\n8\nA\n10\n{x}\n20\n0\n70\n64\n" for x in range(4)) + "0\nSEQEND\n8\nA\n"
+        path = self.file(drawing(mesh))
+        self.assertEqual(self.counts(path)["A", "OTHER"], 1)
+        self.assertIn("MESH 1", run(path).stdout)
+
     def test_what_stands_behind_the_end_is_dropped(self):
         path = self.file(drawing(line()) + "trash\n\x00\x01 1e999\n")
         self.assertEqual(self.counts(path), {("layer", "kind"): 1, ("A", "LINE"): 1})
@@ -786,6 +793,15 @@ class Svg(DrawingTest):
         root = self.svg(self.file(drawing(label(1, 2, "a < b & \"c\" > d") + label(3, 4, "r", "50\n90\n"))))
         texts = [(element.text, element.get("transform")) for element in root.iter(SVG + "text")]
         self.assertEqual(texts, [('a < b & "c" > d', "matrix(1,0,0,1,1,-2)"), ("r", "matrix(0,-1,1,0,3,-4)")])
+
+    def test_texts_are_aligned(self):
+        root = self.svg(self.file(drawing(label(1, 2, "m", "72\n1\n11\n5\n21\n6\n") + label(1, 2, "e", "72\n2\n11\n7\n21\n8\n"))))
+        texts = [(element.text, element.get("text-anchor"), element.get("transform")) for element in root.iter(SVG + "text")]
+        self.assertEqual(texts, [("m", "middle", "matrix(1,0,0,1,5,-6)"), ("e", "end", "matrix(1,0,0,1,7,-8)")])
+
+    def test_what_belongs_to_a_sheet_is_not_drawn(self):
+        path = self.file(drawing(segment(0, 0, 1, 0) + segment(0, 0, 9, 9, "67\n1\n")))
+        self.assertEqual([drawn for _, drawn in self.paths(path)], ["M0,0L1,0"])
 
     def test_texts_of_any_bytes_make_a_file_that_reads(self):
         content = drawing(label(0, 0, "X")).encode().replace(b"\nX\n", b"\n\xe4\xff\x01\xed\xa0\x80 \xc3\xa4\n")
