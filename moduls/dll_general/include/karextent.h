@@ -32,7 +32,8 @@ KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, cons
 
 /// The box of an elliptical arc, from its ends and the extremes between them. start >= end passes through 0.
 /// Note: an extreme is looked for at t1 = arctan((b/a)/tan r), t2 = arctan(-(b/a)*tan r), t1 + pi and t2 + pi as they come
-/// out: where t1 or t2 is negative, the same extreme at t + 2*pi isn't found.
+/// out. Where t1 or t2 is negative the same extreme at t + 2*pi isn't found on an arc with start < end, and always counts
+/// on one through 0, whose box may so be larger than the arc.
 KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double &a, const double &b,
                                         const double &rotation, const double &start, const double &end);
 

@@ -42,6 +42,7 @@ KAR_API int Intersect_Line_Ellipse(const double &x1, const double &y1, const dou
 /// candidate of a horizontal line is (cx - a*cos r, cy + a*sin r), which on a rotated ellipse isn't the point of t = pi.
 /// Note: where the quadratic has no second degree and the first root isn't 0, the point of t = 0 is a second candidate,
 /// whether or not it lies on the line; only the limits keep it out.
+/// Note: where the line passes that point within rounding, the other crossing is spoiled by cancellation.
 /// Note: a line with coincident end points counts as vertical, and a vertical line has no candidate at t = pi.
 /// Note: a root that is not a number counts with `limitMask` 0; no limit lets it pass.
 KAR_API int Intersect_Line_EllipticalArc(const double &x1, const double &y1, const double &x2, const double &y2,
@@ -96,7 +97,9 @@ KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, cons
 /// The points of an elliptical arc whose normal passes through (px, py): 0 to 4, packed in the order of the roots; an
 /// output that gets no point is 0. Method: a quartic in z = e^(it), solved by Bairstow's iteration.
 /// Note: a root is (cos t, sin t) as it stands; the foot counts where its squared modulus is within 1e-10 of 1.
-/// Note: from the centre of a circle every point is a foot, and no root is a number: 0. The iteration has no limit; the
+/// Note: a foot at t = 0 or pi is lost where its cosine rounds beyond 1.
+/// Note: the quartic of a circle has no leading coefficient: mostly one foot of the two comes out, the other root not being
+/// a number. From the centre of a circle every point is a foot, and no root is a number: 0. The iteration has no limit; the
 /// form with `passes` always ends.
 KAR_API int Calculate_Perpendicular_Points_To_Ellipse(const double &px, const double &py, const double &cx,
                                                       const double &cy, const double &a, const double &b,

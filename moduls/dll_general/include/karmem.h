@@ -27,6 +27,7 @@ constexpr long addLong(long a, unsigned long b)
 struct PageState {
     PageState() = default;
     PageState(const PageState &other) : reciprocal(other.reciprocal) {}
+    // cppcheck-suppress operatorEqVarError ; the rest doesn't go with a copy
     PageState &operator=(const PageState &other)
     {
         if (this != &other)

@@ -24,6 +24,8 @@ CtrlType karDataId::getType() const { return CtrlId; }
 int karDataId::getId() const { return id; }
 void karDataId::setId(int newId) { id = newId; }
 
+// Assigned to a fresh text, whose size a short value then has.
+// cppcheck-suppress useInitializationList
 karDataText::karDataText(const karString &value) { text = value; }
 CtrlType karDataText::getType() const { return CtrlText; }
 karString karDataText::getText() const { return text; }
@@ -215,6 +217,8 @@ karMessageBase *messageOf(karMessageLBase *element) { return element ? element->
 
 } // namespace
 
+// Copies share what they point at, as the header tells.
+// cppcheck-suppress [noCopyConstructor, noOperatorEq]
 karCtrl::karCtrl() : percent(new karPercent), messages(new karMessage) {}
 
 karCtrl::~karCtrl()

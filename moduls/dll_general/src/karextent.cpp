@@ -39,10 +39,78 @@ public:
         if (y > maxY)
             maxY = y;
     }
+    /// Whether none is a zero, whose sign would be that of the first of equal samples.
+    bool areClear() const { return minX != 0 && minY != 0 && maxX != 0 && maxY != 0; }
     karD_Rect rect() const { return karD_Rect(minX, minY, maxX, maxY); }
 
 private:
     double minX, minY, maxX, maxY;
+};
+
+/// The points of a whole ellipse one degree apart, from 0 to 360.
+class DegreeSamples {
+public:
+    DegreeSamples(double centreX, double centreY, double axisA, double axisB, double rotation)
+        : cx(centreX), cy(centreY), a(axisA), b(axisB), c(std::cos(rotation)), s(std::sin(rotation))
+    {}
+
+    void addAll(Extremes &extremes) const
+    {
+        for (int i = 0; i <= 360; ++i)
+            add(extremes, i);
+    }
+
+    /// Adds the samples beside the greatest and the least x and y, which are those of all: of x = cx + A*cos(t - f) a
+    /// sample that is 0.02 degrees further from f than its neighbour, both about half a degree away, is lower by 3e-6*A.
+    /// False where rounding might come near to that, where an extreme might not pass the numbers they start from, and
+    /// where something isn't finite.
+    bool addExtremes(Extremes &extremes) const
+    {
+        constexpr double largest = 1e99;    // far below where the extremes start
+        constexpr double smallest = 1e-290; // far above the numbers that lose digits
+        constexpr double farthest = 1e7;    // of the centre, against the half height
+        if (!(std::fabs(a) < largest && std::fabs(b) < largest && std::fabs(cx) < largest && std::fabs(cy) < largest))
+            return false;
+        const double cosX = a * c, sinX = b * s, cosY = a * s, sinY = -b * c;
+        const double halfWidth = std::fabs(cosX) + std::fabs(sinX); // up to sqrt(2) times of it
+        const double halfHeight = std::fabs(cosY) + std::fabs(sinY);
+        if (!(halfWidth > smallest && halfHeight > smallest && std::fabs(cy) < farthest * halfHeight))
+            return false;
+        addBeside(extremes, std::atan2(sinX, cosX));
+        addBeside(extremes, std::atan2(sinY, cosY));
+        return true;
+    }
+
+private:
+    void add(Extremes &extremes, int i) const
+    {
+        const double t = i * degree;
+        const double u = a * std::cos(t);
+        const double v = b * std::sin(t);
+        extremes.add(((u * c) + (v * s)) + cx, ((u * s) + cy) - (v * c));
+    }
+
+    /// The sample next to `angle`, or both where it lies half way between two, and those opposite.
+    void addBeside(Extremes &extremes, double angle) const
+    {
+        const double place = (angle / degree) + 360.0; // 180 to 540
+        const double low = std::floor(place);
+        const double share = place - low;
+        const int first = static_cast<int>(low);
+        for (int k = share > 0.51 ? 1 : 0; k <= (share < 0.49 ? 0 : 1); ++k) {
+            addTurned(extremes, first + k);
+            addTurned(extremes, first + k + 180);
+        }
+    }
+    void addTurned(Extremes &extremes, int i) const
+    {
+        i %= 360;
+        add(extremes, i);
+        if (i == 0)
+            add(extremes, 360);
+    }
+
+    double cx, cy, a, b, c, s;
 };
 
 } // namespace
@@ -63,15 +131,12 @@ karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double
     if (acrossAxes(rotation))
         return karD_Rect(cx - b, cy - a, cx + b, cy + a);
 
-    const double c = std::cos(rotation);
-    const double s = std::sin(rotation);
+    const DegreeSamples samples(cx, cy, a, b, rotation);
     Extremes extremes(farthestOfEllipse);
-    for (int i = 0; i <= 360; ++i) {
-        const double t = i * degree;
-        const double u = a * std::cos(t);
-        const double v = b * std::sin(t);
-        extremes.add(((u * c) + (v * s)) + cx, ((u * s) + cy) - (v * c));
-    }
+    if (samples.addExtremes(extremes) && extremes.areClear())
+        return extremes.rect();
+    extremes = Extremes(farthestOfEllipse);
+    samples.addAll(extremes);
     return extremes.rect();
 }
 

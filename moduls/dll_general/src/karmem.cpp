@@ -563,6 +563,7 @@ void *karMemory::dxnew(void *p, unsigned size)
     }
     void *const place = KarAllocMemory(sizeof(karMemory_Entry), element);
     if (place) {
+        // cppcheck-suppress legacyUninitvar ; it takes the placement for a use
         karMemory_Entry *const record = ::new (place) karMemory_Entry(p, 0, memoryEntries);
         record->hsize_ = kar::addLong(0, size);
         memoryEntries = record;

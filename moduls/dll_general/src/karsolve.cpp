@@ -136,18 +136,6 @@ int CalculateRoots(const double &a, const double &b, const double &c, double &x1
 
 namespace {
 
-/// Entries of which all that are asked for exist.
-template <class Number>
-class PlainRow {
-public:
-    explicit PlainRow(Number *entries) : first(entries) {}
-    const Number &get(int index) const { return first[index]; }
-    void set(int index, const Number &value) const { first[index] = value; }
-
-private:
-    Number *first;
-};
-
 /// The entries 0 to `count` - 1. Any other reads as 0, and a store there is dropped.
 template <class Number>
 class GuardedRow {
@@ -293,17 +281,66 @@ int bairstow(int n, Coefficients a, Row b, Row c, Number p, Number q, const Root
     return degree;
 }
 
-/// Work rows of 5 entries: in full for degrees 3 and 4, guarded for any other.
+/// The same for degrees 3 and 4 with every entry in a variable. One factor is iterated, the rest is solved. An entry of
+/// the second row that nothing reads is left out.
+template <int n, class Number, class Roots, class Limit>
+int bairstowOf(Number *a, Number p, Number q, const Roots &roots, double eps, Limit &limit)
+{
+    static_assert(n == 3 || n == 4);
+    const Number a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
+    Number b1, b2;
+    double ratio;
+    limit.startFactor();
+    do {
+        if (!limit.startPass())
+            return 0;
+        b1 = a1 - (p * a0);
+        b2 = (a2 - (p * b1)) - (q * a0);
+        const Number b3 = (a3 - (p * b2)) - (q * b1);
+        const Number c1 = b1 - (p * a0);
+        const Number c2 = (b2 - (p * c1)) - (q * a0);
+        Number dp, dq;
+        if constexpr (n == 4) {
+            const Number b4 = (a[4] - (p * b3)) - (q * b2);
+            const Number c3 = (b3 - (p * c2)) - (q * c1);
+            const Number d = b3 - c3;
+            const Number D = (c2 * c2) + (d * c1);
+            dp = ((c2 * b3) - (c1 * b4)) / D;
+            dq = ((d * b3) + (c2 * b4)) / D;
+        } else {
+            const Number d = b2 - c2;
+            const Number D = (c1 * c1) + (d * a0);
+            dp = ((c1 * b2) - (a0 * b3)) / D;
+            dq = ((d * b2) + (c1 * b3)) / D;
+        }
+        p = p + dp;
+        q = q + dq;
+        ratio = (magnitude(dp) + magnitude(dq)) / (magnitude(p) + magnitude(q));
+    } while (ratio > eps);
+    roots.pair(0, n, p, q);
+    a[1] = b1;
+    if constexpr (n == 4) {
+        a[2] = b2;
+        roots.pair(2, 2, b1 / a0, b2 / a0);
+    } else {
+        roots.single(2, -b1 / a0);
+    }
+    return n;
+}
+
+/// Work rows of 5 entries: as variables for degrees 3 and 4, guarded for any other.
 template <class Number, class Roots, class Limit>
 int bairstowOfFive(int n, Number *a, const Number &p, const Number &q, const Roots &roots, double eps, Limit &limit)
 {
-    const auto repeat = [eps](double ratio) { return ratio > eps; };
-    Number b[5] = {};
-    Number c[5] = {};
-    if (n == 3 || n == 4)
-        return bairstow(n, PlainRow<Number>(a), PlainRow<Number>(b), PlainRow<Number>(c), p, q, roots, repeat, limit);
+    if (n == 4)
+        return bairstowOf<4>(a, p, q, roots, eps, limit);
+    if (n == 3)
+        return bairstowOf<3>(a, p, q, roots, eps, limit);
     if (n < 0)
         return 0;
+    Number b[5] = {};
+    Number c[5] = {};
+    const auto repeat = [eps](double ratio) { return ratio > eps; };
     return std::min(n, bairstow(n, GuardedRow<Number>(a, n + 1), GuardedRow<Number>(b, 5), GuardedRow<Number>(c, 5), p,
                                 q, roots, repeat, limit));
 }

@@ -126,7 +126,7 @@ private:
         case 's':
         case 'S': {
             const char *const text = readable ? va_arg(arguments, const char *) : nullptr;
-            return bounded(text ? textLength(text, precision, isLong || kind == 'S') : 1, width, precision);
+            return bounded(text ? textLength(text, precision) : 1, width, precision);
         }
         case 'd':
         case 'i':
@@ -149,6 +149,8 @@ private:
             if (readable)
                 (void)va_arg(arguments, void *);
             return kind == 'p' ? number : 0;
+        case '%': // behind flags, width or precision; takes no argument
+            return 0;
         default:
             readable = false;
             return 0;
@@ -162,10 +164,10 @@ private:
         static_cast<void>(isWide ? static_cast<long long>(va_arg(arguments, Passed)) : va_arg(arguments, int));
     }
 
-    // At least 1. With a precision the text may lack its terminator behind so many characters.
-    static long long textLength(const char *text, int precision, bool isWide)
+    // At least 1. With a precision the text may lack its terminator behind so many characters, a wide one too.
+    static long long textLength(const char *text, int precision)
     {
-        if (precision <= 0 || isWide)
+        if (precision <= 0)
             return std::max<long long>(static_cast<long long>(std::strlen(text)), 1);
         const void *const end = std::memchr(text, '\0', static_cast<std::size_t>(precision));
         return end ? std::max<long long>(static_cast<const char *>(end) - text, 1) : precision;
@@ -309,10 +311,10 @@ errorCodesKARTORY karString::s2double(double &value)
 
 int karString::searchValue(searchStruct *table, int &value)
 {
-    const unsigned count = length();
-    if (count == 0 || !buffer)
-        return -1;
     for (; table->text; ++table) {
+        const unsigned count = length();
+        if (count == 0 || !buffer)
+            return -1;
         if (std::strlen(table->text) == count && std::strncmp(buffer, table->text, count) == 0) {
             value = table->value;
             return 0;
