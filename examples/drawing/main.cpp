@@ -9,6 +9,7 @@
 #include "savefile.h"
 #include "svg.h"
 
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -52,10 +53,16 @@ void writeFiles(const Options &options, const Results &results, karFilter &filte
         saveWhole(options.svg, toSvg(results.picture, results.measures.whole, marks));
     }
     if (!options.dxf.empty()) {
-        SaveFile file(options.dxf);
+        // The parser's writer wants a file of its own, also on the way to standard output.
+        const bool stream = isStream(options.dxf);
+        const std::filesystem::path elsewhere = std::filesystem::temp_directory_path() / "kartory-drawing.dxf";
+        SaveFile file(stream ? elsewhere.string() : options.dxf);
         if (!writeDxf(file.temporary(), results.picture, results.drawing))
             throw OutputError(options.dxf + ": " + static_cast<const char *>(text("can't be written")));
-        file.commit();
+        if (stream)
+            saveWhole(options.dxf, readFile(file.temporary()));
+        else
+            file.commit();
     }
     if (!options.json.empty())
         saveWhole(options.json, toJson(results, filter));
@@ -81,7 +88,7 @@ int run(const Options &options, Console &console)
     work(options, results, filter);
     console.clearBar();
     tellFindings(filter);
-    const bool filesOnly = options.svg == "-" || options.json == "-" || options.csv == "-";
+    const bool filesOnly = options.svg == "-" || options.dxf == "-" || options.json == "-" || options.csv == "-";
     if (filter.getBreak() != BreakNone) { // what was done is reported, but no file is written
         tell(results);
         return stopped;

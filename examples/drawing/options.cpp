@@ -80,19 +80,24 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     std::string fillet;
     std::string chamfer;
     std::string nearTo;
-    app.add_option("FILE", options.path, "DXF drawing, text form")->required();
+    app.add_option("FILE", options.path, "DXF drawing, text form")->required()->type_name("");
     app.add_option("--transform", transformations,
                    "translate=X,Y, rotate=DEGREES or scale=X[,Y]; repeated, all count: scaled, then turned, then moved")
-        ->allow_extra_args(false);
-    CLI::Option *rounding = app.add_option("--fillet", fillet, "Blends corners of lines by arcs of this radius");
-    app.add_option("--chamfer", chamfer, "Cuts corners of lines at this distance")->excludes(rounding);
-    app.add_option("--nearest", nearTo, "X,Y: finds the nearest foot of a perpendicular on every curve");
+        ->allow_extra_args(false)
+        ->type_name("NAME=VALUE");
+    CLI::Option *rounding =
+        app.add_option("--fillet", fillet, "Blends corners of lines by arcs of this radius")->type_name("RADIUS");
+    app.add_option("--chamfer", chamfer, "Cuts corners of lines at this distance")
+        ->type_name("LENGTH")
+        ->excludes(rounding);
+    app.add_option("--nearest", nearTo, "Finds the nearest foot of a perpendicular on every curve")->type_name("X,Y");
     app.add_option("--passes", options.mostPasses, "The most passes of an iteration for crossings and feet")
         ->check(CLI::Range(1, 1000000));
-    app.add_option("--svg", options.svg, "Draws the picture into this file; \"-\" is standard output, here and below");
-    app.add_option("--dxf", options.dxf, "Writes the picture as a drawing without blocks");
-    app.add_option("--json", options.json, "Writes the report for programs");
-    app.add_option("--csv", options.csv, "Writes the crossings as a table");
+    app.add_option("--svg", options.svg, "Draws the picture into this file; \"-\" is standard output, here and below")
+        ->type_name("FILE");
+    app.add_option("--dxf", options.dxf, "Writes the picture as a drawing without blocks")->type_name("FILE");
+    app.add_option("--json", options.json, "Writes the report for programs")->type_name("FILE");
+    app.add_option("--csv", options.csv, "Writes the crossings as a table")->type_name("FILE");
     app.add_option("--lang", options.language, "Language of messages and report; otherwise that of LANG")
         ->check(CLI::IsMember({"en", "de"}));
     CLI::Option *quietly = app.add_flag("-q,--quiet", quiet, "No messages but errors");

@@ -66,12 +66,16 @@ void SaveFile::commit()
 
 void SaveFile::fail(int error) const { throw OutputError(path + ": " + std::strerror(error)); }
 
-void saveWhole(const std::string &path, const std::string &content)
+bool isStream(const std::string &path)
 {
     std::error_code none;
-    const bool standardOutput = path == "-";
-    if (standardOutput ||
-        (fs::exists(path, none) && !fs::is_regular_file(path, none) && !fs::is_directory(path, none))) {
+    return path == "-" || (fs::exists(path, none) && !fs::is_regular_file(path, none) && !fs::is_directory(path, none));
+}
+
+void saveWhole(const std::string &path, const std::string &content)
+{
+    if (isStream(path)) {
+        const bool standardOutput = path == "-";
         std::FILE *file = standardOutput ? stdout : std::fopen(path.c_str(), "wb");
         const bool written =
             file && std::fwrite(content.data(), 1, content.size(), file) == content.size() && std::fflush(file) == 0;

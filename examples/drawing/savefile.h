@@ -34,6 +34,9 @@ private:
     std::string temporaryPath;
 };
 
+/// Whether a file of that name can't be replaced: "-" is standard output, others are devices and pipes.
+bool isStream(const std::string &path);
+
 /// Writes all of it. "-" is standard output; a device or a pipe is written to as it is.
 void saveWhole(const std::string &path, const std::string &content);
 

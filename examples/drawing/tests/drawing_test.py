@@ -760,6 +760,18 @@ class Files(DrawingTest):
         self.assertEqual(list(csv.reader(self.report(path, "--csv", "-").splitlines()))[1],
                          ["2", "2", "LINE", "A", "", "LINE", 'a,"b"', ""])
         self.assertTrue(self.report(path, "--svg", "-").startswith("<svg "))
+        again = self.file(self.report(path, "--dxf", "-"), "again.dxf")
+        self.assertEqual(self.lengths(again), self.lengths(path))
+
+    def test_a_device_is_written_to_and_stays_one(self):
+        out = self.folder / "pipe"
+        os.mkfifo(out)
+        path = self.file(drawing(segment(0, 0, 4, 4)))
+        for option, beginning in (("--svg", "<svg"), ("--dxf", "999\ndxflib "), ("--json", "{"), ("--csv", "x,y,")):
+            with subprocess.Popen(["cat", out], stdout=subprocess.PIPE, text=True) as reader:
+                self.report(path, option, out)
+                self.assertTrue(reader.communicate(timeout=60)[0].startswith(beginning), option)
+            self.assertTrue(out.is_fifo(), option)
 
     def test_a_place_that_cannot_be_written_gives_one_line(self):
         for option in ("--dxf", "--json", "--csv"):
