@@ -40,7 +40,7 @@ TreeBox boxOf(const Piece &piece)
 
 class Search {
 public:
-    explicit Search(const Picture &ownPicture) : picture(ownPicture) {}
+    Search(const Picture &ownPicture, int passes) : picture(ownPicture), mostPasses(passes) {}
 
     std::vector<Crossing> run(Phase &phase, karFilter &filter)
     {
@@ -80,7 +80,7 @@ private:
         const Piece &piece1 = shape1.pieces[one.piece];
         const Piece &piece2 = shape2.pieces[other.piece];
         points.clear();
-        if (!meet(piece1, piece2, points))
+        if (!meet(piece1, piece2, mostPasses, points))
             FindingMaker(filter, FindingUnsettled, 2)
                 << karString(nameOf(shape1).c_str()) << karString(nameOf(shape2).c_str());
         for (const karD_Point &point : points)
@@ -102,6 +102,7 @@ private:
     }
 
     const Picture &picture;
+    int mostPasses;
     std::vector<Place> places;
     std::vector<karD_Point> points;
     std::vector<Crossing> crossings;
@@ -109,8 +110,8 @@ private:
 
 } // namespace
 
-std::vector<Crossing> findCrossings(const Picture &picture, karFilter &filter)
+std::vector<Crossing> findCrossings(const Picture &picture, int mostPasses, karFilter &filter)
 {
     Phase phase(filter, 60, 90, "crossing");
-    return Search(picture).run(phase, filter);
+    return Search(picture, mostPasses).run(phase, filter);
 }

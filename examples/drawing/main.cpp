@@ -36,10 +36,10 @@ void work(const Options &options, Results &results, karFilter &filter)
     if (options.cornerForm)
         results.corners = workCorners(results.picture, *options.cornerForm, options.cornerSize, filter);
     results.measures = measure(results.picture, filter);
-    results.crossings = findCrossings(results.picture, filter);
+    results.crossings = findCrossings(results.picture, options.mostPasses, filter);
     results.nearTo = options.nearTo;
     if (options.nearTo)
-        results.feet = nearestFeet(results.picture, *options.nearTo, filter);
+        results.feet = nearestFeet(results.picture, *options.nearTo, options.mostPasses, filter);
 }
 
 // Each file is there whole or not at all.

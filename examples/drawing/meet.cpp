@@ -61,8 +61,12 @@ private:
 
 class Pair {
 public:
-    Pair(const Piece &one, const Piece &other)
-        : frame(one, other), first(frame.inside(one)), second(frame.inside(other)), tolerance(frame.tolerance)
+    Pair(const Piece &one, const Piece &other, int passes)
+        : frame(one, other),
+          first(frame.inside(one)),
+          second(frame.inside(other)),
+          tolerance(frame.tolerance),
+          mostPasses(passes)
     {}
 
     bool solve()
@@ -121,10 +125,13 @@ private:
     // Two points between which the pieces stay together are one contact.
     void add(const karD_Point &p)
     {
-        constexpr double contact = 1e-3;
+        constexpr double contact = 2e-2;
         for (const karD_Point &known : found) {
             const double distance = known.DistEuk(p);
-            const karD_Point between((known.x() + p.x()) / 2, (known.y() + p.y()) / 2);
+            karD_Point between((known.x() + p.x()) / 2, (known.y() + p.y()) / 2);
+            karD_Point normal;
+            const double aside = offset(first, between, normal); // of the chord from the curve
+            between.Set(between.x() - aside * normal.x(), between.y() - aside * normal.y());
             if (distance <= 4 * tolerance ||
                 (distance < contact && gap(first, between) <= tolerance && gap(second, between) <= tolerance))
                 return;
@@ -187,6 +194,7 @@ private:
         const bool exchange = sizeOf(first) < sizeOf(second);
         const Piece &larger = exchange ? second : first;
         const Piece &smaller = exchange ? first : second;
+        walk(larger, smaller);
         // A pair whose iteration ends nowhere, or beside the curves, gets there from another side of it.
         bool settled = false;
         quartic(larger, smaller, settled) || quartic(larger, turned(smaller), settled) ||
@@ -198,7 +206,6 @@ private:
     // True where every real root led to a point of both curves. `settled` becomes true where the iteration came to an end.
     bool quartic(const Piece &implicit, const Piece &parametric, bool &settled)
     {
-        constexpr int mostPasses = 1000;
         constexpr double unwritten = HUGE_VAL;
         double x[4] = {unwritten, unwritten, unwritten, unwritten};
         double y[4] = {unwritten, unwritten, unwritten, unwritten};
@@ -217,6 +224,76 @@ private:
         settled = settled || (passes >= 0 && numbers);
         return passes >= 0 && common;
     }
+
+    // Once around the smaller curve: where the larger one's implicit form changes its sign, the curves cross, and where it
+    // comes near 0 and turns back, they may touch. Rounding parts the roots of curves that touch, so the quartic alone
+    // would miss those.
+    void walk(const Piece &larger, const Piece &smaller)
+    {
+        constexpr int places = 64;
+        constexpr double step = fullTurn / places;
+        constexpr int halvings = 40;
+        const Implicit form(larger, smaller);
+        double value[places + 2];
+        for (int i = 0; i < places + 2; ++i)
+            value[i] = form.at(i * step);
+        for (int i = 1; i <= places; ++i) {
+            const double before = value[i - 1];
+            const double here = value[i];
+            const double behind = value[i + 1];
+            if ((before < 0) != (here < 0)) {
+                double low = (i - 1) * step;
+                double high = i * step;
+                for (int k = 0; k < halvings; ++k) {
+                    const double middle = (low + high) / 2;
+                    ((form.at(middle) < 0) == (before < 0) ? low : high) = middle;
+                }
+                offer(smaller.at((low + high) / 2));
+            } else if (std::fabs(here) <= std::fabs(before) && std::fabs(here) <= std::fabs(behind) &&
+                       std::fabs(here) <= std::fabs(here - before) + std::fabs(here - behind)) {
+                double low = (i - 1) * step;
+                double high = (i + 1) * step;
+                for (int k = 0; k < halvings; ++k) {
+                    const double third = (high - low) / 3;
+                    if (std::fabs(form.at(low + third)) < std::fabs(form.at(high - third)))
+                        high -= third;
+                    else
+                        low += third;
+                }
+                offer(smaller.at((low + high) / 2));
+            }
+        }
+    }
+
+    // (x/a)^2 + (y/b)^2 - 1 of one curve along another.
+    class Implicit {
+    public:
+        Implicit(const Piece &curve, const Piece &along)
+        {
+            const double c = std::cos(curve.rotation);
+            const double s = std::sin(curve.rotation);
+            const auto set = [&](double x, double y, double &u, double &v) {
+                u = (x * c + y * s) / curve.a;
+                v = (y * c - x * s) / curve.b;
+            };
+            const double cosine = std::cos(along.rotation);
+            const double sine = std::sin(along.rotation);
+            set(along.centre.x() - curve.centre.x(), along.centre.y() - curve.centre.y(), u0, v0);
+            set(along.a * cosine, along.a * sine, uc, vc);
+            set(-along.b * sine, along.b * cosine, us, vs);
+        }
+        double at(double t) const
+        {
+            const double c = std::cos(t);
+            const double s = std::sin(t);
+            const double u = u0 + uc * c + us * s;
+            const double v = v0 + vc * c + vs * s;
+            return (u * u + v * v) - 1;
+        }
+
+    private:
+        double u0, v0, uc, vc, us, vs;
+    };
 
     // The same curve with another beginning of its parameter: other roots of another quartic.
     static Piece turned(const Piece &piece)
@@ -253,15 +330,16 @@ private:
     Piece first;
     Piece second;
     double tolerance;
+    int mostPasses;
 };
 
 } // namespace
 
-bool meet(const Piece &first, const Piece &second, std::vector<karD_Point> &points)
+bool meet(const Piece &first, const Piece &second, int mostPasses, std::vector<karD_Point> &points)
 {
     if (!(sizeOf(first) > 0 && sizeOf(second) > 0))
         return true; // a line without length crosses nothing
-    Pair pair(first, second);
+    Pair pair(first, second, mostPasses);
     if (pair.tooCoarse())
         return true;
     const bool settled = pair.solve();

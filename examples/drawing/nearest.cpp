@@ -21,8 +21,12 @@ void addIfOn(const Piece &piece, const karD_Point &foot, std::vector<karD_Point>
 // An ellipse with its longer axis on the x axis, a = 1 and the centre in the origin.
 class UnitEllipse {
 public:
-    explicit UnitEllipse(const Piece &ownPiece)
-        : piece(ownPiece), flat(piece.b / piece.a), c(std::cos(piece.rotation)), s(std::sin(piece.rotation))
+    UnitEllipse(const Piece &ownPiece, int passes)
+        : piece(ownPiece),
+          mostPasses(passes),
+          flat(piece.b / piece.a),
+          c(std::cos(piece.rotation)),
+          s(std::sin(piece.rotation))
     {}
 
     // False where the iteration doesn't settle.
@@ -45,7 +49,6 @@ public:
 private:
     bool look(double x, double y, std::vector<karD_Point> &found)
     {
-        constexpr int mostPasses = 1000;
         double fx[4] = {};
         double fy[4] = {};
         int passes = mostPasses;
@@ -84,6 +87,7 @@ private:
     }
 
     const Piece &piece;
+    int mostPasses;
     double flat;
     double c;
     double s;
@@ -91,7 +95,7 @@ private:
     double py = 0;
 };
 
-bool feetOf(const Piece &piece, const karD_Point &point, std::vector<karD_Point> &feet)
+bool feetOf(const Piece &piece, const karD_Point &point, int mostPasses, std::vector<karD_Point> &feet)
 {
     if (!piece.curved) {
         if (!(piece.start.DistEuk(piece.end) > 0))
@@ -117,12 +121,12 @@ bool feetOf(const Piece &piece, const karD_Point &point, std::vector<karD_Point>
         addIfOn(piece, karD_Point(piece.centre.x() - dx, piece.centre.y() - dy), feet);
         return true;
     }
-    return UnitEllipse(piece).feet(point, feet);
+    return UnitEllipse(piece, mostPasses).feet(point, feet);
 }
 
 } // namespace
 
-std::vector<Foot> nearestFeet(const Picture &picture, const karD_Point &point, karFilter &filter)
+std::vector<Foot> nearestFeet(const Picture &picture, const karD_Point &point, int mostPasses, karFilter &filter)
 {
     Phase phase(filter, 90, 95, "looking for the nearest");
     std::vector<Foot> result;
@@ -132,7 +136,7 @@ std::vector<Foot> nearestFeet(const Picture &picture, const karD_Point &point, k
             break;
         feet.clear();
         for (const Piece &piece : picture[i].pieces)
-            if (!feetOf(piece, point, feet))
+            if (!feetOf(piece, point, mostPasses, feet))
                 FindingMaker(filter, FindingUnsettledFoot, 1) << karString(nameOf(picture[i]).c_str());
         const auto nearer = [&point](const karD_Point &p, const karD_Point &q) {
             return p.DistSqr(point) < q.DistSqr(point);

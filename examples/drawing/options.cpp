@@ -87,6 +87,8 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     CLI::Option *rounding = app.add_option("--fillet", fillet, "Blends corners of lines by arcs of this radius");
     app.add_option("--chamfer", chamfer, "Cuts corners of lines at this distance")->excludes(rounding);
     app.add_option("--nearest", nearTo, "X,Y: finds the nearest foot of a perpendicular on every curve");
+    app.add_option("--passes", options.mostPasses, "The most passes of an iteration for crossings and feet")
+        ->check(CLI::Range(1, 1000000));
     app.add_option("--svg", options.svg, "Draws the picture into this file; \"-\" is standard output, here and below");
     app.add_option("--dxf", options.dxf, "Writes the picture as a drawing without blocks");
     app.add_option("--json", options.json, "Writes the report for programs");

@@ -18,7 +18,8 @@ struct Options {
     std::optional<CornerForm> cornerForm;
     double cornerSize = 0.0;
     std::optional<karD_Point> nearTo;
-    std::string svg; ///< files to write; empty for none, "-" for standard output
+    int mostPasses = 1000; ///< of one iteration
+    std::string svg;       ///< files to write; empty for none, "-" for standard output
     std::string dxf;
     std::string json;
     std::string csv;

@@ -517,6 +517,24 @@ class Crossings(DrawingTest):
         self.assertEqual(self.crossings(entities, "--transform", "scale=2,1"), [(-8, 3), (8, 3)])
         self.assertEqual(self.crossings(entities, "--transform", "rotate=90"), [(-3, -4), (-3, 4)])
 
+    def test_of_curves_that_touch_are_found(self):
+        # The circle of curvature at an end of the long axis, b^2 / a, and one that touches at t = 1.
+        (x, y), = self.crossings(ellipse(0, 0, 4, 0, 0.5) + circle(3, 0, 1))
+        self.assertLess(math.dist((x, y), (4, 0)), 0.01)  # they part by a billionth within that
+        x, y = 4 * math.cos(1), 2 * math.sin(1)
+        length = math.hypot(2 * math.cos(1), 4 * math.sin(1))
+        nx, ny = 2 * math.cos(1) / length, 4 * math.sin(1) / length
+        self.assertEqual(self.crossings(ellipse(0, 0, 4, 0, 0.5) + circle(x + 3 * nx, y + 3 * ny, 3)),
+                         [(round(x, 6), round(y, 6))])
+
+    def test_a_pair_that_does_not_settle_is_told(self):
+        path = self.file(drawing(ellipse(0, 0, 5, 0, 0.6) + ellipse(1, 0, 0, 5, 0.6)))
+        result = run(path, "--passes", "1", "--nearest", "3,4")
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("crossings of ELLIPSE (A) and ELLIPSE (A) may be missing: the iteration does not settle", result.stderr)
+        self.assertIn("feet on ELLIPSE (A) may be missing: the iteration does not settle", result.stderr)
+        self.assertEqual(result.stdout.count("Crossings: 4\n"), 1)  # found by a walk along the curve none the less
+
     def test_of_random_curves_against_their_signs(self):
         """Crossings of whole curves are counted where one curve's implicit form changes its sign along the other."""
         seed = 20
@@ -996,16 +1014,32 @@ class Operation(DrawingTest):
         result = run(path, KARTORY_DRAWING_BREAK_AT="100000")
         self.assertEqual((result.returncode, result.stderr), (0, ""))
 
-    def test_an_interrupt_from_outside(self):
-        for presses, statuses in ((1, (130,)), (3, (130, -signal.SIGINT))):
-            with subprocess.Popen([PROGRAM, SAMPLES / "site-plan.dxf"], stdout=subprocess.PIPE,
-                                  stderr=subprocess.PIPE, env=environment(KARTORY_DRAWING_BREAK_AT="0")) as process:
-                for _ in range(presses):
-                    time.sleep(0.15)
-                    process.send_signal(signal.SIGINT)
-                process.communicate()
-                # before the handler stands, and behind the end of the work, one press already ends the program
-                self.assertIn(process.returncode, (*statuses, -signal.SIGINT, 0))
+    def interrupted(self, presses):
+        """Presses Ctrl-C once the bar stands: exit status and what the terminal got."""
+        terminal, end = pty.openpty()
+        with subprocess.Popen([PROGRAM, SAMPLES / "site-plan.dxf"], stdout=subprocess.DEVNULL, stderr=end,
+                              env=environment()) as process:
+            os.close(end)
+            received = os.read(terminal, 4096)
+            for _ in range(presses):
+                process.send_signal(signal.SIGINT)
+                time.sleep(0.002)
+            try:
+                while portion := os.read(terminal, 4096):
+                    received += portion
+            except OSError:
+                pass
+            os.close(terminal)
+        return process.returncode, received.decode()
+
+    def test_ctrl_c_asks_for_a_break(self):
+        status, received = self.interrupted(1)
+        self.assertEqual(status, 130)
+        self.assertRegex(received, r"stopped on request while [a-z]+, \d+ elements done")
+
+    def test_ctrl_c_twice_ends_the_program(self):
+        status, _ = self.interrupted(2)
+        self.assertIn(status, (-signal.SIGINT, 130))  # 130 where the break was quicker than the second press
 
     def test_the_bar_is_one_line_that_rises(self):
         start = time.monotonic()

@@ -1,13 +1,13 @@
-// Any groups as a drawing: it is refused with a sentence, or it is read, placed, measured and drawn.
+// Any groups as a drawing: it is refused with a sentence, or everything is done with it.
 #include "console.h"
 #include "dxfreader.h"
 #include "dxftext.h"
-#include "measure.h"
-#include "picture.h"
+#include "report.h"
 #include "svg.h"
 
 #include "fuzzinput.h"
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -54,7 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const bool raw = input.below(4) == 0;
     const std::string text = raw ? std::string(data, data + size) : drawingFrom(input, size / 2);
     karFilter filter;
-    Drawing drawing;
+    Results results;
+    Drawing &drawing = results.drawing;
     try {
         {
             Phase phase(filter, 0, 30, "reading");
@@ -63,9 +64,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         drawing.entities.sort();
         karTransformationInfo transformation;
         transformation.SetRotateZ(0.5).SetScaleX(2.0);
-        const Picture picture = place(drawing, transformation, filter);
-        const Measures measures = measure(picture, filter);
-        toSvg(picture, measures.whole, {});
+        results.picture = place(drawing, transformation, filter);
+        if (results.picture.size() > 2000)
+            return 0; // inserts in rows and columns: right, but slow
+        workCorners(results.picture, raw ? CornerForm::Fillet : CornerForm::Chamfer, 0.25, filter);
+        results.measures = measure(results.picture, filter);
+        results.crossings = findCrossings(results.picture, 50, filter);
+        results.nearTo = karD_Point(1.0, 2.0);
+        results.feet = nearestFeet(results.picture, *results.nearTo, 50, filter);
+        for (const Crossing &crossing : results.crossings)
+            if (!std::isfinite(crossing.at.x()) || !std::isfinite(crossing.at.y()))
+                std::abort();
+        toSvg(results.picture, results.measures.whole, {});
+        toJson(results, filter);
+        toCsv(results);
     } catch (const DrawingError &error) {
         if (*error.what() == '\0')
             std::abort();
