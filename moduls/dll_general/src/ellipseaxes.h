@@ -21,6 +21,8 @@ struct EllipseAxes {
     double R;
     double S;
 
+    /// A circle: cos 0 is 1 and sin 0 is 0 with every C library.
+    explicit EllipseAxes(double radius) : P(radius), Q(-radius * 0.0), R(radius * 0.0), S(radius) {}
     EllipseAxes(double a, double b, double rotation)
     {
         const double c = std::cos(rotation);
@@ -49,6 +51,8 @@ struct UnitCirclePoint {
     /// start = end is the whole circle; a `u` beyond 1 lies on no arc.
     bool isBetween(double start, double end) const
     {
+        if (start <= 0 && end >= fullTurn)
+            return std::fabs(u) <= 1; // any t
         double t = std::acos(u);
         if (v < 0)
             t = fullTurn - std::fabs(t);

@@ -39,6 +39,11 @@ struct EllipticalArc : kar::EllipseAxes {
         : EllipseAxes(a, b, rotation), cx(centreX), cy(centreY), start(from), end(to)
     {}
 
+    static EllipticalArc circular(double centreX, double centreY, double radius, double from, double to)
+    {
+        return {EllipseAxes(radius), centreX, centreY, from, to};
+    }
+
     // The point of t = 2*arctan u: cos t = (1 - u*u)/(1 + u*u), sin t = 2*u/(1 + u*u).
     Point atHalfAngle(double u) const
     {
@@ -53,6 +58,11 @@ struct EllipticalArc : kar::EllipseAxes {
         return kar::isOnEllipticalArc(*this, start, end, dx, dy, curveTolerance);
     }
     bool holds(Point point) const { return holdsOffset(point.x - cx, point.y - cy); }
+
+private:
+    EllipticalArc(const EllipseAxes &axes, double centreX, double centreY, double from, double to)
+        : EllipseAxes(axes), cx(centreX), cy(centreY), start(from), end(to)
+    {}
 };
 
 // The output pairs of a call.
@@ -137,8 +147,8 @@ void quarticOf(const EllipticalArc &first, const EllipticalArc &second, double D
 
 // `solve(degree, coefficients, re, im)` gives the number of roots that it stored from entry 1 on.
 template <class Solver>
-int intersect(const EllipticalArc &first, const EllipticalArc &second, int limitMask, const Outputs &outputs,
-              Solver solve)
+int intersectBy(const EllipticalArc &first, const EllipticalArc &second, int limitMask, const Outputs &outputs,
+                Solver solve)
 {
     const double D = (first.S * first.P) - (first.R * first.Q); // a1*b1
     if (std::fabs(D) < quarticTolerance)
@@ -170,10 +180,25 @@ int intersect(const EllipticalArc &first, const EllipticalArc &second, int limit
     return count;
 }
 
-int solveUnbounded(int degree, double *coefficients, double *re, double *im)
+int intersect(const EllipticalArc &first, const EllipticalArc &second, int limitMask, const Outputs &outputs)
 {
-    eqbairstow(degree, coefficients, re, im, 1.0, -1.0, curveTolerance);
-    return degree;
+    return intersectBy(first, second, limitMask, outputs, [](int degree, double *coefficients, double *re, double *im) {
+        eqbairstow(degree, coefficients, re, im, 1.0, -1.0, curveTolerance);
+        return degree;
+    });
+}
+
+// `limitMask` may have come from the variable of `passes`.
+int intersect(const EllipticalArc &first, const EllipticalArc &second, int limitMask, const Outputs &outputs,
+              int &passes)
+{
+    const int allowed = passes;
+    passes = 0; // where no factor is looked for
+    return intersectBy(first, second, limitMask, outputs,
+                       [&](int degree, double *coefficients, double *re, double *im) {
+                           passes = allowed;
+                           return eqbairstow(degree, coefficients, re, im, 1.0, -1.0, curveTolerance, passes);
+                       });
 }
 
 template <class Solver>
@@ -254,7 +279,7 @@ int Intersect_Line_Arc(const double &x1, const double &y1, const double &x2, con
                        const double &cy, const double &radius, const double &start, const double &end,
                        const int &limitMask, double &p1x, double &p1y, double &p2x, double &p2y)
 {
-    return intersect(Line{x1, y1, x2, y2}, EllipticalArc(cx, cy, radius, radius, 0.0, start, end), limitMask, p1x, p1y,
+    return intersect(Line{x1, y1, x2, y2}, EllipticalArc::circular(cx, cy, radius, start, end), limitMask, p1x, p1y,
                      p2x, p2y);
 }
 
@@ -280,8 +305,9 @@ int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double &r1, co
                       const int &limitMask, double &p1x, double &p1y, double &p2x, double &p2y)
 {
     double hidden[4];
-    return Intersect_Ellipse_Ellipse(c1x, c1y, r1, r1, 0.0, start1, end1, c2x, c2y, r2, r2, 0.0, start2, end2,
-                                     limitMask, p1x, p1y, p2x, p2y, hidden[0], hidden[1], hidden[2], hidden[3]);
+    return intersect(EllipticalArc::circular(c1x, c1y, r1, start1, end1),
+                     EllipticalArc::circular(c2x, c2y, r2, start2, end2), limitMask,
+                     {&p1x, &p1y, &p2x, &p2y, &hidden[0], &hidden[1], &hidden[2], &hidden[3]});
 }
 
 int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double &r1, const double &start1, const double &end1,
@@ -289,8 +315,9 @@ int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double &r1, co
                       const int &limitMask, double &p1x, double &p1y, double &p2x, double &p2y, int &passes)
 {
     double hidden[4];
-    return Intersect_Ellipse_Ellipse(c1x, c1y, r1, r1, 0.0, start1, end1, c2x, c2y, r2, r2, 0.0, start2, end2,
-                                     limitMask, p1x, p1y, p2x, p2y, hidden[0], hidden[1], hidden[2], hidden[3], passes);
+    return intersect(EllipticalArc::circular(c1x, c1y, r1, start1, end1),
+                     EllipticalArc::circular(c2x, c2y, r2, start2, end2), limitMask,
+                     {&p1x, &p1y, &p2x, &p2y, &hidden[0], &hidden[1], &hidden[2], &hidden[3]}, passes);
 }
 
 int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double &a1, const double &b1,
@@ -301,7 +328,7 @@ int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double
 {
     return intersect(EllipticalArc(c1x, c1y, a1, b1, rotation1, start1, end1),
                      EllipticalArc(c2x, c2y, a2, b2, rotation2, start2, end2), limitMask,
-                     {&p1x, &p1y, &p2x, &p2y, &p3x, &p3y, &p4x, &p4y}, solveUnbounded);
+                     {&p1x, &p1y, &p2x, &p2y, &p3x, &p3y, &p4x, &p4y});
 }
 
 int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double &a1, const double &b1,
@@ -310,16 +337,9 @@ int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double
                               const double &start2, const double &end2, const int &limitMask, double &p1x, double &p1y,
                               double &p2x, double &p2y, double &p3x, double &p3y, double &p4x, double &p4y, int &passes)
 {
-    const int mask = limitMask; // may be the same variable as `passes`
-    const int allowed = passes;
-    passes = 0; // where no factor is looked for
     return intersect(EllipticalArc(c1x, c1y, a1, b1, rotation1, start1, end1),
-                     EllipticalArc(c2x, c2y, a2, b2, rotation2, start2, end2), mask,
-                     {&p1x, &p1y, &p2x, &p2y, &p3x, &p3y, &p4x, &p4y},
-                     [&](int degree, double *coefficients, double *re, double *im) {
-                         passes = allowed;
-                         return eqbairstow(degree, coefficients, re, im, 1.0, -1.0, curveTolerance, passes);
-                     });
+                     EllipticalArc(c2x, c2y, a2, b2, rotation2, start2, end2), limitMask,
+                     {&p1x, &p1y, &p2x, &p2y, &p3x, &p3y, &p4x, &p4y}, passes);
 }
 
 int Calculate_Perpendicular_Points_To_Ellipse(const double &px, const double &py, const double &cx, const double &cy,
