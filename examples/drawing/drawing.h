@@ -29,6 +29,7 @@ struct Attributes {
     karString layer;
     long handle = -1;                            ///< -1 where the file gives none
     karColor colour{FARBWERT_VONLAYER};          ///< a colour, or the mark of the layer's or the block's
+    bool onPaper = false;                        ///< it belongs to a sheet, not to the model
     kar3DVector extrusion{0.0, 0.0, 1.0, false}; ///< the z axis of the entity's own coordinates
 };
 
@@ -121,6 +122,7 @@ public:
     double height;
     double angle; ///< radians
     karString text;
+    int alignment = 0; ///< to `at`: 0 its left end, 1 and 4 its middle, 2 its right end
 };
 
 /// In its own coordinates.

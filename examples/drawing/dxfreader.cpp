@@ -6,6 +6,7 @@
 #include <dxflib/dl_creationadapter.h>
 #include <dxflib/dl_dxf.h>
 
+#include <cmath>
 #include <sstream>
 #include <unordered_set>
 
@@ -74,6 +75,12 @@ public:
     void addPolyline(const DL_PolylineData &data) override
     {
         constexpr int closedFlag = 1;
+        constexpr int meshFlags = 16 | 64; // its vertices are no path
+        if ((data.flags & meshFlags) != 0) {
+            polyline = nullptr;
+            other("MESH");
+            return;
+        }
         polyline = add(new PolylineEntity(own(), (data.flags & closedFlag) != 0));
         polyline->elevation = data.elevation;
     }
@@ -84,8 +91,13 @@ public:
     }
     void addText(const DL_TextData &data) override
     {
-        add(new TextEntity(own(), kar3D_Point(data.ipx, data.ipy, data.ipz), data.height, data.angle,
-                           data.text.c_str()));
+        // The place of an aligned text; what the file leaves out comes as not-a-number.
+        const bool aligned = (data.hJustification != 0 || data.vJustification != 0) && std::isfinite(data.apx) &&
+                             std::isfinite(data.apy);
+        const kar3D_Point at =
+            aligned ? kar3D_Point(data.apx, data.apy, data.ipz) : kar3D_Point(data.ipx, data.ipy, data.ipz);
+        TextEntity *entity = add(new TextEntity(own(), at, data.height, data.angle, data.text.c_str()));
+        entity->alignment = data.hJustification;
     }
     void addInsert(const DL_InsertData &data) override
     {
@@ -143,6 +155,7 @@ private:
         result.layer = read.getLayer().c_str();
         result.handle = read.getHandle();
         result.colour = colour(read);
+        result.onPaper = read.isInPaperSpace();
         const double *direction = getExtrusion()->getDirection();
         result.extrusion.Set(direction[0], direction[1], direction[2], false);
         return result;

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string_view>
 
 namespace {
@@ -100,7 +99,18 @@ std::string readFile(const std::string &path)
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw DrawingError(std::strerror(errno));
-    std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    // Piece by piece: a device may have no end.
+    constexpr std::size_t megabyte = 1u << 20;
+    constexpr int mostMegabytes = 1024;
+    std::string content;
+    do {
+        const std::size_t size = content.size();
+        if (size >= mostMegabytes * megabyte)
+            throw DrawingError(textOf("is larger than %d MB", mostMegabytes));
+        content.resize(size + megabyte);
+        file.read(content.data() + size, megabyte);
+        content.resize(size + static_cast<std::size_t>(file.gcount()));
+    } while (file);
     if (file.bad())
         throw DrawingError(text("can't be read"));
     if (content.empty())

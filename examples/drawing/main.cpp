@@ -2,6 +2,7 @@
 #include "console.h"
 #include "dxfreader.h"
 #include "dxftext.h"
+#include "dxfwriter.h"
 #include "operation.h"
 #include "options.h"
 #include "report.h"
@@ -10,6 +11,7 @@
 
 #include <iostream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -30,7 +32,43 @@ void work(const Options &options, Results &results, karFilter &filter)
             results.drawing.entities.sort();
     }
     results.picture = place(results.drawing, options.transformation, filter);
+    results.cornerForm = options.cornerForm;
+    if (options.cornerForm)
+        results.corners = workCorners(results.picture, *options.cornerForm, options.cornerSize, filter);
     results.measures = measure(results.picture, filter);
+    results.crossings = findCrossings(results.picture, options.mostPasses, filter);
+    results.nearTo = options.nearTo;
+    if (options.nearTo)
+        results.feet = nearestFeet(results.picture, *options.nearTo, options.mostPasses, filter);
+}
+
+// Each file is there whole or not at all.
+void writeFiles(const Options &options, const Results &results, karFilter &filter)
+{
+    if (!options.svg.empty()) {
+        std::vector<karD_Point> marks;
+        for (const Crossing &crossing : results.crossings)
+            marks.push_back(crossing.at);
+        saveWhole(options.svg, toSvg(results.picture, results.measures.whole, marks));
+    }
+    if (!options.dxf.empty()) {
+        SaveFile file(options.dxf);
+        if (!writeDxf(file.temporary(), results.picture, results.drawing))
+            throw OutputError(options.dxf + ": " + static_cast<const char *>(text("can't be written")));
+        file.commit();
+    }
+    if (!options.json.empty())
+        saveWhole(options.json, toJson(results, filter));
+    if (!options.csv.empty())
+        saveWhole(options.csv, toCsv(results));
+}
+
+void tell(const Results &results)
+{
+    printReport(std::cout, results);
+    std::cout.flush();
+    if (!std::cout)
+        throw OutputError(static_cast<const char *>(text("the report can't be written")));
 }
 
 int run(const Options &options, Console &console)
@@ -43,11 +81,14 @@ int run(const Options &options, Console &console)
     work(options, results, filter);
     console.clearBar();
     tellFindings(filter);
-    printReport(std::cout, results);
-    if (filter.getBreak() != BreakNone)
-        return stopped; // and no file is written
-    if (!options.svg.empty())
-        saveWhole(options.svg, toSvg(results.picture, results.measures.whole, {}));
+    const bool filesOnly = options.svg == "-" || options.json == "-" || options.csv == "-";
+    if (filter.getBreak() != BreakNone) { // what was done is reported, but no file is written
+        tell(results);
+        return stopped;
+    }
+    if (!filesOnly)
+        tell(results);
+    writeFiles(options, results, filter);
     return 0;
 }
 

@@ -41,7 +41,7 @@ Extent extentOf(const Shape &shape)
 Measures measure(const Picture &picture, karFilter &filter)
 {
     Measures measures;
-    Phase phase(filter, 45, 55, "measuring");
+    Phase phase(filter, 50, 60, "measuring");
     for (std::size_t i = 0; i < picture.size(); ++i) {
         if (!phase.next(static_cast<double>(i) / static_cast<double>(picture.size())))
             break;

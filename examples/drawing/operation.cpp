@@ -79,6 +79,16 @@ karString describe(const karMessageBase &finding)
         return textOf("%s is left out: %s", static_cast<const char *>(textAt(0)), static_cast<const char *>(textAt(1)));
     case FindingMissingBlock:
         return textOf("block \"%s\" is not there", static_cast<const char *>(textAt(0)));
+    case FindingUnsettled:
+        return textOf("crossings of %s and %s may be missing: the iteration does not settle",
+                      static_cast<const char *>(textAt(0)), static_cast<const char *>(textAt(1)));
+    case FindingUnsettledFoot:
+        return textOf("feet on %s may be missing: the iteration does not settle", static_cast<const char *>(textAt(0)));
+    case FindingTooManyCrossings:
+        return textOf("too much lies on one another: the search ended after %d crossings", numberAt(0));
+    case FindingSharpCorner:
+        return textOf("%s keeps its corner at %s: its sides are too short", static_cast<const char *>(textAt(0)),
+                      static_cast<const char *>(textAt(1)));
     default:
         return karString();
     }

@@ -44,9 +44,13 @@ private:
 
 /// What the user should know, as a message of the controller. The parameters follow the id.
 enum Finding : int {
-    FindingStopped = 101, ///< text: the phase; integer: elements done
-    FindingLeftOut,       ///< text: the entity; text: why
-    FindingMissingBlock,  ///< text: the block's name
+    FindingStopped = 101,    ///< text: the phase; integer: elements done
+    FindingLeftOut,          ///< text: the entity; text: why
+    FindingMissingBlock,     ///< text: the block's name
+    FindingUnsettled,        ///< texts: two entities
+    FindingTooManyCrossings, ///< integer: how many were found
+    FindingUnsettledFoot,    ///< text: the entity
+    FindingSharpCorner,      ///< text: the entity; text: the corner
 };
 
 /// Adds a finding; the parameters are texts and integers in the order of the id's comment.

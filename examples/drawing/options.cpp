@@ -61,6 +61,14 @@ karTransformationInfo transformation(const std::string &text)
     return info;
 }
 
+void setCorners(Options &options, CornerForm form, const std::string &size)
+{
+    options.cornerForm = form;
+    options.cornerSize = numbers(size, 1, 1)[0];
+    if (!(options.cornerSize > 0))
+        throw CLI::ValidationError("\"" + size + "\" is not above 0");
+}
+
 } // namespace
 
 std::optional<int> readOptions(int argc, char **argv, Options &options)
@@ -69,11 +77,22 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     bool quiet = false;
     bool verbose = false;
     std::vector<std::string> transformations;
+    std::string fillet;
+    std::string chamfer;
+    std::string nearTo;
     app.add_option("FILE", options.path, "DXF drawing, text form")->required();
     app.add_option("--transform", transformations,
                    "translate=X,Y, rotate=DEGREES or scale=X[,Y]; repeated, all count: scaled, then turned, then moved")
         ->allow_extra_args(false);
-    app.add_option("--svg", options.svg, "Draws the picture into this file");
+    CLI::Option *rounding = app.add_option("--fillet", fillet, "Blends corners of lines by arcs of this radius");
+    app.add_option("--chamfer", chamfer, "Cuts corners of lines at this distance")->excludes(rounding);
+    app.add_option("--nearest", nearTo, "X,Y: finds the nearest foot of a perpendicular on every curve");
+    app.add_option("--passes", options.mostPasses, "The most passes of an iteration for crossings and feet")
+        ->check(CLI::Range(1, 1000000));
+    app.add_option("--svg", options.svg, "Draws the picture into this file; \"-\" is standard output, here and below");
+    app.add_option("--dxf", options.dxf, "Writes the picture as a drawing without blocks");
+    app.add_option("--json", options.json, "Writes the report for programs");
+    app.add_option("--csv", options.csv, "Writes the crossings as a table");
     app.add_option("--lang", options.language, "Language of messages and report; otherwise that of LANG")
         ->check(CLI::IsMember({"en", "de"}));
     CLI::Option *quietly = app.add_flag("-q,--quiet", quiet, "No messages but errors");
@@ -82,6 +101,14 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
         app.parse(argc, argv);
         for (const std::string &one : transformations)
             options.transformation += transformation(one);
+        if (!fillet.empty())
+            setCorners(options, CornerForm::Fillet, fillet);
+        if (!chamfer.empty())
+            setCorners(options, CornerForm::Chamfer, chamfer);
+        if (!nearTo.empty()) {
+            const std::vector<double> place = numbers(nearTo, 2, 2);
+            options.nearTo = karD_Point(place[0], place[1]);
+        }
     } catch (const CLI::ParseError &error) {
         return app.exit(error);
     }

@@ -3,6 +3,7 @@
 #define OPTIONS_H
 
 #include "console.h"
+#include "corners.h"
 
 #include <krkgeneral.h>
 
@@ -14,7 +15,14 @@ struct Options {
     std::string language; ///< "en", "de", or empty for that of the environment
     Loudness loudness = Loudness::Usual;
     karTransformationInfo transformation;
-    std::string svg; ///< files to write; empty for none, "-" for standard output
+    std::optional<CornerForm> cornerForm;
+    double cornerSize = 0.0;
+    std::optional<karD_Point> nearTo;
+    int mostPasses = 1000; ///< of one iteration
+    std::string svg;       ///< files to write; empty for none, "-" for standard output
+    std::string dxf;
+    std::string json;
+    std::string csv;
 };
 
 /// Reads the command line. What it gives is the exit status of a program that is done already: after `--help`, and with an

@@ -9,7 +9,7 @@ namespace {
 
 constexpr double largestAngle = 1e6;       // radians; the library's turn-by-turn loops take too long beyond
 constexpr double largestCoordinate = 1e15; // beyond, doubles are too coarse to draw with
-constexpr int mostPlaced = 2000000;        // entities, those of inserted blocks counted each time
+constexpr int mostPlaced = 1000000;        // entities, those of inserted blocks counted each time
 
 // Where an entity is placed: the coordinates, and what it inherits from the insert of its block.
 struct Surroundings {
@@ -60,6 +60,8 @@ public:
                 stopped = true;
                 break;
             }
+            if (depth == 0 && entity->attributes.onPaper)
+                continue;
             surroundings = around;
             level = depth;
             filterObject(entity);

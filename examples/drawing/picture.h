@@ -30,7 +30,7 @@ std::string nameOf(const Shape &shape);
 
 using Picture = std::vector<Shape>;
 
-/// Places all entities of the drawing. What can't be placed (a circle without radius, an angle beyond 1e6, a block that
+/// Places all entities of the drawing but those of its sheets. What can't be placed (a circle without radius, an angle beyond 1e6, a block that
 /// isn't there) is left out and becomes a finding. After a break the picture holds what was placed before.
 /// Throws `DrawingError` for a drawing that becomes too large by its inserts.
 Picture place(const Drawing &drawing, const karTransformationInfo &transformation, karFilter &filter);

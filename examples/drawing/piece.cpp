@@ -158,8 +158,8 @@ karD_Rect sampledBox(const Piece &piece)
         return CalculateBoundingRect(piece.centre.x(), piece.centre.y(), piece.a, piece.b, piece.rotation);
     constexpr double degree = pi / 180;
     std::vector<karD_Point> samples{piece.start, piece.end};
-    for (double t = 0; t < piece.sweep; t += degree)
-        samples.push_back(piece.at(piece.from + t));
+    for (int i = 1; i * degree < piece.sweep; ++i)
+        samples.push_back(piece.at(piece.from + i * degree));
     return CalculateBoundingRect(karArrayT<karD_Point>{samples.data(), static_cast<unsigned>(samples.size())});
 }
 

@@ -23,8 +23,8 @@ Placement Placement::ofExtrusion(const kar3DVector &extrusion)
 Placement Placement::of(const karTransformationInfo &info)
 {
     // One after the other: the product of the three matrices turns and scales the translation as well.
-    const auto image = [&info](double x, double y, double z) {
-        return ((kar3D_Point(x, y, z) * info.GetScaleMatrix()) * info.GetRotateMatrix()) * info.GetTranslateMatrix();
+    const auto image = [&info](double px, double py, double pz) {
+        return ((kar3D_Point(px, py, pz) * info.GetScaleMatrix()) * info.GetRotateMatrix()) * info.GetTranslateMatrix();
     };
     Placement result;
     result.origin = image(0.0, 0.0, 0.0);

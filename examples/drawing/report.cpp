@@ -36,7 +36,7 @@ private:
     errorCodesKARTORY count(karFilterObject *item)
     {
         const auto &entity = static_cast<const Entity &>(*item);
-        ++layers[std::string(entity.attributes.layer)][entity.kind];
+        ++layers[std::string(entity.attributes.layer)][static_cast<std::size_t>(entity.kind)];
         return KAR_SUCCESS;
     }
     errorCodesKARTORY countOther(karFilterObject *item)
@@ -122,6 +122,42 @@ void printExtents(std::ostream &out, const Measures &measures)
     printExtent(out, std::string(text("whole")), measures.whole);
 }
 
+std::string placeText(const karD_Point &at, int places)
+{
+    return decimal(at.x(), places) + ", " + decimal(at.y(), places);
+}
+
+constexpr std::size_t mostRows = 10; // of a list in the text
+
+void printRest(std::ostream &out, std::size_t count)
+{
+    if (count > mostRows)
+        out << "    " << textOf("and %d more", static_cast<int>(count - mostRows)) << '\n';
+}
+
+void printCrossings(std::ostream &out, const Results &results, int places)
+{
+    out << textOf("Crossings: %d", static_cast<int>(results.crossings.size())) << '\n';
+    for (std::size_t i = 0; i < results.crossings.size() && i < mostRows; ++i) {
+        const Crossing &crossing = results.crossings[i];
+        out << "    " << std::left << std::setw(24) << placeText(crossing.at, places) << ' '
+            << nameOf(results.picture[crossing.first]) << ", " << nameOf(results.picture[crossing.second]) << '\n';
+    }
+    printRest(out, results.crossings.size());
+}
+
+void printFeet(std::ostream &out, const Results &results, int places)
+{
+    const std::string place = placeText(*results.nearTo, places);
+    out << textOf("Nearest feet of perpendiculars from (%s)", place.c_str()) << '\n';
+    for (std::size_t i = 0; i < results.feet.size() && i < mostRows; ++i) {
+        const Foot &foot = results.feet[i];
+        out << "    " << std::left << std::setw(24) << placeText(foot.at, places) << ' ' << text("distance") << ' '
+            << std::setw(12) << decimal(foot.distance, places) << ' ' << nameOf(results.picture[foot.shape]) << '\n';
+    }
+    printRest(out, results.feet.size());
+}
+
 } // namespace
 
 void printReport(std::ostream &out, const Results &results)
@@ -130,5 +166,14 @@ void printReport(std::ostream &out, const Results &results)
     printInventory(out, results.drawing);
     printLayers(out, results);
     printExtents(out, results.measures);
+    const karD_Rect &box = results.measures.whole.exact;
+    const int places = placesFor(std::max(box.width(), box.height()));
+    if (results.cornerForm)
+        out << textOf(*results.cornerForm == CornerForm::Fillet ? "Corners: %d blended" : "Corners: %d cut",
+                      results.corners)
+            << '\n';
+    printCrossings(out, results, places);
+    if (results.nearTo)
+        printFeet(out, results, places);
     printMemory(out);
 }

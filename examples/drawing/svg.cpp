@@ -129,15 +129,19 @@ private:
         const std::string content(entity.text);
         if (!(entity.height > 0) || content.empty())
             return;
+        const bool middle = entity.alignment == 1 || entity.alignment == 4;
+        const bool atEnd = entity.alignment == 2;
+        const std::string anchor = middle ? " text-anchor=\"middle\"" : atEnd ? " text-anchor=\"end\"" : "";
         body += "<text stroke=\"none\" fill=\"" + hex(shape.colour) + "\" font-family=\"sans-serif\" font-size=\"" +
-                number(entity.height) + "\" transform=\"matrix(" + decimal(shape.right.x(), fine) + "," +
+                number(entity.height) + "\"" + anchor + " transform=\"matrix(" + decimal(shape.right.x(), fine) + "," +
                 decimal(-shape.right.y(), fine) + "," + decimal(-shape.up.x(), fine) + "," +
                 decimal(shape.up.y(), fine) + "," + place(shape.at) + ")\">" + escaped(content) + "</text>\n";
         // About the room that it takes, so that the view holds it.
         const double room = 0.6 * entity.height * static_cast<double>(content.size());
-        const karD_Point end(shape.at.x() + shape.right.x() * room, shape.at.y() + shape.right.y() * room);
+        const karD_Point along(shape.right.x() * room, shape.right.y() * room);
         const karD_Point top(shape.up.x() * entity.height, shape.up.y() * entity.height);
-        for (const karD_Point &p : {shape.at, end, shape.at + top, end + top})
+        const karD_Point start = shape.at - along * (middle ? 0.5 : atEnd ? 1.0 : 0.0);
+        for (const karD_Point &p : {start, start + along, start + top, start + along + top})
             texts.add(karD_Rect(p, p), karD_Rect(p, p));
     }
 

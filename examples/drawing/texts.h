@@ -25,6 +25,6 @@ karString text(const char *english);
 karString textOf(const char *english, ...);
 
 /// A format with its arguments.
-__attribute__((format(printf, 1, 0))) std::string expanded(const char *format, va_list arguments);
+std::string expanded(const char *format, va_list arguments);
 
 #endif

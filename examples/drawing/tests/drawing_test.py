@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
 """Runs the sample program as a user would: drawing_test.py PROGRAM [unittest arguments]."""
+import csv
+import json
 import math
 import os
 import pathlib
 import pty
+import random
 import re
 import signal
 import subprocess
@@ -199,6 +202,13 @@ class Inventory(DrawingTest):
         self.assertEqual(self.counts(path)["A", "OTHER"], 1)
         self.assertIn("SOLID 1", run(path).stdout)
 
+    def test_a_mesh_is_no_path(self):
+        mesh = "0\nPOLYLINE\n8\nA\n66\n1\n70\n16\n71\n2\n72\n2\n" + "".join(
+            f"0\nVERTEX\n8\nA\n10\n{x}\n20\n0\n70\n64\n" for x in range(4)) + "0\nSEQEND\n8\nA\n"
+        path = self.file(drawing(mesh))
+        self.assertEqual(self.counts(path)["A", "OTHER"], 1)
+        self.assertIn("MESH 1", run(path).stdout)
+
     def test_what_stands_behind_the_end_is_dropped(self):
         path = self.file(drawing(line()) + "trash\n\x00\x01 1e999\n")
         self.assertEqual(self.counts(path), {("layer", "kind"): 1, ("A", "LINE"): 1})
@@ -307,11 +317,18 @@ class Extents(DrawingTest):
         self.assertEqual(result.stderr.count("its radius is not positive"), 10)
         self.assertIn("15 more warnings like these", result.stderr)
 
+    def test_too_much_in_one_place_ends_the_search(self):
+        # 4,900 lines without length in one place: 24 million pairs.
+        many = insert("B", 0, 0, "70\n70\n71\n70\n44\n0\n45\n0\n")
+        result = run(self.file(drawing(many, block("B", segment(0, 0, 0, 0)))))
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("too much lies on one another: the search ended after 0 crossings", result.stderr)
+
     def test_inserts_that_multiply_beyond_bounds_are_refused(self):
         blocks = "".join(block(f"B{i}", insert(f"B{i + 1}") * 2) for i in range(40)) + block("B40", "")
-        self.assert_refused(self.file(drawing(insert("B0"), blocks)), "places more than 2000000 entities")
+        self.assert_refused(self.file(drawing(insert("B0"), blocks)), "places more than 1000000 entities")
         many = insert("B", 0, 0, "70\n32767\n71\n32767\n")
-        self.assert_refused(self.file(drawing(many, block("B", ""))), "places more than 2000000 entities")
+        self.assert_refused(self.file(drawing(many, block("B", ""))), "places more than 1000000 entities")
 
 
 class Lengths(DrawingTest):
@@ -369,6 +386,389 @@ class Transformation(DrawingTest):
                 self.assertNotEqual(result.stderr, "")
 
 
+class Crossings(DrawingTest):
+    def crossings(self, entities, *options, places=6):
+        """The points, rounded and sorted, and that they are the same as a table."""
+        out = self.folder / "out.json"
+        table = self.folder / "out.csv"
+        self.report(self.file(drawing(entities)), "--json", out, "--csv", table, *options)
+        found = json.loads(out.read_text())["crossings"]
+        with table.open(newline="") as file:
+            rows = list(csv.DictReader(file))
+        self.assertEqual([(float(row["x"]), float(row["y"])) for row in rows], [(one["x"], one["y"]) for one in found])
+        return sorted((round(one["x"], places) + 0.0, round(one["y"], places) + 0.0) for one in found)
+
+    def test_of_lines(self):
+        self.assertEqual(self.crossings(segment(0, 0, 4, 4) + segment(0, 2, 4, 2)), [(2, 2)])
+        self.assertEqual(self.crossings(segment(0, 0, 1, 1) + segment(0, 2, 4, 2)), [])        # beyond the end
+        self.assertEqual(self.crossings(segment(0, 0, 0, 5) + segment(-1, 3, 1, 3)), [(0, 3)])  # vertical and level
+        self.assertEqual(self.crossings(segment(0, 0, 4, 0) + segment(2, 0, 2, 3)), [(2, 0)])   # one ends on the other
+        self.assertEqual(self.crossings(segment(0, 0, 4, 0) + segment(4, 0, 9, 9)), [(4, 0)])   # end to end
+        self.assertEqual(self.crossings(segment(0, 0, 4, 0) + segment(0, 1, 4, 1)), [])         # parallel
+
+    def test_of_lines_that_lie_on_one_another(self):
+        self.assertEqual(self.crossings(segment(0, 0, 4, 0) + segment(4, 0, 9, 0)), [(4, 0)])
+        self.assertEqual(self.crossings(segment(0, 0, 4, 0) + segment(3, 0, 9, 0)), [(3, 0), (4, 0)])
+        self.assertEqual(self.crossings(segment(0, 0, 4, 0) + segment(5, 0, 9, 0)), [])
+
+    def test_of_nearly_vertical_lines(self):
+        self.assertEqual(self.crossings(segment(1, -1, 1.000000000001, 1) + segment(0, 0.5, 2, 0.5)), [(1, 0.5)])
+
+    def test_of_lines_and_circles(self):
+        self.assertEqual(self.crossings(segment(-9, 3, 9, 3) + circle(0, 0, 5)), [(-4, 3), (4, 3)])
+        self.assertEqual(self.crossings(segment(3, -9, 3, 9) + circle(0, 0, 5)), [(3, -4), (3, 4)])
+        self.assertEqual(self.crossings(segment(-9, 0, 9, 0) + circle(0, 0, 5)), [(-5, 0), (5, 0)])
+        self.assertEqual(self.crossings(segment(0, 0, 9, 0) + circle(0, 0, 5)), [(5, 0)])
+        self.assertEqual(self.crossings(segment(-9, 6, 9, 6) + circle(0, 0, 5)), [])
+
+    def test_of_a_slanted_line_through_the_leftmost_point(self):
+        # The crossing at t = pi, whose half-angle is infinite: x = -5 + s, y = s meets the circle again at s = 5.
+        self.assertEqual(self.crossings(segment(-9, -4, 9, 14) + circle(0, 0, 5)), [(-5, 0), (0, 5)])
+        self.assertEqual(self.crossings(segment(-6, 2, -4, -2) + circle(0, 0, 5)), [(-5, 0)])
+
+    def test_of_tangents(self):
+        self.assertEqual(self.crossings(segment(-9, 5, 9, 5) + circle(0, 0, 5)), [(0, 5)])
+        self.assertEqual(self.crossings(segment(-9, 0.5, 9, 0.5) + circle(0.1, 0.2, 0.3)), [(0.1, 0.5)])
+        # 3x + 4y = 25 touches the circle of radius 5 at (3, 4).
+        self.assertEqual(self.crossings(segment(-1, 7, 7, 1) + circle(0, 0, 5)), [(3, 4)])
+
+    def test_of_arcs_end_where_they_end(self):
+        self.assertEqual(self.crossings(segment(-9, 3, 9, 3) + arc(0, 0, 5, 0, 90)), [(4, 3)])
+        self.assertEqual(self.crossings(segment(-9, 3, 9, 3) + arc(0, 0, 5, 300, 60)), [(4, 3)])
+        self.assertEqual(self.crossings(segment(-9, 3, 9, 3) + arc(0, 0, 5, 180, 360)), [])
+        self.assertEqual(self.crossings(segment(0, 0, 9, 0) + arc(0, 0, 5, 0, 90)), [(5, 0)])  # at the end itself
+
+    def test_of_two_circles(self):
+        # x^2 + y^2 = 25 and (x - 6)^2 + y^2 = 25: x = 3, y = +-4.
+        self.assertEqual(self.crossings(circle(0, 0, 5) + circle(6, 0, 5)), [(3, -4), (3, 4)])
+        self.assertEqual(self.crossings(circle(0, 0, 5) + circle(0, 6, 5)), [(-4, 3), (4, 3)])
+        self.assertEqual(self.crossings(circle(0, 0, 5) + circle(10, 0, 5)), [(5, 0)])  # touching
+        self.assertEqual(self.crossings(circle(0, 0, 5) + circle(2, 0, 3)), [(5, 0)])   # from inside
+        self.assertEqual(self.crossings(circle(0, 0, 5) + circle(0, 0, 3)), [])         # concentric
+        self.assertEqual(self.crossings(circle(0, 0, 5) + circle(11, 0, 5)), [])
+        # (x + 1)^2 + y^2 = 4 and (x - 1)^2 + (y + 1)^2 = 9, where the iteration breaks down at its first step.
+        # Their difference is y = 2x + 2, so 5x^2 + 10x + 1 = 0.
+        expected = [(round(x, 6), round(2 * x + 2, 6)) for x in (-1 - math.sqrt(0.8), -1 + math.sqrt(0.8))]
+        self.assertEqual(self.crossings(circle(-1, 0, 2) + circle(1, -1, 3)), expected)
+
+    def test_of_two_arcs_find_all_points(self):
+        # Both points lie behind the roots that two slots would show.
+        for start in range(0, 360, 30):
+            entities = arc(0, 0, 5, start, start) + arc(6, 0, 5, start, start)
+            self.assertEqual(self.crossings(entities), [(3, -4), (3, 4)], start)
+
+    def test_of_arcs_of_one_circle(self):
+        self.assertEqual(self.crossings(arc(0, 0, 5, 0, 90) + arc(0, 0, 5, 90, 180)), [(0, 5)])
+        self.assertEqual(self.crossings(arc(0, 0, 5, 0, 90) + arc(0, 0, 5, 45, 180)), [(0, 5), (3.535534, 3.535534)])
+        self.assertEqual(self.crossings(arc(0, 0, 5, 0, 90) + arc(0, 0, 5, 100, 180)), [])
+
+    def test_of_ellipses(self):
+        # x^2/25 + y^2/9 = 1 and the same upright: x^2 = y^2 = 225/34.
+        c = round(math.sqrt(225 / 34), 6)
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + ellipse(0, 0, 0, 5, 0.6)),
+                         [(-c, -c), (-c, c), (c, -c), (c, c)])
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + segment(-9, 0, 9, 0)), [(-5, 0), (5, 0)])
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + segment(0, -9, 0, 9)), [(0, -3), (0, 3)])
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + circle(0, 0, 5)), [(-5, 0), (5, 0)])  # touching twice
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + circle(0, 0, 2)), [])
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + ellipse(0, 0, 5, 0, 0.6)), [])  # the same
+
+    def test_of_a_turned_ellipse_and_a_level_line_through_its_leftmost_parameter(self):
+        # The point of t = pi of an ellipse turned by 45 degrees is (-a, -a) / sqrt(2).
+        a = 5 * math.sqrt(0.5)
+        found = self.crossings(ellipse(0, 0, a, a, 0.5) + segment(-9, -a, 9, -a))
+        self.assertIn((-3.535534, -3.535534), found)
+        self.assertEqual(len(found), 2)
+
+    def test_of_pairs_of_any_size_and_place(self):
+        for scale in (1e-7, 1e-3, 1.0, 1e5):
+            for x, y in ((0.0, 0.0), (1000 * scale, -500 * scale)):
+                with self.subTest(scale=scale, x=x, y=y):
+                    def scaled(px, py):
+                        return round((px - x) / scale, 5) + 0.0, round((py - y) / scale, 5) + 0.0
+                    entities = (circle(x, y, 5 * scale) + circle(x + 6 * scale, y, 5 * scale) +
+                                segment(x - 9 * scale, y + 3 * scale, x + 9 * scale, y + 3 * scale))
+                    found = sorted(scaled(*point) for point in self.crossings(entities, places=15))
+                    self.assertEqual(found, [(-4, 3), (2, 3), (3, -4), (3, 4), (4, 3)])
+
+    def test_of_a_small_circle_on_a_large_one(self):
+        found = self.crossings(circle(0, 0, 1000) + circle(1000, 0, 0.001), places=9)
+        self.assertEqual(found, [(1000.0, -0.001), (1000.0, 0.001)])  # but for half a billionth
+
+    def test_of_polylines(self):
+        square = polyline([(0, 0, 0), (4, 0, 0), (4, 4, 0), (0, 4, 0)], closed=True)
+        self.assertEqual(self.crossings(square), [])  # its own corners are none
+        self.assertEqual(self.crossings(square + segment(2, -1, 2, 5)), [(2, 0), (2, 4)])
+        bow = polyline([(0, 0, 0), (4, 4, 0), (4, 0, 0), (0, 4, 0)])
+        self.assertEqual(self.crossings(bow), [(2, 2)])  # but where it crosses itself
+        rounded = polyline([(0, 0, 1), (4, 0, 1)], closed=True)
+        self.assertEqual(self.crossings(rounded), [])
+        self.assertEqual(self.crossings(rounded + segment(2, -9, 2, 9)), [(2, -2), (2, 2)])
+
+    def test_of_blocks(self):
+        path = self.file(drawing(insert("B", 10, 0) + segment(0, 1, 20, 1), block("B", circle(0, 0, 1) + segment(-2, 0, 2, 0))))
+        self.report(path, "--json", self.folder / "out.json")
+        found = [(one["x"], one["y"], one["first"]["kind"], one["second"]["kind"])
+                 for one in json.loads((self.folder / "out.json").read_text())["crossings"]]
+        self.assertEqual(sorted(found), [(9, 0, "CIRCLE", "LINE"), (10, 1, "LINE", "CIRCLE"), (11, 0, "CIRCLE", "LINE")])
+
+    def test_after_a_transformation(self):
+        entities = segment(-9, 3, 9, 3) + circle(0, 0, 5)
+        self.assertEqual(self.crossings(entities, "--transform", "scale=2,1"), [(-8, 3), (8, 3)])
+        self.assertEqual(self.crossings(entities, "--transform", "rotate=90"), [(-3, -4), (-3, 4)])
+
+    def test_of_curves_that_touch_are_found(self):
+        # The circle of curvature at an end of the long axis, b^2 / a, and one that touches at t = 1.
+        (x, y), = self.crossings(ellipse(0, 0, 4, 0, 0.5) + circle(3, 0, 1))
+        self.assertLess(math.dist((x, y), (4, 0)), 0.01)  # they part by a billionth within that
+        x, y = 4 * math.cos(1), 2 * math.sin(1)
+        length = math.hypot(2 * math.cos(1), 4 * math.sin(1))
+        nx, ny = 2 * math.cos(1) / length, 4 * math.sin(1) / length
+        self.assertEqual(self.crossings(ellipse(0, 0, 4, 0, 0.5) + circle(x + 3 * nx, y + 3 * ny, 3)),
+                         [(round(x, 6), round(y, 6))])
+
+    def test_a_pair_that_does_not_settle_is_told(self):
+        path = self.file(drawing(ellipse(0, 0, 5, 0, 0.6) + ellipse(1, 0, 0, 5, 0.6)))
+        result = run(path, "--passes", "1", "--nearest", "3,4")
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("crossings of ELLIPSE (A) and ELLIPSE (A) may be missing: the iteration does not settle", result.stderr)
+        self.assertIn("feet on ELLIPSE (A) may be missing: the iteration does not settle", result.stderr)
+        self.assertEqual(result.stdout.count("Crossings: 4\n"), 1)  # found by a walk along the curve none the less
+
+    def test_of_random_curves_against_their_signs(self):
+        """Crossings of whole curves are counted where one curve's implicit form changes its sign along the other."""
+        seed = 20
+        chance = random.Random(seed)
+        shapes = []
+        for _ in range(36):
+            a = chance.uniform(1, 8)
+            shapes.append((chance.uniform(-8, 8), chance.uniform(-8, 8), a, chance.choice((1, chance.uniform(0.2, 1))),
+                           chance.uniform(0, math.pi)))
+        def at(shape, t):
+            x, y, a, ratio, turn = shape
+            u, v = a * math.cos(t), a * ratio * math.sin(t)
+            return x + u * math.cos(turn) - v * math.sin(turn), y + u * math.sin(turn) + v * math.cos(turn)
+        def value(shape, px, py):
+            x, y, a, ratio, turn = shape
+            dx, dy = px - x, py - y
+            u = (dx * math.cos(turn) + dy * math.sin(turn)) / a
+            v = (dy * math.cos(turn) - dx * math.sin(turn)) / (a * ratio)
+            return u * u + v * v - 1
+        expected = {}
+        steps = 720
+        for i, first in enumerate(shapes):
+            for j in range(i):
+                signs = [value(shapes[j], *at(first, k * 2 * math.pi / steps)) > 0 for k in range(steps)]
+                expected[j, i] = sum(signs[k] != signs[k - 1] for k in range(steps))
+        entities = "".join(
+            ellipse(x, y, a * math.cos(turn), a * math.sin(turn), ratio).replace("8\nA", f"5\n{i + 1:X}\n8\nA")
+            for i, (x, y, a, ratio, turn) in enumerate(shapes))
+        out = self.folder / "out.json"
+        self.report(self.file(drawing(entities)), "--json", out)
+        found = {pair: 0 for pair in expected}
+        for one in json.loads(out.read_text())["crossings"]:
+            pair = tuple(sorted(int(one[side]["handle"], 16) - 1 for side in ("first", "second")))
+            found[pair] += 1
+            for index in pair:  # on both curves
+                self.assertLess(abs(value(shapes[index], one["x"], one["y"])), 1e-8, f"seed {seed}, pair {pair}")
+        self.assertEqual({pair: n for pair, n in found.items() if n != expected[pair]}, {}, f"seed {seed}")
+
+    def test_of_many_entities_take_time_in_proportion(self):
+        def plan(count):
+            chance = random.Random(1)
+            width = 10 * math.isqrt(count)
+            lines = (segment(x := chance.randrange(width), y := chance.randrange(width), x + 11, y + 7)
+                     for _ in range(count))
+            return self.file(drawing("".join(lines)), f"{count}.dxf")
+        def seconds(path):
+            start = time.monotonic()
+            self.report(path)
+            return time.monotonic() - start
+        small, large = plan(5000), plan(40000)
+        self.assertLess(seconds(large), 8 * 4 * max(seconds(small), 0.05))
+
+    def test_a_break_among_the_crossings_reports_those_before(self):
+        entities = "".join(segment(i, -1, i, 1) for i in range(20)) + segment(-1, 0, 30, 0)
+        out = self.folder / "out.csv"
+        result = run(self.file(drawing(entities)), "--csv", out, KARTORY_DRAWING_BREAK_AT=str(21 + 1 + 21 + 21 + 5))
+        self.assertEqual(result.returncode, 130)
+        self.assertIn("while crossing, 4 elements done", result.stderr)
+        self.assertIn("Crossings: 4\n", result.stdout)
+        self.assertFalse(out.exists())
+
+
+class Corners(DrawingTest):
+    def test_a_fillet_between_two_lines(self):
+        # The corner of the axes: tangent points (1, 0) and (0, 1), centre (1, 1).
+        path = self.file(drawing(segment(0, 0, 5, 0) + segment(0, 5, 0, 0)))
+        self.assertEqual(sorted(drawn for _, drawn in self.paths(path, "--fillet", 1)),
+                         ["M0,-5L0,-1", "M1,0A1,1 0 0 1 0,-1", "M1,0L5,0"])
+        box = self.extents(path, "--fillet", 1)["ARC"][0]
+        self.assertEqual(box, [0, 0, 1, 1])
+        self.assertEqual(self.lengths(path, "--fillet", 1)["all layers"], 9.570796)  # 4 + 4 + pi/2
+        self.assertIn("Corners: 1 blended", self.report(path, "--fillet", 1))
+
+    def test_a_chamfer_between_two_lines(self):
+        path = self.file(drawing(segment(0, 0, 5, 0) + segment(0, 5, 0, 0)))
+        self.assertEqual(self.lengths(path, "--chamfer", 1)["all layers"], 9.414214)  # 4 + 4 + sqrt 2
+        self.assertIn("Corners: 1 cut", self.report(path, "--chamfer", 1))
+
+    def test_a_rectangle(self):
+        path = self.file(drawing(polyline([(0, 0, 0), (6, 0, 0), (6, 4, 0), (0, 4, 0)], closed=True)))
+        (_, drawn), = self.paths(path, "--fillet", 1)
+        self.assertEqual(drawn, "M1,0L5,0A1,1 0 0 0 6,-1L6,-3A1,1 0 0 0 5,-4L1,-4A1,1 0 0 0 0,-3L0,-1A1,1 0 0 0 1,0Z")
+        (_, drawn), = self.paths(path, "--chamfer", 1)
+        self.assertEqual(drawn, "M1,0L5,0L6,-1L6,-3L5,-4L1,-4L0,-3L0,-1L1,0Z")
+        (_, drawn), = self.paths(path, "--fillet", 2)  # nothing is left of the short sides
+        self.assertEqual(drawn, "M2,0L4,0A2,2 0 0 0 6,-2A2,2 0 0 0 4,-4L2,-4A2,2 0 0 0 0,-2A2,2 0 0 0 2,0Z")
+
+    def test_a_clockwise_polyline_and_an_open_one(self):
+        path = self.file(drawing(polyline([(0, 0, 0), (0, 4, 0), (4, 4, 0)])))
+        (_, drawn), = self.paths(path, "--fillet", 1)
+        self.assertEqual(drawn, "M0,0L0,-3A1,1 0 0 1 1,-4L4,-4")
+
+    def test_corners_of_any_angle(self):
+        # 60 degrees: the radius 1 needs sqrt 3 of both sides; the arc spans 120 degrees.
+        path = self.file(drawing(polyline([(8, 0, 0), (0, 0, 0), (4, 4 * math.sqrt(3), 0)])))
+        length = 16 - 2 * math.sqrt(3) + 2 * math.pi / 3
+        self.assertAlmostEqual(self.lengths(path, "--fillet", 1)["all layers"], length, 4)
+
+    def test_sides_that_are_too_short_keep_their_corner(self):
+        path = self.file(drawing(polyline([(0, 0, 0), (4, 0, 0), (4, 1, 0)])))
+        result = run(path, "--fillet", "2")
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("POLYLINE (A) keeps its corner at 4, 0: its sides are too short", result.stderr)
+        self.assertIn("Corners: 0 blended", result.stdout)
+
+    def test_what_is_no_corner_of_two_lines_stays(self):
+        three = segment(0, 0, 5, 0) + segment(0, 0, 0, 5) + segment(0, 0, -5, -5)
+        straight = segment(10, 0, 15, 0) + segment(15, 0, 20, 0)
+        curved = polyline([(30, 0, 1), (34, 0, 0), (38, 0, 0)])
+        path = self.file(drawing(three + straight + curved))
+        self.assertEqual(self.paths(path, "--fillet", 1), self.paths(path))
+
+    def test_a_square_of_lines(self):
+        sides = segment(0, 0, 4, 0) + segment(4, 4, 4, 0) + segment(4, 4, 0, 4) + segment(0, 0, 0, 4)
+        self.assertEqual(self.lengths(self.file(drawing(sides)), "--fillet", 1)["all layers"], 14.28319)  # 8 + 2 pi
+
+    def test_sizes_that_are_none_are_refused(self):
+        path = self.file(drawing(line()))
+        for option in ("--fillet", "--chamfer"):
+            for size in ("0", "-1", "nan", "x", "1,2", "1e999"):
+                self.assertNotEqual(run(path, option, size).returncode, 0, (option, size))
+        self.assertNotEqual(run(path, "--fillet", "1", "--chamfer", "1").returncode, 0)
+
+
+class Nearest(DrawingTest):
+    def feet(self, entities, place):
+        out = self.folder / "out.json"
+        self.report(self.file(drawing(entities)), f"--nearest={place}", "--json", out)
+        return [(foot["on"]["kind"], round(foot["x"], 6) + 0.0, round(foot["y"], 6) + 0.0, round(foot["distance"], 6))
+                for foot in json.loads(out.read_text())["nearest"]["feet"]]
+
+    def test_on_lines_and_circles(self):
+        entities = segment(0, 0, 10, 0) + circle(3, 10, 2) + segment(20, 0, 20, 10)
+        self.assertEqual(self.feet(entities, "3,4"),
+                         [("LINE", 3, 0, 4), ("CIRCLE", 3, 8, 4), ("LINE", 20, 4, 17)])
+        self.assertEqual(self.feet(segment(0, 0, 10, 0), "11,1"), [])  # no perpendicular meets it
+
+    def test_on_ellipses(self):
+        self.assertEqual(self.feet(ellipse(0, 0, 5, 0, 0.6), "10,0"), [("ELLIPSE", 5, 0, 5)])
+        self.assertEqual(self.feet(ellipse(0, 0, 5, 0, 0.6), "0,7"), [("ELLIPSE", 0, 3, 4)])
+        self.assertEqual(self.feet(ellipse(0, 0, 5, 0, 0.6), "0,0")[0][3], 3)
+        # The normal at t = pi/4 of (5, 3): foot (5c, 3c), direction (3c, 5c) with c = sqrt(1/2).
+        c = math.sqrt(0.5)
+        (_, x, y, distance), = self.feet(ellipse(0, 0, 5, 0, 0.6), f"{8 * c},{8 * c}")
+        self.assertEqual((x, y, distance), (round(5 * c, 6), round(3 * c, 6), round(math.hypot(3 * c, 5 * c), 6)))
+
+    def test_on_ellipses_beside_the_nearest_of_many_points(self):
+        seed = 3
+        chance = random.Random(seed)
+        steps = 20000
+        for case in range(24):
+            a, ratio, turn = chance.uniform(1, 9), chance.uniform(0.1, 0.99), chance.uniform(0, 3)
+            u, v = chance.choice(((chance.uniform(-9, 9), chance.uniform(-9, 9)), (chance.uniform(-9, 9), 0.0),
+                                  (0.0, chance.uniform(-9, 9)), (chance.uniform(-1, 1) * a, 1e-9)))
+            place = u * math.cos(turn) - v * math.sin(turn), u * math.sin(turn) + v * math.cos(turn)
+            nearest = min(math.dist((u, v), (a * math.cos(t), a * ratio * math.sin(t)))
+                          for t in (k * 2 * math.pi / steps for k in range(steps)))
+            found = self.feet(ellipse(0, 0, a * math.cos(turn), a * math.sin(turn), ratio), f"{place[0]},{place[1]}")
+            self.assertAlmostEqual(found[0][3], nearest, 5, f"seed {seed}, case {case}")
+
+    def test_from_the_centre_of_a_circle(self):
+        (_, x, y, distance), = self.feet(circle(1, 2, 3), "1,2")
+        self.assertEqual((math.dist((x, y), (1, 2)), distance), (3, 3))
+
+    def test_the_text_lists_the_first_ten(self):
+        path = self.file(drawing("".join(segment(0, i, 10, i) for i in range(12))))
+        report = self.report(path, "--nearest", "5,-1")
+        self.assertRegex(report, r"Nearest feet of perpendiculars from \(5, -1\)\n    5, 0 +distance 1 ")
+        self.assertIn("    and 2 more\n", report)
+
+    def test_a_place_that_is_none_is_refused(self):
+        for place in ("1", "1,2,3", "a,b", "nan,1", "1,"):
+            self.assertNotEqual(run(self.file(drawing(line())), f"--nearest={place}").returncode, 0, place)
+
+
+class Files(DrawingTest):
+    def test_the_drawing_written_is_the_drawing_read(self):
+        for sample in SAMPLES.glob("*.dxf"):
+            out = self.folder / "again.dxf"
+            first = self.extents(sample, "--dxf", out), self.lengths(sample)
+            self.assertEqual((self.extents(out), self.lengths(out)), first, sample.name)
+
+    def test_a_transformed_drawing_keeps_its_measures(self):
+        entities = (circle(1, 2, 3) + arc(0, 0, 5, 30, 200) + ellipse(1, 1, 4, 3, 0.5, 0.5, 4) + segment(0, 0, 7, 3) +
+                    polyline([(0, 0, 0.5), (5, 0, -0.3), (5, 5, 0)], closed=True) + point(9, 9) + label(3, 3, "text"))
+        path = self.file(drawing(entities))
+        for transformation in ("scale=-1,1", "rotate=33", "scale=2,0.5"):
+            out = self.folder / "again.dxf"
+            first = self.report(path, "--dxf", out, "--transform", transformation)
+            again = self.report(out)
+            self.assertEqual(*(re.search("all layers +(.*)", report)[1] for report in (first, again)), transformation)
+            self.assertEqual(*(re.search("whole +(.*)", report)[1] for report in (first, again)), transformation)
+
+    def test_colours_and_layers_go_along(self):
+        table = layers({"RED": 1, "GREEN": 3})
+        entities = (segment(0, 0, 1, 0, layer="RED") + segment(0, 0, 1, 1, "62\n5\n", layer="GREEN") +
+                    segment(0, 0, 1, 2, "420\n1193046\n", layer="GREEN"))
+        path = self.file(drawing(entities, tables=table))
+        out = self.folder / "again.dxf"
+        first = self.paths(path, "--dxf", out)
+        self.assertEqual(self.paths(out), first)
+
+    def test_json_holds_what_the_report_tells(self):
+        out = self.folder / "out.json"
+        run(self.file(drawing(segment(0, 0, 4, 3, layer="B\xe4") + circle(0, 0, 0) + point(1, 1))), "--json", out)
+        report = json.loads(out.read_text())
+        self.assertEqual((report["entities"], report["placed"], report["length"], report["stopped"]), (3, 2, 5, False))
+        self.assertEqual(report["layers"], [{"name": "B\xe4", "colour": [255, 255, 255], "length": 5}])
+        self.assertEqual(report["extents"]["whole"]["exact"], {"left": 0, "bottom": 0, "right": 4, "top": 3})
+        self.assertEqual(report["extents"]["POINT"]["grid"], {"left": 1, "top": -1, "right": 1, "bottom": -1})
+        self.assertEqual(report["findings"], ["CIRCLE (A) is left out: its radius is not positive"])
+
+    def test_a_standard_output_that_is_full_is_told(self):
+        with open("/dev/full", "w") as full:
+            for arguments in ((), ("--json", "-"), ("--svg", "-")):
+                result = subprocess.run([PROGRAM, self.file(drawing(line())), *arguments], stdout=full,
+                                        stderr=subprocess.PIPE, text=True, timeout=60, env=environment())
+                self.assertEqual((result.returncode, result.stderr.count("\n")), (3, 1), arguments)
+
+    def test_standard_output_takes_a_file_in_place_of_the_report(self):
+        path = self.file(drawing(segment(0, 0, 4, 4) + segment(0, 2, 4, 2, layer='a,"b"')))
+        self.assertEqual(json.loads(self.report(path, "--json", "-"))["entities"], 2)
+        self.assertEqual(list(csv.reader(self.report(path, "--csv", "-").splitlines()))[1],
+                         ["2", "2", "LINE", "A", "", "LINE", 'a,"b"', ""])
+        self.assertTrue(self.report(path, "--svg", "-").startswith("<svg "))
+
+    def test_a_place_that_cannot_be_written_gives_one_line(self):
+        for option in ("--dxf", "--json", "--csv"):
+            place = self.folder / "nowhere" / "out"
+            result = run(self.file(drawing(line())), option, place)
+            self.assertEqual((result.returncode, result.stderr.count("\n")), (3, 1), option)
+            self.assertIn(f"error: {place}: ", result.stderr)
+
+
 class Svg(DrawingTest):
     def test_the_view_is_that_of_the_extents_and_y_goes_up(self):
         root = self.svg(self.file(drawing(segment(10, 20, 110, 60))))
@@ -411,6 +811,15 @@ class Svg(DrawingTest):
         root = self.svg(self.file(drawing(label(1, 2, "a < b & \"c\" > d") + label(3, 4, "r", "50\n90\n"))))
         texts = [(element.text, element.get("transform")) for element in root.iter(SVG + "text")]
         self.assertEqual(texts, [('a < b & "c" > d', "matrix(1,0,0,1,1,-2)"), ("r", "matrix(0,-1,1,0,3,-4)")])
+
+    def test_texts_are_aligned(self):
+        root = self.svg(self.file(drawing(label(1, 2, "m", "72\n1\n11\n5\n21\n6\n") + label(1, 2, "e", "72\n2\n11\n7\n21\n8\n"))))
+        texts = [(element.text, element.get("text-anchor"), element.get("transform")) for element in root.iter(SVG + "text")]
+        self.assertEqual(texts, [("m", "middle", "matrix(1,0,0,1,5,-6)"), ("e", "end", "matrix(1,0,0,1,7,-8)")])
+
+    def test_what_belongs_to_a_sheet_is_not_drawn(self):
+        path = self.file(drawing(segment(0, 0, 1, 0) + segment(0, 0, 9, 9, "67\n1\n")))
+        self.assertEqual([drawn for _, drawn in self.paths(path)], ["M0,0L1,0"])
 
     def test_texts_of_any_bytes_make_a_file_that_reads(self):
         content = drawing(label(0, 0, "X")).encode().replace(b"\nX\n", b"\n\xe4\xff\x01\xed\xa0\x80 \xc3\xa4\n")
@@ -464,6 +873,9 @@ class Refusals(DrawingTest):
 
     def test_an_empty_file(self):
         self.assert_refused(self.file(""), "is empty")
+
+    def test_a_file_without_end(self):
+        self.assert_refused(pathlib.Path("/dev/zero"), "is larger than 1024 MB")
 
     def test_a_text_that_is_no_dxf(self):
         self.assert_refused(self.file("Dear reader,\nthis is a letter.\n"), "is not a DXF drawing")
@@ -602,16 +1014,32 @@ class Operation(DrawingTest):
         result = run(path, KARTORY_DRAWING_BREAK_AT="100000")
         self.assertEqual((result.returncode, result.stderr), (0, ""))
 
-    def test_an_interrupt_from_outside(self):
-        for presses, statuses in ((1, (130,)), (3, (130, -signal.SIGINT))):
-            with subprocess.Popen([PROGRAM, SAMPLES / "site-plan.dxf"], stdout=subprocess.PIPE,
-                                  stderr=subprocess.PIPE, env=environment(KARTORY_DRAWING_BREAK_AT="0")) as process:
-                for _ in range(presses):
-                    time.sleep(0.15)
-                    process.send_signal(signal.SIGINT)
-                process.communicate()
-                # before the handler stands, and behind the end of the work, one press already ends the program
-                self.assertIn(process.returncode, (*statuses, -signal.SIGINT, 0))
+    def interrupted(self, presses):
+        """Presses Ctrl-C once the bar stands: exit status and what the terminal got."""
+        terminal, end = pty.openpty()
+        with subprocess.Popen([PROGRAM, SAMPLES / "site-plan.dxf"], stdout=subprocess.DEVNULL, stderr=end,
+                              env=environment()) as process:
+            os.close(end)
+            received = os.read(terminal, 4096)
+            for _ in range(presses):
+                process.send_signal(signal.SIGINT)
+                time.sleep(0.002)
+            try:
+                while portion := os.read(terminal, 4096):
+                    received += portion
+            except OSError:
+                pass
+            os.close(terminal)
+        return process.returncode, received.decode()
+
+    def test_ctrl_c_asks_for_a_break(self):
+        status, received = self.interrupted(1)
+        self.assertEqual(status, 130)
+        self.assertRegex(received, r"stopped on request while [a-z]+, \d+ elements done")
+
+    def test_ctrl_c_twice_ends_the_program(self):
+        status, _ = self.interrupted(2)
+        self.assertIn(status, (-signal.SIGINT, 130))  # 130 where the break was quicker than the second press
 
     def test_the_bar_is_one_line_that_rises(self):
         start = time.monotonic()

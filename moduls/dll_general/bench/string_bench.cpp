@@ -326,9 +326,15 @@ int registerAll()
 {
     for (const std::size_t length : {5u, 20u, 80u}) {
         const std::string size = std::to_string(length);
-        add("String/construct/" + size + "/ours", [=](benchmark::State &s) { construct<karString>(s, length); });
+        add("String/construct/" + size + "/ours", [=](benchmark::State &s) {
+            construct<karString>(s, length);
+            s.SetLabel(length < 16 ? "every text has a buffer of the allocator" : "");
+        });
         add("String/construct/" + size + "/std", [=](benchmark::State &s) { construct<std::string>(s, length); });
-        add("String/copy/" + size + "/ours", [=](benchmark::State &s) { copy<karString>(s, length); });
+        add("String/copy/" + size + "/ours", [=](benchmark::State &s) {
+            copy<karString>(s, length);
+            s.SetLabel(length < 16 ? "every text has a buffer of the allocator" : "");
+        });
         add("String/copy/" + size + "/std", [=](benchmark::State &s) { copy<std::string>(s, length); });
         add("String/compare/" + size + "/ours", [=](benchmark::State &s) { compare<karString>(s, length); });
         add("String/compare/" + size + "/std", [=](benchmark::State &s) { compare<std::string>(s, length); });

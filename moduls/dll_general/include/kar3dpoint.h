@@ -240,7 +240,8 @@ public:
     /// \name Assignment
     /// \{
     kar3D_Dimension &operator=(const kar3D_Dimension &) = default;
-    using SpaceTriple::operator=;
+    // Declared here: the assignment of the base beside it would make that of a triple or a position ambiguous.
+    const kar3D_Dimension &operator=(const double &v) { return SpaceTriple::operator=(v); }
     /// \}
 
     /// \name Reading

@@ -167,7 +167,8 @@ public:
     virtual CtrlType getParamType(int index) const;       ///< 0 if empty or out of range.
     /// Stores an unfinished `karDataParam`, see there.
     virtual karMessageBase &setParam(int index, const karVectorizeParameter *param);
-    /// Takes the value over, or null to empty the parameter. Out of range the value stays with the caller.
+    /// Takes the value over, or null to empty the parameter; what stood there is deleted. Out of range or without an
+    /// array the value stays with the caller.
     virtual karMessageBase &setParam(int index, karDataBase *value);
     /// Note: out of range the value that a typed setter has built is neither stored nor released; only after a failed
     /// array it is released. Without memory for the value the parameter becomes empty.
@@ -297,7 +298,9 @@ protected:
 };
 
 /// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every operation
-/// goes to the controller's virtual one of the same name and needs a controller that isn't null.
+/// goes to the controller's virtual one, of the same name where no other is told.
+/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`; every operation that goes
+/// to the controller then faults.
 class KAR_API karFilter {
 public:
     /// Uses the controller of the client or, with null, makes and owns one.
@@ -307,6 +310,7 @@ public:
     karFilter &operator=(const karFilter &) = default; ///< Note: as the copy; an owned controller isn't deleted.
 
     /// Uses another controller, null included; deletes the present one if the filter made it. None is made for null.
+    /// Note: deletes it also where it is the argument itself, which must not be used any more then.
     void setCtrl(karCtrl *newCtrl);
     karCtrl *getCtrl() { return ctrl; }
     bool isOwnCtrlUsed() { return ownCtrl; }
@@ -314,7 +318,7 @@ public:
     /// \name Break
     /// \{
     bool isBreak() { return ctrl->isBreak(); }
-    void setBreak(bool on);
+    void setBreak(bool on); ///< `SetBreak` or `ResetBreak`.
     BreakState getBreak() { return ctrl->getBreak(); }
     /// \}
 
@@ -323,8 +327,8 @@ public:
     void resetPercent() { ctrl->resetPercent(); }
     void setGlobalPercent(int value) { ctrl->setGlobalPercent(value); }
     int getGlobalPercent() { return ctrl->getGlobalPercent(); }
-    void setPercent(int value) { ctrl->setLayerPercent(value); } ///< The percentage of the innermost layer.
-    int getPercent() { return ctrl->getLayerPercent(); }         ///< The percentage of the innermost layer.
+    void setPercent(int value) { ctrl->setLayerPercent(value); } ///< Note: that of the innermost layer.
+    int getPercent() { return ctrl->getLayerPercent(); }         ///< Note: that of the innermost layer.
     void addPercentLayer() { ctrl->addPercentLayer(); }
     void removePercentLayer() { ctrl->removePercentLayer(); }
     void setPercentStartEnd(int start, int end) { ctrl->setPercentStartEnd(start, end); }

@@ -40,8 +40,9 @@ public:
         setObject(newObject);
         setMethod(newMethod);
     }
-    /// Note: the address is later used as it is. It is that of the `karFilterIdBase` part, which in a class with several
-    /// bases need not be the start of the object; `karFilterIdBase::setFilterHandler` finds it.
+    /// Note: the address is later used as it is. It is that of the `karFilterIdBase` part, which lies at the start of an
+    /// object only if its class has that one as its first base and has no virtual operation of its own. Elsewhere a plain
+    /// `this` is another address; `karFilterIdBase::setFilterHandler` finds the right one.
     void setObject(void *newObject) { object = newObject; }
     karFilterIdBase *getObject() { return static_cast<karFilterIdBase *>(object); }
     void setMethod(FilterMethod newMethod) { method = newMethod; }
@@ -67,7 +68,7 @@ protected:
 ///     };
 ///
 /// `filterObject(item)` then asks the item for its kind and runs the handler. A dispatch costs one virtual call, one index,
-/// two tests and one indirect call, and allocates nothing.
+/// one indirect call and the tests for table, range, object and handler, and allocates nothing.
 class KAR_API karFilterIdBase {
 public:
     /// Slots of a table.
@@ -92,7 +93,7 @@ public:
     void setFilterMethod(filterObjectID id, void *object, FilterMethod method);
 
     /// Stores a handler of any dispatcher class, without a cast. It stores the address of the `karFilterIdBase` part, so
-    /// that classes with several bases work.
+    /// that classes with several bases or with virtual operations work.
     template <class Dispatcher, class MethodClass>
     void setFilterHandler(filterObjectID id, Dispatcher *dispatcher,
                           errorCodesKARTORY (MethodClass::*method)(karFilterObject *))

@@ -31,8 +31,8 @@ KAR_API double arcusTangens(const double &t);
 
 /// The angle at point 0 between the directions to points 1 and 2, in [0, pi], or 2*pi less that angle where the direction
 /// to point 2 is less inclined to the z axis than that to point 1.
-/// Note: nothing but the inclination to the z axis tells the two, so in the x-y plane the angle never exceeds pi. A
-/// quotient that rounding lifts above 1 is not a number's arc cosine; nothing is clamped.
+/// Note: nothing but the inclination to the z axis tells the two, so in the x-y plane the angle never exceeds pi. Nothing
+/// is clamped: where rounding lifts the quotient above 1, and for a zero vector, the angle is not a number.
 KAR_API double GetAngle(const double &x0, const double &y0, const double &z0, const double &x1, const double &y1,
                         const double &z1, const double &x2, const double &y2, const double &z2);
 

@@ -27,7 +27,7 @@ KAR_API void Romberg(double lower, double upper, double (*const tableau)[7], kar
 
 /// Fills row 0 from column 0 on, each column with twice the intervals of the one before, until two neighbours differ by
 /// at most `eps` or column 6 is done. Columns above the last one reached are left alone.
-/// Note: eps = 0 fills column 0 only. An integrand that is periodic over the interval, or 0 at all points asked for,
+/// Note: eps = 0 fills column 0 only, and so does an infinite one. An integrand that is periodic over the interval, or 0 at all points asked for,
 /// stops at column 1. A difference that is not a number doesn't stop.
 KAR_API void TrapezesAdapt(double lower, double upper, double eps, double (*const tableau)[7], karIntegrand integrand,
                            const double *const parameters);

@@ -123,7 +123,8 @@ protected:
             return nullptr;
         // The address may lie outside of the array, where pointer arithmetic is not defined.
         const auto offset = static_cast<std::uintptr_t>(index(r, c)) * sizeof(double);
-        return reinterpret_cast<double *>(reinterpret_cast<std::uintptr_t>(data) + offset);
+        const auto address = reinterpret_cast<std::uintptr_t>(data) + offset;
+        return reinterpret_cast<double *>(address); // NOLINT(performance-no-int-to-ptr)
     }
     /// Frees the array; with positive sizes a new one is filled with 0.
     void _InitData();
@@ -151,7 +152,7 @@ private:
         data = nullptr;
         held = 0;
     }
-    bool isTransformation() const { return rows == 4 && columns == 4; }
+    bool isTransformation() const { return (rows == 4) & (columns == 4); }
 
     int rows = 0;
     int columns = 0;
@@ -191,22 +192,34 @@ KAR_API karMatrix GetTransformationMatrix(const double &tx, const double &ty, co
                                           const double &sz);
 /// \}
 
+namespace kar {
+
+/// The elements of a 4 by 4 matrix. Read through this type they can't be places of a position, so that a loop over
+/// positions keeps them in registers while it stores.
+struct TransformationElements {
+    double at[4][4];
+};
+
+/// What a 4 by 4 matrix without an array reads as.
+constexpr TransformationElements noElements = {};
+
+} // namespace kar
+
 inline kar3D_Point &kar3D_Point::operator*=(const karMatrix &matrix)
 {
-    if (!matrix.isTransformation())
-        return *this;
-    const double *m = matrix.data;
-    if (!m) { // the allocation failed: all elements read as 0
-        static constexpr double zeros[16] = {};
-        m = zeros;
-    }
+    // The elements are read whether or not they are needed and without branches on the way: so a loop reads them once, in
+    // front.
+    const bool fits = matrix.isTransformation();
+    const bool readable = fits & (matrix.data != nullptr);
+    const auto &M = *(readable ? reinterpret_cast<const kar::TransformationElements *>(matrix.data) : &kar::noElements);
     const double oldX = x();
     const double oldY = y();
     const double oldZ = z();
-    const double newX = (((oldZ * m[2]) + (oldY * m[1])) + (oldX * m[0])) + m[12];
-    const double newY = (((oldZ * m[6]) + (oldY * m[5])) + (oldX * m[4])) + m[13];
-    const double newZ = (((oldZ * m[10]) + (oldY * m[9])) + (oldX * m[8])) + m[14];
-    store(newX, newY, newZ);
+    const double newX = (((oldZ * M.at[0][2]) + (oldY * M.at[0][1])) + (oldX * M.at[0][0])) + M.at[3][0];
+    const double newY = (((oldZ * M.at[1][2]) + (oldY * M.at[1][1])) + (oldX * M.at[1][0])) + M.at[3][1];
+    const double newZ = (((oldZ * M.at[2][2]) + (oldY * M.at[2][1])) + (oldX * M.at[2][0])) + M.at[3][2];
+    if (fits)
+        store(newX, newY, newZ);
     return *this;
 }
 

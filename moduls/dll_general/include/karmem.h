@@ -27,6 +27,7 @@ constexpr long addLong(long a, unsigned long b)
 struct PageState {
     PageState() = default;
     PageState(const PageState &other) : reciprocal(other.reciprocal) {}
+    // cppcheck-suppress operatorEqVarError ; the rest doesn't go with a copy
     PageState &operator=(const PageState &other)
     {
         if (this != &other)
@@ -42,6 +43,7 @@ struct PageState {
     PageIndex *index = nullptr;   ///< of the chain that the page stands in, null outside a pool
     unsigned slot = 0;            ///< place in that index, in the order of the chain
     std::uint64_t reciprocal = 0; ///< of the element size, 2^64 divided by it and rounded up
+    karPage *nextApart = nullptr; ///< see `PoolState::apart`
 };
 
 /// What a pool knows beyond its stated fields, only to be fast. It doesn't go with a copy, which finds it again
@@ -51,12 +53,15 @@ struct PoolState {
     PoolState(const PoolState &) {}
     PoolState &operator=(const PoolState &other)
     {
-        if (this != &other)
+        if (this != &other) {
             index = nullptr;
+            apart = nullptr;
+        }
         return *this;
     }
 
     PageIndex *index = nullptr; ///< that of the chain of `firstPage`
+    karPage *apart = nullptr;   ///< the chains that stand apart from `firstPage`, each by its first page
 };
 
 } // namespace kar
@@ -137,7 +142,8 @@ public:
     /// page stands in the chain with zero sizes and has no element.
     karPage(karPage *prev, int size, int count);
     karPage(const karPage &) = default;
-    karPage &operator=(const karPage &) = default;
+    /// Copies the fields. A pool that the page stands in walks its chain from then on, until that has no page any more.
+    karPage &operator=(const karPage &other);
 
     /// \name Reading
     /// \{
@@ -153,7 +159,8 @@ public:
     /// Releases an element of this page. `p` becomes null if the page is empty now, otherwise it stays.
     /// An element that is free already changes nothing. Constant, but for live elements that hold what looks like the
     /// links of a free one: then linear in the free elements.
-    /// Note: an address that isn't the start of an element counts as a release and doesn't become free.
+    /// Note: an element is known as free by its own links, so one that was written to after its release may be released
+    /// again. An address that isn't the start of an element counts as a release and doesn't become free.
     void deleteElement(void *&p);
     int delete_all() { return 0; }      ///< Does nothing.
     int test_delete_all() { return 0; } ///< Does nothing.
@@ -174,6 +181,7 @@ private:
 };
 
 /// A pool of elements of one size over pages. It has no size limit but the heap and holds nothing while it is empty.
+/// A page is two blocks that come straight from the heap, without a record, and goes with its last element.
 /// A copy shares the pages: only one of the two may be used further or destroyed.
 class KAR_API karPageMemory {
 public:
@@ -209,8 +217,11 @@ public:
     void *newElement();
     /// Releases an element and sets `p` to null; the page goes with its last element. A null `p` or one in no page
     /// stays and changes nothing; an element that is free already only becomes null. Constant, as in `karPage`.
+    /// Note: a `p` that itself lies in the released element is not written to.
     void deleteElement(void *&p);
-    int delete_all();      ///< Destroys all pages, elements in use included; 0.
+    /// Destroys all pages, elements in use included; 0.
+    /// Note: does nothing while `firstPage` is null.
+    int delete_all();
     int test_delete_all(); ///< 0.
     /// \}
 
@@ -228,12 +239,17 @@ protected:
     karPage *currentPage; ///< The page appended last or a neighbour of one deleted; nothing reads it.
     /// The page appended last.
     /// Note: null after a page object that couldn't be had. The page after that starts a chain of its own, which is
-    /// reached only once the older one is gone.
+    /// reached only once the older one is gone, and is destroyed with the pool.
     karPage *lastPage;
     int elementSize_;
     int elementCount_;
 
 private:
+    void enterChain(karPage *page);
+    void replaceApart(const karPage *page, karPage *replacement);
+    void deleteApart();
+    static void deleteChain(karPage *page);
+
     int pageElementSize; ///< What the pages are given.
     kar::PoolState state;
 };
@@ -315,7 +331,8 @@ public:
     /// \name Blocks
     /// \{
     /// Registers the block `p` with its size in bytes and returns `p`; null is returned and nothing else done.
-    /// Note: where no memory for the record is to be had, the older records are cut off as well.
+    /// Note: where no memory for the record is to be had, the older records are cut off as well; the size counts all
+    /// the same. A record for which the pool alone has no room comes from the general allocator and never goes back.
     void *dxnew(void *p, unsigned size);
     /// Takes the record of `*p` away; the block isn't released. `*p` becomes null if there is no such record.
     /// Of several records of one address the one registered last is taken if no other record is newer, otherwise the

@@ -53,7 +53,9 @@ public:
     /// In angle units, with sine and cosine. They are exact for 0, 1000000, 2000000 and 3000000; every other value,
     /// 4000000 and the negative ones among them, takes those of angle * 1.57079635e-06.
     KAR_API void setAngle(int angle);
-    /// In radians: radians * 636619.7629629073 rounded half away from zero, then as above.
+    /// In radians: radians * 636619.7629629073 rounded half away from zero, saturated at the `int` range, not-a-number
+    /// giving 0; then as above.
+    /// Note: a number that is neither an `int` nor a real needs a cast.
     KAR_API void setAngle(double radians);
     /// Note: stores the slope alone. The tangent stays that of the constructor, so on a block made without a slope this
     /// slants nothing.
@@ -61,9 +63,10 @@ public:
     void setMirror(int mirror) { mirror_ = mirror; }
     void setColor(const karColor &color) { color_ = color; }
     void setLayer(int layer) { layer_ = layer; }
-    /// Combines with the placement `o`; null changes nothing. The insert points and the angles are added, the scales
-    /// multiplied; an angle above 4000000 is reduced by 4000000 once. The slopes are added, and a sum beyond a right
-    /// angle becomes 0. The mirrors are combined bit by bit (exclusive or). Colour and layer stay. Sums wrap at 32 bits.
+    /// Combines with the placement `o`, which may be this one; null changes nothing. The insert points and the angles
+    /// are added, the scales multiplied; an angle above 4000000 is reduced by 4000000 once. The slopes are added, and a
+    /// sum beyond a right angle becomes 0. The mirrors are combined bit by bit (exclusive or). Colour and layer stay.
+    /// Sums wrap at 32 bits.
     /// Note: the insert point of `o` is neither scaled nor turned, and the slope tangent isn't refreshed. An angle of
     /// exactly 4000000 stays.
     KAR_API void Concat(karParamBlock *o);

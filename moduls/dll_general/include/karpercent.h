@@ -67,7 +67,8 @@ public:
 
     /// Reports the percentage of the innermost layer. -1 counts as 100, but where the layers end at 100 together it gives
     /// -1 in both. On an empty stack both become -1.
-    /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls; a rise is silent.
+    /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls, be it to the -1 of an empty
+    /// stack; a rise is silent.
     void setLayerPercent(int percent);
     /// \overload The fraction 0 to 1 is rounded to percent, halves up. Below 0 and not-a-number count as -1; there is no
     /// limit above, and a product beyond the `int` range counts as the largest `int`.

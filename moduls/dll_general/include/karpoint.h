@@ -208,8 +208,10 @@ public:
 
     /// \name Position in a box
     /// \{
-    bool isFullIn(karRect &r) const;          ///< Inside or on the edge of a box: see `karrect.h`.
-    KAR_API bool isFullIn(karRectX &r) const; ///< Inside or on the edge of a turned box: see `karrectx.h`.
+    bool isFullIn(karRect &r) const; ///< Inside or on the edge of a box: see `karrect.h`.
+    /// Inside or on the edge of a turned box: see `karrectx.h`.
+    /// Note: describes `r` anew by `karRectX::normLage`, for good.
+    KAR_API bool isFullIn(karRectX &r) const;
     /// \}
 };
 

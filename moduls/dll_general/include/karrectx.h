@@ -6,8 +6,15 @@
 
 /// A box of the pixel grid turned about its first corner: the origin, the size and the angle in radians, positive from
 /// the x axis towards the y axis. The corners 0 to 3 are the origin, the one along the width, the opposite one and the
-/// one along the height. Arithmetic wraps at 32 bits.
+/// one along the height. Arithmetic wraps at 32 bits; a real that goes to the grid saturates at the `int` range, and
+/// not-a-number gives 0.
 /// Note: every step stays on the grid, truncated or rounded as told, so the answers are right within a unit or so.
+///
+/// `karPoint::isFullIn(karRectX &r)` asks whether the point lies in the turned box or on its edge: its x between those
+/// of the corners 3 and 1, its y between those of the corners 0 and 2, and its x also between the left and the right
+/// edge at its y, the distance of each edge from its corner being rounded half away from zero.
+/// Note: it describes `r` anew by `normLage` first, for good, whatever the answer. Where the tangent of the angle is
+/// exactly 0 the corners alone decide, and nothing is divided.
 class karRectX {
 public:
     /// \name Construction
@@ -64,14 +71,16 @@ public:
     /// \{
     KAR_API bool isFullIn(karRect &r) const; ///< Do all four corners lie in the box or on its edge?
     /// Do all four corners lie in the turned box or on its edge, by `karPoint::isFullIn`?
-    /// Note: that describes `r` anew by `normLage`, for good, in the course of the first corner. `r` may be this box.
+    /// Note: that describes `r` anew by `normLage`, for good, in the course of the first corner. `r` may be this box,
+    /// whose corners then are those from before.
     KAR_API bool isFullIn(karRectX &r);
     /// Can anything of this box be seen in `r`? Neither is normalised.
     /// Note: the crossings are looked for along the edges of two opposite corners. Those of the horizontal limits are
     /// skipped for a corner whose y lies between the top and bottom of `r`, those of the vertical limits for one whose
     /// y, not x, lies between the left and right.
-    /// Note: for the horizontal limits, the place on the first edge starts at -left and that on the second edge at the
-    /// place of the first, anew for each of the two corners.
+    /// Note: an edge of the corner that doesn't meet the horizontal limit has a place all the same: the one towards the
+    /// first neighbour -left, the one towards the second the place of the first. Both begin anew for the opposite
+    /// corner. The left between the two places counts as seen: a left of 0 does where neither edge meets the limit.
     KAR_API bool isVisibleIn(karRect &r) const;
     /// \}
 

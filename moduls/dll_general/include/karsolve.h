@@ -39,7 +39,8 @@ KAR_API int gausstridiag(double (*const A)[2], double *const b, int n);
 
 /// Real roots of a*x*x + b*x + c = 0. 1: found, with x1 = sqrt(D) / (2*a) - b / (2*a) and x2 the other one, so that a
 /// negative a makes x1 the smaller. 0: none.
-/// |a| < 1e-50 is the linear equation, x1 = -c / b; where |b| < 1e-50 too, both outputs are 0 and the result is 0.
+/// |a| < 1e-50 is the linear equation, x1 = -c / b; where |b| < 1e-50 too, both outputs are 0 and the result is 0. What
+/// is not a number counts as that small.
 /// Note: the result doesn't count the roots. With D = b*b - 4*a*c below 0 the outputs stay as they were; a D that is not
 /// a number gives 1 and outputs that are not numbers. The second output of the linear equation is a plain 0.0.
 KAR_API int Solve_SquareRoots(const double &a, const double &b, const double &c, double &x1, double &x2);

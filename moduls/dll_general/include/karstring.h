@@ -232,14 +232,16 @@ public:
     /// The text that the C library's `printf` makes of `fmt` and the arguments; gives its length. A negative result,
     /// the C library's failure, leaves the empty text.
     /// Makes room by an estimate: ordinary characters as they are, numbers and pointers by width + precision and at
-    /// least 32, texts by length, width and precision, "#" by 2 more. Where the estimate is too small, the size
-    /// becomes adjust(length + 1). Never shrinks.
+    /// least 32, a character by 2, a text by its length and at least 1, both raised to the width and lowered to a
+    /// precision that isn't 0, "#" by 2 more. Where the estimate is too small, the size becomes adjust(length + 1).
+    /// Never shrinks. A format that ends inside a conversion ends at its NUL.
     /// Note: the estimate doesn't know a second length letter, the letters F, L, N, j, t, z, nor any conversion besides
     /// "cCsSdiuxXoefgGpn%"; from there on it reads no further argument. A negative precision given by "*" lowers it.
     KAR_API int format(const char *fmt, ...);
     /// Reads a whole number and cuts characters below 32, compared as signed bytes, off the end of the text: 0 and
-    /// `value`, or -120 and `value` 0. Digits alone are decimal; digits above 2147483647 give 2147483647. Everything
-    /// else is hexadecimal with optional sign and 0x, in the range of 32 bits. The empty text is 0.
+    /// `value`, or -120 and `value` 0. Digits alone are decimal; digits above 2147483647 give 2147483647 and leave
+    /// `errno` alone. Everything else is hexadecimal with optional sign and 0x, in the range of 32 bits. The empty
+    /// text is 0.
     /// Note: 12a is 298, -5 is -5 and -10 is -16. A range error of an earlier call in `errno` counts as one here, as
     /// `errno` isn't cleared.
     KAR_API errorCodesKARTORY s2int(int &value);
@@ -279,7 +281,7 @@ public:
     /// starts behind the text's end stops at the next NUL or at the end of the buffer.
     /// \{
     KAR_API int karstrchr(char c, int from) const;          ///< First `c`. NUL finds the terminator.
-    KAR_API int karstrrchr(char c, int limit) const;        ///< Last `c`. NUL gives `limit`.
+    KAR_API int karstrrchr(char c, int limit) const;        ///< Last `c`. NUL gives `limit` or the text's end.
     KAR_API int karstrchr(const char *set, int from) const; ///< First of `set`. An empty set finds the terminator.
     /// Note: of the last positions of the characters of `set` the smallest, not the largest: abcabc with ab gives 3.
     /// An empty set gives -1.
@@ -298,9 +300,9 @@ protected:
 
     static constexpr unsigned adjust(unsigned n) { return (n + 7u) & ~7u; } ///< The next multiple of 8, 0 for 0.
 
-    char *buffer;                  ///< From `KarAllocMemory`; null only after a failed allocation and destruction.
-    mutable unsigned cachedLength; ///< Characters, or the mark.
-    unsigned bufferSize;           ///< Bytes in `buffer`, terminator included.
+    char *buffer = nullptr;            ///< From `KarAllocMemory`; null only after a failed allocation and destruction.
+    mutable unsigned cachedLength = 0; ///< Characters, or the mark.
+    unsigned bufferSize = 0;           ///< Bytes in `buffer`, terminator included.
 
 private:
     class CharSet;

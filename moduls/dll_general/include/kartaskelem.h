@@ -34,7 +34,7 @@ public:
     /// \}
 
     /// Puts the task to sleep for a number of seconds of the clock `time`, or until `resume` for 0.
-    /// Note: wake-up times count in unsigned 32 bits on every target, and the sum wraps so.
+    /// Note: wake-up times count in unsigned 32 bits on every target; sum and comparison wrap so.
     void suspend(unsigned long seconds);
     void resume(); ///< Wakes the task.
     /// Notes the wish and takes the task out of the host's list.

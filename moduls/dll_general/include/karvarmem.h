@@ -167,11 +167,14 @@ public:
     /// As `newElement`. With `speicher_Speed` only the last page is tried, and of its free runs the last alone.
     void *appendElement(int count);
     /// Releases the run at `p`, which was requested with `count`, and sets `p` to null; a `p` in no page stays.
+    /// Note: a `p` that itself lies in the run is not written to.
     void deleteElement(void *&p, int count);
-    /// Shortens the run at `p`. Without `speicher_Speed` it moves into an earlier gap if there is one. Returns where
-    /// the run is now; null for a `p` that is null or in no page.
+    /// Shortens the run at `p`. Without `speicher_Speed` it moves to the first gap that `newElement` finds, a later one
+    /// and a new page included. Returns where the run is now; null for a `p` that is null or in no page.
     /// Note: after a move into a gap only the result tells the new address, `p` keeps the old one. A tail of fewer
     /// than 8 bytes moves the run too, and then `p` has the new address. A page that a move empties stays in the pool.
+    /// Note: it stays where the gap is directly behind it on its page, and where the elements in use on the gap's page,
+    /// in bytes, are as many as `newCount`. A gap that isn't used goes back through the page of `p`.
     /// Note: `newCount` above `oldCount` moves as many elements as the page of `p` has behind it.
     void *resizeElementLast(void *&p, int oldCount, int newCount);
     void checkMemory(); ///< Destroys the last page if it is empty and has room for 40 elements.

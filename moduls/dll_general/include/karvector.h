@@ -13,7 +13,7 @@
 ///
 /// Normalisation divides each coordinate by the length; a vector shorter than 1e-50 stays exactly as it is and nothing
 /// reports it (`GetDistance` shows it). A `normalize` argument of false never normalises.
-/// Note: there is no difference of two vectors.
+/// Note: a length that is not a number is divided by. There is no difference of two vectors.
 class KAR_API kar2DVector {
 public:
     /// \name Virtual operations, in slot order

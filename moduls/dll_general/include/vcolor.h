@@ -34,14 +34,15 @@ public:
     /// Note: no name is ever written.
     KAR_API static int Conv(long rgb, karString &out, int flag);
 
-    /// The packed colour of a text that holds "RGB", behind it "(", and then three numbers with two "," and one ")";
-    /// whatever else stands before, in between or behind is passed over. Null, a text without one of these marks, or
-    /// no memory for a copy gives 0. A number is trimmed of blanks and tabs and read by `karString::s2int`: digits
-    /// alone are decimal, everything else is hexadecimal, and what isn't a number gives 0. Values above 255 count as 255.
+    /// The packed colour of a text that holds "RGB", behind it "(", and then three numbers that end at ",", "," and
+    /// ")". Whatever stands before "RGB", between it and "(", or behind ")" is passed over. Null, a text without one of
+    /// these marks, or no memory for a copy gives 0. A number is trimmed of blanks and tabs and read by
+    /// `karString::s2int`: digits alone are decimal, everything else is hexadecimal, and what isn't a number gives 0.
+    /// Values above 255 count as 255.
     /// Note: there is no lower limit. A number below 0 goes into blue * 65536 + green * 256 + red as it is; the sum
     /// wraps at 32 bits.
     /// Note: `errno` isn't cleared, neither before nor between the numbers: with `ERANGE` in it, every number that
-    /// isn't digits alone gives 0.
+    /// isn't digits alone gives 0. The numbers in front of a missing mark are read too and may leave it there.
     KAR_API static long Conv(const char *text);
 };
 

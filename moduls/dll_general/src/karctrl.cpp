@@ -6,6 +6,10 @@ namespace {
 
 constexpr char sourcePath[] = "moduls/dll_general/src/karctrl";
 
+// What a message whose array failed last turned away. Only its typed setters look here: a subclass whose `setParam`
+// keeps the value itself turns nothing away, and its value must live.
+const karDataBase *turnedAway = nullptr;
+
 } // namespace
 
 karDataBase::~karDataBase() = default;
@@ -20,6 +24,8 @@ CtrlType karDataId::getType() const { return CtrlId; }
 int karDataId::getId() const { return id; }
 void karDataId::setId(int newId) { id = newId; }
 
+// Assigned to a fresh text, whose size a short value then has.
+// cppcheck-suppress useInitializationList
 karDataText::karDataText(const karString &value) { text = value; }
 CtrlType karDataText::getType() const { return CtrlText; }
 karString karDataText::getText() const { return text; }
@@ -81,8 +87,11 @@ karMessageBase &karMessageBase::setParam(int index, const karVectorizeParameter 
 karMessageBase &karMessageBase::setParam(int index, karDataBase *value)
 {
     if (hasSlot(index)) {
-        Delete(index);
+        if (params[index] != value) // the value that stands there already would be deleted and then kept
+            Delete(index);
         params[index] = value;
+    } else if (paramCount > 0 && !params) {
+        turnedAway = value;
     }
     return *this;
 }
@@ -98,13 +107,13 @@ karMessageBase &karMessageBase::setInteger(int index, int) { return setBuilt(ind
 
 karMessageBase &karMessageBase::setDouble(int index, double value) { return setBuilt(index, new karDataDouble(value)); }
 
-// A count above 0 without an array: the array couldn't be had, and no slot can ever take the value.
 karMessageBase &karMessageBase::setBuilt(int index, karDataBase *value)
 {
-    const bool arrayFailed = paramCount > 0 && !params;
+    turnedAway = nullptr;
     karMessageBase &result = setParam(index, value);
-    if (arrayFailed)
+    if (turnedAway == value)
         delete value;
+    turnedAway = nullptr;
     return result;
 }
 
@@ -137,7 +146,8 @@ karMessage::~karMessage() { ListRemoveAll(); }
 karMessageLBase *karMessage::addMessage(EnumMessageID id, int paramCount)
 {
     karMessageLBase *element = id == MessageNone ? nullptr : new karMessageLBase(nullptr, id, paramCount);
-    return addMessage(element);
+    ListAppend(element); // a new element stands in no list, so it isn't searched for
+    return element;
 }
 
 karMessageLBase *karMessage::addMessage(karMessageLBase *element)
@@ -207,6 +217,8 @@ karMessageBase *messageOf(karMessageLBase *element) { return element ? element->
 
 } // namespace
 
+// Copies share what they point at, as the header tells.
+// cppcheck-suppress [noCopyConstructor, noOperatorEq]
 karCtrl::karCtrl() : percent(new karPercent), messages(new karMessage) {}
 
 karCtrl::~karCtrl()

@@ -97,6 +97,18 @@ karPage::~karPage()
         state.index->remove(*this);
 }
 
+karPage &karPage::operator=(const karPage &other)
+{
+    if (this == &other)
+        return *this;
+    if (state.index)
+        state.index->giveUp(); // the page has other links, another storage and other room from now on
+    karListTyped::operator=(other);
+    firstFreeElement_ = other.firstFreeElement_;
+    state = other.state;
+    return *this;
+}
+
 void karPage::init(int size, int count)
 {
     constexpr long long smallest = sizeof(karFreeElement);
@@ -176,7 +188,11 @@ karPageMemory::karPageMemory(int size, int count, int stride)
       pageElementSize(stride)
 {}
 
-karPageMemory::~karPageMemory() { delete_all(); }
+karPageMemory::~karPageMemory()
+{
+    delete_all();
+    deleteApart(); // those beside no first page
+}
 
 ObjektIdies karPageMemory::GetType() const { return KAR_ID_PAGE_MEMORY; }
 int karPageMemory::CanCast(ObjektIdies id) const { return id == KAR_ID_PAGE_MEMORY; }
@@ -225,7 +241,11 @@ void *karPageMemory::newElement() { return PoolAccess::take(*this); }
 
 void karPageMemory::deleteElement(void *&p)
 {
-    if (p && firstPage && PoolAccess::give(*this, p))
+    const unsigned smallest = sizeof(FreeLinks);
+    const unsigned size =
+        pageElementSize > static_cast<int>(smallest) ? static_cast<unsigned>(pageElementSize) : smallest;
+    const bool standsInElement = addressOf(&p) - addressOf(p) < size; // whose bytes are free then, or gone
+    if (p && firstPage && PoolAccess::give(*this, p) && !standsInElement)
         p = nullptr;
 }
 
@@ -235,11 +255,16 @@ karPage *karPageMemory::appendPage()
         const MarkCleared direct;
         lastPage = new karPage(lastPage, pageElementSize, elementCount_);
     }
-    if (lastPage && !lastPage->prev())
+    if (lastPage && !lastPage->prev()) {
         if (PageIndex *const index = PageIndex::create())
             index->add(*lastPage);
+        if (firstPage) {
+            lastPage->state.nextApart = state.apart;
+            state.apart = lastPage;
+        }
+    }
     if (!firstPage)
-        firstPage = lastPage;
+        enterChain(lastPage);
     currentPage = lastPage;
     PoolAccess::findIndex(*this);
     return lastPage;
@@ -257,11 +282,56 @@ void karPageMemory::deletePage(karPage *page)
         lastPage = behind ? behind : before;
     if (currentPage == page)
         currentPage = behind ? behind : before;
+    replaceApart(page, behind);
     {
         const MarkCleared direct;
         delete page;
     }
     PoolAccess::findIndex(*this);
+}
+
+// `firstPage` comes to stand in a chain, which is no longer apart.
+void karPageMemory::enterChain(karPage *page)
+{
+    firstPage = page;
+    if (page && state.apart)
+        replaceApart(page->first(), nullptr);
+}
+
+// The chain apart that begins with `page` begins with `replacement` from now on; null takes it off the list.
+void karPageMemory::replaceApart(const karPage *page, karPage *replacement)
+{
+    for (karPage **entry = &state.apart; *entry; entry = &(*entry)->state.nextApart) {
+        if (*entry != page)
+            continue;
+        if (replacement) {
+            replacement->state.nextApart = page->state.nextApart;
+            *entry = replacement;
+        } else {
+            *entry = page->state.nextApart;
+        }
+        return;
+    }
+}
+
+void karPageMemory::deleteApart()
+{
+    if (!state.apart)
+        return;
+    const MarkCleared direct;
+    while (karPage *const page = state.apart) {
+        state.apart = page->state.nextApart;
+        deleteChain(page);
+    }
+}
+
+void karPageMemory::deleteChain(karPage *page)
+{
+    while (page) {
+        karPage *const behind = page->next();
+        delete page;
+        page = behind;
+    }
 }
 
 int karPageMemory::delete_all()
@@ -270,12 +340,9 @@ int karPageMemory::delete_all()
         return 0;
     {
         const MarkCleared direct;
-        for (karPage *page = firstPage->first(); page;) {
-            karPage *const behind = page->next();
-            delete page;
-            page = behind;
-        }
+        deleteChain(firstPage->first());
     }
+    deleteApart(); // would be out of reach from now on
     firstPage = currentPage = lastPage = nullptr;
     PoolAccess::findIndex(*this);
     return 0;
@@ -294,7 +361,7 @@ int karPageMemory::test_delete_all()
 int karPageMemory::getAnzElem()
 {
     if (!firstPage)
-        firstPage = lastPage;
+        enterChain(lastPage);
     if (!firstPage)
         return 0;
     unsigned sum = 0;
@@ -351,7 +418,7 @@ public:
     bool isStale() const { return changes != recordChanges; }
     std::size_t size() const { return records.size(); }
 
-    bool add(karMemory_Entry &record) { return records.insert({addressOf(record.hentry()), &record}); }
+    bool add(karMemory_Entry &record) { return records.insert({keyOf(record.hentry()), &record}); }
     void remove(karMemory_Entry &record)
     {
         if (Record *const found = find(record))
@@ -361,7 +428,7 @@ public:
     /// The oldest record of the block, or null.
     karMemory_Entry *find(void *block) const
     {
-        const Record *const found = records.find(addressOf(block));
+        const Record *const found = records.find(keyOf(block));
         return found ? found->record : nullptr;
     }
 
@@ -375,9 +442,12 @@ private:
 
     Record *find(karMemory_Entry &record) const
     {
-        return records.find(addressOf(record.hentry()),
+        return records.find(keyOf(record.hentry()),
                             [&record](const Record &candidate) { return candidate.record == &record; });
     }
+
+    // A record may be given a null address, and no key is 0.
+    static std::uintptr_t keyOf(const void *block) { return addressOf(block) + 1; }
 
     static unsigned recordChanges;
 
@@ -493,6 +563,7 @@ void *karMemory::dxnew(void *p, unsigned size)
     }
     void *const place = KarAllocMemory(sizeof(karMemory_Entry), element);
     if (place) {
+        // cppcheck-suppress legacyUninitvar ; it takes the placement for a use
         karMemory_Entry *const record = ::new (place) karMemory_Entry(p, 0, memoryEntries);
         record->hsize_ = kar::addLong(0, size);
         memoryEntries = record;

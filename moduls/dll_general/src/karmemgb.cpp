@@ -248,14 +248,18 @@ bool karGlobalMemory::isValid() const
 
 namespace {
 
-/// The table of live blocks outlasts the allocator; what is left in it at unload are blocks of the host, whose memory
-/// stays, while the table's own goes.
-struct LiveBlocksEnd {
-    ~LiveBlocksEnd() { liveBlocks.clear(); }
+/// The tables of live blocks and of pages outlast the allocator; what is left in them at unload are blocks and pools of
+/// the host, whose memory stays, while the tables' own goes.
+struct TablesEnd {
+    ~TablesEnd()
+    {
+        liveBlocks.clear();
+        kar::largePages.clear();
+    }
 };
 
 struct StaticMemory {
-    LiveBlocksEnd end;
+    TablesEnd end;
     karGlobalMemory memory; // is destroyed first
 };
 

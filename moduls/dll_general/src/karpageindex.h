@@ -118,6 +118,21 @@ public:
             room = lowest();
     }
 
+    /// Forgets what it knows of the pages; their chain is walked from now on.
+    void giveUp()
+    {
+        gaveUp = true;
+        room = nullptr;
+        for (unsigned i = 0; i < used; ++i)
+            if (slots[i].page)
+                removeStretches(slots[i]);
+        smallPages.clear();
+        std::free(bits[0]);
+        bits[0] = nullptr;
+        slots = nullptr;
+        used = capacity = height = 0;
+    }
+
 private:
     struct Slot {
         karPage *page;         // null in a gap
@@ -245,20 +260,6 @@ private:
             if (PageStretch *const stretch =
                     pages.find(key, [&slot](const PageStretch &candidate) { return candidate.page == slot.page; }))
                 pages.erase(stretch);
-    }
-
-    void giveUp()
-    {
-        gaveUp = true;
-        room = nullptr;
-        for (unsigned i = 0; i < used; ++i)
-            if (slots[i].page)
-                removeStretches(slots[i]);
-        smallPages.clear();
-        std::free(bits[0]);
-        bits[0] = nullptr;
-        slots = nullptr;
-        used = capacity = height = 0;
     }
 
     karPage *room = nullptr; // the first page with a free element

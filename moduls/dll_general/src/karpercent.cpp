@@ -31,7 +31,11 @@ int karPercent::getEnd() { return ListLast() ? ListLast()->getEnd() : -1; }
 
 void karPercent::addLayer() { ListAppend(new karPercentList(nullptr, 0, 100)); }
 
-void karPercent::removeLayer() { ListRemove(ListLast()); }
+void karPercent::removeLayer()
+{
+    if (karPercentList *top = ListLast())
+        ListRemove(top);
+}
 
 void karPercent::reset()
 {

@@ -100,13 +100,13 @@ char &karString::scratchCharacter() { return scratch; }
 
 // -- Construction ---------------------------------------------------------------------------------------------------
 
-karString::karString() : cachedLength(0)
+karString::karString()
 {
     if (obtain(9))
         clearFrom(buffer, 0, 16);
 }
 
-karString::karString(unsigned reserve) : cachedLength(0)
+karString::karString(unsigned reserve)
 {
     if (obtain(std::uint64_t{reserve} + 1))
         clearFrom(buffer, 0, bufferSize);
@@ -184,7 +184,7 @@ karString::~karString()
 
 karString &karString::operator=(const karString &other)
 {
-    if (buffer == other.buffer)
+    if (this == &other || buffer == other.buffer)
         return *this;
     const unsigned count = other.measured();
     const unsigned newLength = other.cachedLength != unknownLength ? other.cachedLength : count;
@@ -196,7 +196,12 @@ karString &karString::operator=(const karString &other)
     cachedLength = newLength;
     if (isLonger || runsOn) {
         KarDellocMemory(buffer);
-        obtainText(other.text(), count, newSize);
+        if (newLength < newSize || runsOn) {
+            obtainText(other.text(), count, newSize);
+        } else { // the size of a source that has no buffer, as its own size didn't fit 32 bits
+            buffer = nullptr;
+            bufferSize = newSize;
+        }
     } else if (buffer) {
         std::memcpy(buffer, other.text(), count);
         buffer[count] = '\0';
@@ -303,18 +308,20 @@ const char *karString::vstrrchr(char c, unsigned limit) const
 // What copy, append and copy again give, in one allocation.
 karString::karString(const karString &left, const char *right, std::size_t rightCount)
 {
-    const unsigned leftLength = left.length();
-    const std::uint64_t total = std::uint64_t{leftLength} + rightCount;
+    const unsigned leftMeasured = left.measured();
+    const unsigned leftLength = left.cachedLength != unknownLength ? left.cachedLength : leftMeasured;
+    const unsigned leftCount = std::min(leftMeasured, leftLength);
+    const bool endsEarly = leftCount < leftLength; // before its cached length, and the result ends there too
+    std::uint64_t total = std::uint64_t{leftLength} + rightCount;
+    if (endsEarly && total == unknownLength) // the second copy takes the sum for the mark and measures
+        total = leftCount;
     cachedLength = static_cast<unsigned>(total);
     if (!obtain(total + 9))
         return;
-    const unsigned leftCount = std::min(left.measured(), leftLength);
-    // A left text that ends before its cached length ends the result.
-    const std::size_t count = leftCount < leftLength ? leftCount : static_cast<std::size_t>(total);
-    clearFrom(buffer, count, bufferSize);
+    clearFrom(buffer, endsEarly ? leftCount : static_cast<std::size_t>(total), bufferSize);
     if (leftCount)
         std::memcpy(buffer, left.buffer, leftCount);
-    if (leftCount == leftLength && rightCount)
+    if (!endsEarly && rightCount)
         std::memcpy(buffer + leftLength, right, rightCount);
 }
 

@@ -445,10 +445,15 @@ void karVarPageMemory::deleteElement(void *&p, int count)
     karVarPage *const page = firstPage->search(p);
     if (!page)
         return;
-    page->deleteElement(p, count);
-    if (!p)
+    // The reference may stand in the run itself, whose bytes are free then, or gone.
+    const auto bytes = static_cast<std::uint64_t>(std::int64_t{page->raised(count)} * elementSize_);
+    const bool standsInRun = count != 0 && address(&p) - address(p) < bytes;
+    void *run = p;
+    page->deleteElement(run, count);
+    if (!run)
         deletePage(page);
-    p = nullptr;
+    if (!standsInRun)
+        p = nullptr;
 }
 
 void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)

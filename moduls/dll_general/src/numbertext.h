@@ -41,8 +41,8 @@ double readReal(const char *begin, const char *end);
 /// Reads digits; above 2147483647 gives that.
 int readDecimal(const char *begin, const char *end);
 
-/// What `strtol` gives in radix 16 where `long` has 32 bits: white space, sign, 0x, digits. Beyond the range the nearest
-/// value, and `errno` is `ERANGE`. `behind` is set behind the number, or to `begin` if there is none.
+/// What `strtol` gives in radix 16 where `long` has 32 bits: white space, sign, 0x, digits. Beyond the range the
+/// nearest value, and `errno` is `ERANGE`. `behind` is set behind the number, or to `begin` if there is none.
 int readHexadecimal(const char *begin, const char *end, const char *&behind);
 
 } // namespace kar::text

@@ -24,8 +24,11 @@ bool kar::platform::systemReport(SystemReport &report)
 bool kar::platform::computerName(char *name)
 {
     utsname system = {};
-    if (uname(&system) != 0 || std::strlen(system.nodename) >= nodeNameSize)
+    if (uname(&system) != 0)
         return false;
-    std::strcpy(name, system.nodename);
+    const std::size_t length = std::strlen(system.nodename);
+    if (length >= nodeNameSize)
+        return false;
+    std::memcpy(name, system.nodename, length + 1);
     return true;
 }

@@ -216,14 +216,15 @@ long vColorName::Conv(const char *text)
     char *const firstComma = open != nullptr ? std::strchr(open, ',') : nullptr;
     if (firstComma == nullptr)
         return 0;
+    // Each part is read before the next mark is looked for: what it leaves in `errno` stays if that mark is missing.
+    const int red = readPart(open + 1, firstComma);
     char *const secondComma = std::strchr(firstComma + 1, ',');
     if (secondComma == nullptr)
         return 0;
+    const int green = readPart(firstComma + 1, secondComma);
     char *const close = std::strchr(secondComma + 1, ')');
     if (close == nullptr)
         return 0;
-    const int red = readPart(open + 1, firstComma);
-    const int green = readPart(firstComma + 1, secondComma);
     const int blue = readPart(secondComma + 1, close);
     return kar::wrapAdd(kar::wrapAdd(kar::wrapMul(blue, 0x10000), kar::wrapMul(green, 0x100)), red);
 }

@@ -268,6 +268,13 @@ TEST(Kar3DDimension, NamesItsPlacesWidthHeightAndDeep)
     EXPECT_TRUE(holds(d, 7, 7, 7));
     d = kar3D_Dimension(1, 2, 3);
     EXPECT_TRUE(holds(d * d, 1, 4, 9));
+    EXPECT_EQ(&(d = kar3D_Pair(4, 5, 6)), &d);
+    EXPECT_TRUE(holds(d, 4, 5, 6));
+    d = kar3D_Point(7, 8, 9);
+    EXPECT_TRUE(holds(d, 7, 8, 9));
+    d = {1.0, 2.0, 3.0};
+    EXPECT_TRUE(holds(d, 1, 2, 3));
+    EXPECT_TRUE((std::is_same<decltype(d = 1.0), const kar3D_Dimension &>::value));
     EXPECT_TRUE(holds(kar3D_Dimension(kar3D_Pair(1, 2, 3)), 1, 2, 3));
 }
 

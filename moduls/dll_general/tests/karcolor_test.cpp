@@ -9,6 +9,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <type_traits>
 
@@ -49,6 +50,14 @@ static_assert(std::is_same<decltype(karColor().iges()), int>::value, "a number")
 static_assert(std::is_same<decltype(karColor().rgbs()), unsigned long>::value, "a number");
 
 TEST(KarColor, BeginsAsPlainBlack) { EXPECT_EQ(bytes(karColor()), (Bytes{0, 0, 0, 0})); }
+
+TEST(KarColor, HoldsRedGreenBlueAndTheMarkInThisOrder)
+{
+    const karColor c = marked(1, 2, 3, 4);
+    unsigned char held[4];
+    std::memcpy(held, &c, sizeof held);
+    EXPECT_EQ((Bytes{held[0], held[1], held[2], held[3]}), (Bytes{1, 2, 3, 4}));
+}
 
 TEST(KarColor, IsBuiltFromThreePartsWithoutAMark)
 {

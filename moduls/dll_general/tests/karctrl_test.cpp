@@ -1,4 +1,5 @@
-// Values, messages, controller and filter. Failing allocation is in karctrl_failure_test.cpp.
+// Values, messages, controller and filter. Failing allocation is in karctrl_failure_test.cpp, ownership and what a
+// subclass hears in karctrl_owner_test.cpp, fields and slots in karctrl_layout_test.cpp.
 #include "karctrl.h"
 
 #include "silenthost.h"
@@ -490,7 +491,7 @@ TEST(KarMessage, RandomSequencesWithSharedIdsFollowAPlainList)
         case 3:
             if (!plain.empty()) {
                 list.removeMessage(plain[at]);
-                plain.erase(plain.begin() + at);
+                plain.erase(plain.begin() + static_cast<std::ptrdiff_t>(at));
             }
             break;
         case 4: {
@@ -674,7 +675,7 @@ TEST(KarFilter, SetCtrlDeletesAnOwnedControllerAndMakesNone)
 {
     int deleted = 0;
     HeardCtrl ctrl(deleted);
-    karFilter filter; // the leak sanitizer sees whether the first controller goes
+    karFilter filter;
     filter.setCtrl(&ctrl);
     EXPECT_FALSE(filter.isOwnCtrlUsed());
     EXPECT_EQ(filter.getCtrl(), &ctrl);

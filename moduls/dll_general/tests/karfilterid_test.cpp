@@ -1,6 +1,8 @@
 // Dispatch by kind. Failing allocation of the table is in karctrl_failure_test.cpp.
 #include "karfilterid.h"
 
+#include "testslot.h"
+
 #include <gtest/gtest.h>
 
 #include <type_traits>
@@ -246,4 +248,77 @@ TEST(KarFilterIdBase, AnItemThatDoesNotOverrideGoesToSlotZero)
     karFilterObject item;
     EXPECT_EQ(dispatcher.filterObject(&item), 17);
     EXPECT_EQ(dispatcher.seen, &item);
+}
+
+TEST(KarFilterIdBase, TheItemIsAskedOnceAndBeforeTheTable)
+{
+    class Asked : public karFilterObject {
+    public:
+        filterObjectID getFilterId() override
+        {
+            ++asked;
+            return filterObjectID(1);
+        }
+        int asked = 0;
+    };
+    Dispatcher dispatcher;
+    Asked item;
+    EXPECT_EQ(dispatcher.filterObject(&item), -251);
+    EXPECT_EQ(item.asked, 1);
+    dispatcher.dropTable();
+    EXPECT_EQ(dispatcher.filterObject(&item), -252);
+    EXPECT_EQ(item.asked, 2);
+}
+
+namespace {
+
+// Its virtual operation puts a table in front of the dispatcher part.
+class Changing : public karFilterIdBase {
+public:
+    Changing() { setFilterHandler(filterObjectID(6), this, &Changing::handle); }
+    virtual ~Changing() = default;
+    virtual errorCodesKARTORY handle(karFilterObject *) { return errorCodesKARTORY(own); }
+    int own = 31;
+};
+
+class Changed : public Changing {
+public:
+    errorCodesKARTORY handle(karFilterObject *) override { return errorCodesKARTORY(own + 1); }
+};
+
+/// Opens the fields.
+struct SlotFields : FilterMObject {
+    void check()
+    {
+        EXPECT_EQ(offsetIn(*this, method), 0);
+        EXPECT_EQ(offsetIn(*this, object), static_cast<long>(2 * sizeof(void *))); // a method is two words
+    }
+};
+
+struct TableFields : karFilterIdBase {
+    void check() { EXPECT_EQ(offsetIn(*this, methods), 0); }
+};
+
+} // namespace
+
+TEST(KarFilterIdBase, HandlersOfClassesWithVirtualOperationsGetTheirOwnObject)
+{
+    Changing dispatcher;
+    EXPECT_EQ(run(dispatcher, 6), 31);
+    Changed derived;
+    derived.own = 40;
+    EXPECT_EQ(run(derived, 6), 41); // a virtual handler stays virtual
+}
+
+TEST(FilterIdLayout, FieldsAndVirtualOperationsStandInTheirOrder)
+{
+    SlotFields().check();
+    TableFields().check();
+    EXPECT_EQ(sizeof(FilterMObject), 3 * sizeof(void *));
+    EXPECT_EQ(sizeof(karFilterIdBase), sizeof(void *));
+    EXPECT_EQ(sizeof(karFilterObject), sizeof(void *));
+    EXPECT_EQ(slotOf(&karFilterObject::getFilterId), 0);
+    static_assert(!std::is_polymorphic_v<FilterMObject>);
+    static_assert(!std::is_polymorphic_v<karFilterIdBase>);
+    static_assert(std::is_same_v<std::underlying_type_t<filterObjectID>, int>);
 }

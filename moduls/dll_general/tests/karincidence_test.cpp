@@ -241,6 +241,12 @@ TEST(IsPointOnArc, EndsBelongToIt)
     EXPECT_FALSE(IsPointOnArc(1, 1, 2, std::nextafter(half, 2.0), 6, 1, 3, false, 1e-10));
     EXPECT_TRUE(IsPointOnArc(1, 1, 2, 9.9e-51, 1, 3, 1, true, 1e-10)); // within 1e-50 of the start
     EXPECT_FALSE(IsPointOnArc(1, 1, 2, 1.1e-50, 1, 3, 1, true, 1e-10));
+    EXPECT_TRUE(IsPointOnArc(1, 1, 2, -1, -9.9e-51, 3, 1, true, 1e-10)); // and of the end
+    EXPECT_FALSE(IsPointOnArc(1, 1, 2, -1, -1.1e-50, 3, 1, true, 1e-10));
+    EXPECT_TRUE(IsPointOnArc(1, 1, 2, 9.9e-51, -1, 3, 1, true, 1e-10)); // start above end
+    EXPECT_FALSE(IsPointOnArc(1, 1, 2, 1.1e-50, -1, 3, 1, true, 1e-10));
+    EXPECT_TRUE(IsPointOnArc(1, 1, 2, 1, -9.9e-51, 3, 1, true, 1e-10));
+    EXPECT_FALSE(IsPointOnArc(1, 1, 2, 1, -1.1e-50, 3, 1, true, 1e-10));
 }
 
 TEST(IsPointOnArc, StartEqualToEndIsThatOneAngle)
@@ -383,6 +389,21 @@ TEST(CalculateMirrorPointToLine, CoincidentEndPointsCountAsHorizontal)
     EXPECT_EQ(-3.0, x);
 }
 
+TEST(CalculateMirrorPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNumberIsNot)
+{
+    double x = 0, y = 0;
+    // sqrt(6e-51 * 6e-51 + 8e-51 * 8e-51) is 1e-50: a slope, not the horizontal that 8e-51 would be
+    EXPECT_TRUE(Calculate_Mirror_Point_To_Line(1, 0, 0, 0, 6e-51, 8e-51, x, y));
+    EXPECT_NEAR(-0.6, x, 1e-15); // by twice (-0.8, 0.6): the distance takes so short a line as vertical, so it is 1
+    EXPECT_NEAR(1.2, y, 1e-15);
+    EXPECT_TRUE(Calculate_Mirror_Point_To_Line(1, 7, 0, 0, 5e-51, 8e-51, x, y)); // shorter: horizontal
+    EXPECT_EQ(1.0, x);
+    EXPECT_EQ(-7.0, y);
+    EXPECT_TRUE(Calculate_Mirror_Point_To_Line(3, 7, inf, 2, inf, 2, x, y)); // (inf - inf, 0) stays: horizontal
+    EXPECT_EQ(3.0, x);
+    EXPECT_EQ(-3.0, y);
+}
+
 TEST(CalculateMirrorPointToLine, OutputsMayBeInputs)
 {
     double x = 3, y = 1;
@@ -418,6 +439,21 @@ TEST(CalculatePerpendicularPointToLine, TestsTheSegmentOnRequestAndWritesTheFoot
     EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(6, 7, 0, 2, 5, 2, x, y, false));
     EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(5 + 0.9e-10, 7, 0, 2, 5, 2, x, y, true));
     EXPECT_EQ(0, Calculate_Perpendicular_Point_To_Line(5 + 1.1e-10, 7, 0, 2, 5, 2, x, y, true));
+}
+
+TEST(CalculatePerpendicularPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNumberIsNot)
+{
+    double x = 0, y = 0;
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(1, 0, 0, 0, 6e-51, 8e-51, x, y, false));
+    EXPECT_NEAR(0.36, x, 1e-15);
+    EXPECT_NEAR(0.48, y, 1e-15);
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(1, 7, 0, 0, 5e-51, 8e-51, x, y, false)); // shorter: horizontal
+    EXPECT_EQ(1.0, x);
+    EXPECT_EQ(0.0, y);
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(3, 7, inf, 2, inf, 2, x, y, false));
+    EXPECT_EQ(3.0, x);
+    EXPECT_EQ(2.0, y);
+    EXPECT_EQ(0, Calculate_Perpendicular_Point_To_Line(3, 7, inf, 2, inf, 2, x, y, true)); // not in the box at infinity
 }
 
 TEST(CalculatePerpendicularPointToLine, OutputsMayBeInputs)
@@ -495,6 +531,17 @@ TEST(CalculateCentrepointOfArc, LeavesTheCentreOfCoincidentPoints)
     EXPECT_TRUE(Calculate_Centrepoint_Of_Arc(1, 1, 1, 1, 2, cx, cy)); // 0 / 0 in every coefficient: no equation left
     EXPECT_EQ(untouched, cx);
     EXPECT_EQ(untouched, cy);
+}
+
+TEST(CalculateCentrepointOfArc, EliminatesXFromADifferenceOf1e50On)
+{
+    double cx = untouched, cy = untouched;
+    EXPECT_TRUE(Calculate_Centrepoint_Of_Arc(0, 0, 9.9e-51, 0, 2, cx, cy)); // as vertical it divides by dy = 0
+    EXPECT_TRUE(std::isnan(cx));
+    EXPECT_TRUE(std::isnan(cy));
+    EXPECT_TRUE(Calculate_Centrepoint_Of_Arc(0, 0, 1e-50, 0, 2, cx, cy));
+    EXPECT_NEAR(5e-51, cx, 1e-65);
+    EXPECT_EQ(2.0, cy);
 }
 
 TEST(CalculateCentrepointOfArc, OutputsMayBeInputs)

@@ -122,6 +122,14 @@ TEST(TrapezesAdapt, EpsZeroFillsColumnZeroOnly)
     EXPECT_EQ(2u, abscissas.size());
 }
 
+TEST(TrapezesAdapt, InfiniteEpsFillsColumnZeroOnly)
+{
+    Tableau t;
+    TrapezesAdapt(0, 8, std::numeric_limits<double>::infinity(), t.entries, square, nullptr);
+    EXPECT_EQ(256.0, t.entries[0][0]);
+    EXPECT_EQ(untouched, t.entries[0][1]);
+}
+
 TEST(TrapezesAdapt, NegativeEpsAndDifferencesThatAreNotNumbersNeverStop)
 {
     const double zero = 0;
@@ -230,6 +238,19 @@ TEST(NormDerivedElliptical, IsTheSpeedOnTheEllipse)
     EXPECT_NEAR(std::hypot(2 * c - s, 4 * c - 3 * s), normDerivedElliptical(0.7, sheared), 1e-15);
 }
 
+TEST(NormDerivedElliptical, IsTheStatedFormula)
+{
+    TestRandom random(90);
+    for (int step = 0; step < 20000; ++step) {
+        double p[4];
+        for (double &parameter : p)
+            parameter = step % 2 == 0 ? random.between(-4.0, 4.0) : mixedDouble(random);
+        const double t = random.between(-9.0, 9.0), c = std::cos(t), s = std::sin(t);
+        const double x = p[1] * c - p[0] * s, y = p[3] * c - p[2] * s;
+        ASSERT_TRUE(sameBits(std::sqrt(x * x + y * y), normDerivedElliptical(t, p))) << "seed 90, step " << step;
+    }
+}
+
 // Arc lengths
 
 /// Perimeter of an ellipse by the arithmetic-geometric mean: 2 pi / M * (a^2 - sum of 2^(n-1) c(n)^2).
@@ -281,6 +302,19 @@ TEST(LengthOfEllipticalArc, RotationDoesNotChangeTheLength)
     for (double rotation : {0.1, 1.0, 2.5, -7.0}) {
         EXPECT_NEAR(length(3, 2, 0, 0, fullTurn), length(3, 2, rotation, 0, fullTurn), 1e-13);
         EXPECT_NEAR(length(3, 2, 0, 0.5, 2), length(3, 2, rotation, 0.5, 2), 1e-13);
+    }
+}
+
+TEST(LengthOfEllipticalArc, IsTheIntegralOfTheSpeed)
+{
+    TestRandom random(93);
+    for (int step = 0; step < 2000; ++step) {
+        const double a = random.between(-4.0, 4.0), b = random.between(-4.0, 4.0), rotation = random.between(-9.0, 9.0);
+        const double start = random.between(-9.0, 9.0), end = random.between(-9.0, 9.0);
+        const double c = std::cos(rotation), s = std::sin(rotation);
+        const double p[4] = {a * c, -b * s, a * s, b * c};
+        ASSERT_TRUE(sameBits(integral(start, end, normDerivedElliptical, p), length(a, b, rotation, start, end)))
+            << "seed 93, step " << step;
     }
 }
 

@@ -1,6 +1,7 @@
 // List elements: links, positions, copies, type identity, layout.
 #include "karlist.h"
 
+#include "failalloc.h"
 #include "karmemgb.h"
 #include "testrandom.h"
 #include "testslot.h"
@@ -399,6 +400,14 @@ TEST(KarListObject, ComesFromTheLibrarysAllocator)
     karListObject *const element = new Element;
     EXPECT_GT(globalMemList->getAnzNew(), before);
     delete element;
+}
+
+TEST(KarListObject, NewGivesNullWithoutMemory)
+{
+    const AllAllocationsFail failing;
+    EXPECT_EQ(new karListObjectNV, nullptr);
+    EXPECT_EQ(new Element, nullptr);
+    EXPECT_EQ(new karPtrListObject, nullptr);
 }
 
 TEST(KarPtrListObject, CarriesAPointer)

@@ -395,6 +395,15 @@ TEST(ListSort, ComparesOnTheGivenObject)
     EXPECT_TRUE(list.head.sortMethod == static_cast<karSortMethod>(&Turned::turned));
 }
 
+TEST(ListSort, ItsArgumentsPassToACopyOfTheHead)
+{
+    Head head, object;
+    head.ListSort(static_cast<karSortMethod>(&Head::byKey), &object);
+    const Head copy(head);
+    EXPECT_EQ(copy.sortObject, &object);
+    EXPECT_TRUE(copy.sortMethod == static_cast<karSortMethod>(&Head::byKey));
+}
+
 TEST(ListSort, TakesAVirtualMethod)
 {
     class Base : public Head {

@@ -2,6 +2,7 @@
 // chain of heads. The sort has a file of its own.
 #include "karlisthead.h"
 
+#include "failalloc.h"
 #include "karmemgb.h"
 #include "testrandom.h"
 #include "testslot.h"
@@ -662,6 +663,17 @@ private:
     const karListHeadListObject &other;
 };
 bool Witness::alone;
+
+TEST(KarListHeadListObject, WithoutMemoryNewGivesNullAndNullIsNotLinked)
+{
+    Head head;
+    const AllAllocationsFail failing;
+    EXPECT_EQ(new Head, nullptr);
+    EXPECT_EQ(new HeadElement(nullptr, ObjektIdies(0)), nullptr);
+    EXPECT_EQ(head.ListAppend(new Element('a')), nullptr);
+    EXPECT_EQ(head.ListInsert(new Element('a'), nullptr), nullptr);
+    EXPECT_EQ(head.state(), " 000");
+}
 
 TEST(KarListHeadListObject, LeavesTheChainOfHeadsBeforeItsElementsDie)
 {

@@ -759,6 +759,99 @@ TEST(KarPageMemory, PageAfterAMissingPageObjectStartsAChainOfItsOwn)
     EXPECT_EQ(newer->elementUsed(), 2);
 }
 
+TEST(KarPageMemory, ChainsApartGoWithThePool)
+{
+    for (int way = 0; way < 4; ++way) {
+        SCOPED_TRACE(way);
+        const HeapCounts before;
+        {
+            karPageMemory pool(40, 1);
+            void *a = pool.newElement();
+            for (int chain = 0; chain < 3; ++chain) {
+                {
+                    AllAllocationsFail failing;
+                    EXPECT_EQ(pool.newElement(), nullptr);
+                }
+                pool.newElement();
+                pool.newElement();
+            }
+            EXPECT_EQ(pool.getAnzElem(), 1);
+            if (way == 1) {
+                pool.delete_all();
+                EXPECT_TRUE(HeapCounts() == before);
+            } else if (way > 1) {
+                pool.deleteElement(a); // no first page any more
+                EXPECT_EQ(pool.delete_all(), 0);
+                EXPECT_FALSE(HeapCounts() == before);
+            }
+            if (way == 3) {
+                EXPECT_EQ(pool.getAnzElem(), 2); // the newest one is the way in
+                pool.delete_all();
+                EXPECT_TRUE(HeapCounts() == before);
+            }
+        }
+        EXPECT_TRUE(HeapCounts() == before);
+    }
+}
+
+TEST(KarPageMemory, ChainApartLosesItsFirstPage)
+{
+    const HeapCounts before;
+    {
+        PoolPeek pool(40, 1);
+        pool.newElement();
+        {
+            AllAllocationsFail failing;
+            pool.newElement();
+        }
+        karPage *const begins = pool.appendPage();
+        karPage *const follows = pool.appendPage();
+        pool.deletePage(begins);
+        EXPECT_EQ(PoolPeek::lastOf(pool), follows);
+        pool.appendPage();
+    }
+    EXPECT_TRUE(HeapCounts() == before);
+}
+
+TEST(KarPageMemory, PointerThatStandsInItsElementIsNotWrittenTo)
+{
+    for (int others : {0, 1}) { // the page goes, and it stays
+        karPageMemory pool(40, 3);
+        for (int i = 0; i < others; ++i)
+            pool.newElement();
+        for (std::size_t place : {0u, 1u, 4u}) {
+            void **const element = static_cast<void **>(pool.newElement());
+            element[place] = element;
+            pool.deleteElement(element[place]);
+            EXPECT_EQ(pool.getAnzElem(), others);
+            EXPECT_TRUE(pool.isValid());
+        }
+    }
+}
+
+TEST(KarPageMemory, AssignmentToAPageOfItIsFollowed)
+{
+    karPageMemory pool(40, 2);
+    void *elements[4];
+    for (void *&element : elements)
+        element = pool.newElement();
+    void *const released = elements[0];
+    pool.deleteElement(elements[0]);
+    karPage &first = *PoolPeek::firstOf(pool);
+    alignas(karPage) unsigned char abandoned[sizeof(karPage)];
+    karPage &image = *::new (static_cast<void *>(abandoned)) karPage(first);
+    EXPECT_EQ(image.newElement(), released);
+    first = image; // is full now, which the pool isn't told
+    EXPECT_EQ(pool.getAnzElem(), 4);
+    EXPECT_NE(pool.newElement(), nullptr);
+    EXPECT_EQ(PoolPeek::pages(pool), 3);
+    void *p = released;
+    pool.deleteElement(p);
+    EXPECT_EQ(p, nullptr);
+    EXPECT_EQ(pool.newElement(), released);
+    EXPECT_TRUE(pool.isValid());
+}
+
 TEST(KarPageMemory, AppendingMakesTheNewerChainTheWayInAgain)
 {
     karPageMemory pool(40, 1);

@@ -125,6 +125,13 @@ TEST(KarMemory_Entry, StandsAtTheEndAndHoldsItsFields)
     EXPECT_EQ(alone.prev(), &b);
     EXPECT_EQ(alone.hsize(), 25);
     alone.prev(nullptr);
+    karMemory_Entry copy(b);
+    EXPECT_EQ(copy.prev(), &a);
+    EXPECT_EQ(copy.next(), &c);
+    EXPECT_EQ(copy.hentry(), places + 1);
+    EXPECT_EQ(copy.hsize(), 50);
+    copy.prev(nullptr);
+    copy.next(nullptr);
 }
 
 TEST(KarFile_EntryZ, StandsAtTheEndAndHoldsItsFields)
@@ -145,6 +152,18 @@ TEST(KarFile_EntryZ, StandsAtTheEndAndHoldsItsFields)
     EXPECT_EQ(a.hentry(), stdin);
     EXPECT_EQ(a.hsize(), 8);
     EXPECT_EQ(FileEntry::kindOf(b), 2);
+    karFile_EntryZ copy(b);
+    karFile_EntryZ assigned(nullptr, 0, 3, nullptr);
+    EXPECT_EQ(assigned.set_besideIt(), nullptr);
+    assigned = b;
+    for (karFile_EntryZ *other : {&copy, &assigned}) {
+        EXPECT_EQ(other->prev(), &a);
+        EXPECT_EQ(other->hentry(), stdout);
+        EXPECT_EQ(other->hsize(), 50);
+        EXPECT_EQ(FileEntry::kindOf(*other), 2);
+        other->prev(nullptr);
+    }
+    EXPECT_EQ(a.next(), &b);
 }
 
 // ---- Blocks
@@ -250,6 +269,27 @@ TEST(KarMemory, RecordFollowsAnAddressStoredInIt)
     other->next(behind);
     EXPECT_EQ(memory.search_memory_entry(places + 700), other);
     EXPECT_EQ(memory.search_memory_entry(places + 7), nullptr);
+}
+
+TEST(KarMemory, RecordOfANullAddressIsFound)
+{
+    for (int others : {3, 50}) { // with few records and with an index over many
+        Memory memory;
+        for (int i = 0; i < others; ++i)
+            memory.dxnew(places + i, 1);
+        EXPECT_EQ(memory.search_memory_entry(nullptr), nullptr);
+        karMemory_Entry *const record = memory.search_memory_entry(places + 1);
+        record->hentry(nullptr);
+        EXPECT_EQ(memory.search_memory_entry(nullptr), record);
+        EXPECT_EQ(memory.search_memory_entry(places + 1), nullptr);
+        EXPECT_TRUE(memory.isValid());
+        EXPECT_FALSE(forget(memory, places + 1));
+        void *none = nullptr;
+        memory.dxdelete(&none);
+        EXPECT_EQ(memory.curr_used_memory(), others - 1);
+        EXPECT_EQ(memory.search_memory_entry(nullptr), nullptr);
+        EXPECT_TRUE(memory.isValid());
+    }
 }
 
 TEST(KarMemory, SearchWithoutRecordsFindsNothing)
@@ -413,6 +453,15 @@ TEST(KarMemory, DeleteAllOfAHostsOwnReleasesBlocksAndKeepsItsSum)
     EXPECT_TRUE(HeapCounts() == before);
 }
 
+TEST(KarMemory, DeleteAllPassesOverARecordWithoutABlock)
+{
+    Memory memory;
+    memory.dxnew(places, 5);
+    MemoryPeek::tailOf(memory)->hentry(nullptr);
+    EXPECT_EQ(memory.delete_all(), 1);
+    EXPECT_EQ(MemoryPeek::tailOf(memory), nullptr);
+}
+
 TEST(KarMemory, DeleteAllOfRecordsWithoutSizeGives0)
 {
     Memory memory;
@@ -490,6 +539,18 @@ TEST(KarMemory, OneCallClosesOneFileLatestFirst)
     EXPECT_EQ(memory.xfclose_all(), 0);
     EXPECT_EQ(MemoryPeek::filesOf(memory), nullptr);
     EXPECT_EQ(memory.xfclose_all(), 1);
+}
+
+TEST(KarMemory, RecordWithoutAStreamIsDroppedAlone)
+{
+    const TestFile file("karmem_tracked_test_null.tmp", 10);
+    karMemory memory;
+    std::FILE *const stream = memory.xfopen(file.c_str(), "rb");
+    MemoryPeek::filesOf(memory)->hentry(nullptr);
+    EXPECT_EQ(memory.xfclose_all(), 0);
+    EXPECT_EQ(MemoryPeek::filesOf(memory), nullptr);
+    EXPECT_EQ(std::fgetc(stream), 'x'); // it is open still
+    std::fclose(stream);
 }
 
 TEST(KarMemory, ClosesAnyOfSeveralAndNoUnknownStream)

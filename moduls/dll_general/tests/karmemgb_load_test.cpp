@@ -2,94 +2,15 @@
 // initialisers. Under the sanitizer and under valgrind no round may leak or touch freed memory.
 #include "karmemgb.h"
 
+#include "loadedlibrary.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
-
-#if defined(_WIN32)
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
-
-namespace {
-
-/// The library, which this program isn't linked to.
-class Library {
-public:
-    Library()
-    {
-#if defined(_WIN32)
-        handle = LoadLibraryA("libkrKGeneral.dll"); // beside the program
-#else
-        handle = dlopen(KAR_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
-#endif
-    }
-    ~Library()
-    {
-#if defined(_WIN32)
-        FreeLibrary(handle);
-#else
-        dlclose(handle);
-#endif
-    }
-    Library(const Library &) = delete;
-    Library &operator=(const Library &) = delete;
-
-    static bool isLoaded()
-    {
-#if defined(_WIN32)
-        return GetModuleHandleA("libkrKGeneral.dll") != nullptr;
-#else
-        void *const handle = dlopen(KAR_LIBRARY_FILE, RTLD_NOW | RTLD_NOLOAD);
-        if (handle)
-            dlclose(handle);
-        return handle != nullptr;
-#endif
-    }
-
-    template <class T>
-    T symbol(const char *name) const
-    {
-#if defined(_WIN32)
-        const auto address = GetProcAddress(handle, name);
-#else
-        void *const address = dlsym(handle, name);
-#endif
-        T result = nullptr;
-        static_assert(sizeof result == sizeof address, "an address");
-        std::memcpy(&result, &address, sizeof result);
-        return result;
-    }
-
-private:
-#if defined(_WIN32)
-    HMODULE handle;
-#else
-    void *handle;
-#endif
-};
-
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-std::string contents(const char *name)
-{
-    std::string bytes;
-    if (std::FILE *const file = std::fopen(name, "rb")) {
-        char part[65536];
-        while (const std::size_t size = std::fread(part, 1, sizeof part, file))
-            bytes.append(part, size);
-        std::fclose(file);
-    }
-    return bytes;
-}
-#endif
-
-} // namespace
 
 TEST(Library, LoadsAndUnloadsWithLiveBlocksOfEveryKind)
 {
@@ -139,7 +60,7 @@ TEST(Library, LoadsAndUnloadsWithLiveBlocksOfEveryKind)
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
 TEST(Library, HasOneStaticInitialiser)
 {
-    const std::string bytes = contents(KAR_LIBRARY_FILE);
+    const std::string bytes = Library::contents();
     ASSERT_FALSE(bytes.empty());
     // Each source file with initialisers has one function of this name in the table of symbols.
     std::vector<std::string> found;

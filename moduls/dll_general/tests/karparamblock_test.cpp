@@ -7,6 +7,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <type_traits>
@@ -44,6 +45,31 @@ void expectFields(const karParamBlock &block, int x, int y, double scaleX, doubl
     EXPECT_EQ(block.getLayer(), layer);
 }
 
+/// The fields in their order, as the compiler of the target lays them out.
+struct Layout {
+    karPoint insertPoint;
+    double scaleX;
+    double scaleY;
+    int angle;
+    int slope;
+    int mirror;
+    double sine;
+    double cosine;
+    double slopeTangent;
+    karColor color;
+    int layer;
+};
+
+/// What the block holds where a place of the layout lies.
+template <class T>
+T valueAt(const karParamBlock &block, const Layout &layout, const T &place)
+{
+    const auto offset = reinterpret_cast<const char *>(&place) - reinterpret_cast<const char *>(&layout);
+    T value;
+    std::memcpy(&value, reinterpret_cast<const char *>(&block) + offset, sizeof value);
+    return value;
+}
+
 karParamBlock turned(int angle) { return karParamBlock(karPoint(), 1.0, 1.0, angle, 0, 0, karColor(), 0); }
 
 } // namespace
@@ -64,6 +90,23 @@ TEST(KarParamBlock, StoresWhatItIsBuiltFrom)
     const karColor color(0x04030201ul);
     expectFields(karParamBlock(karPoint(1, 2), 3.0, 4.0, 5, 6, 7, color, 8), 1, 2, 3.0, 4.0, 5, 6, 7, 0x04030201, 8);
     expectFields(karParamBlock(karPoint(1, 2), 3.0, 4.0, 5, 7, color, 8), 1, 2, 3.0, 4.0, 5, 0, 7, 0x04030201, 8);
+}
+
+TEST(KarParamBlock, HoldsItsFieldsInOrderTheCachesBehindTheMirror)
+{
+    const karParamBlock block(karPoint(1, 2), 3.0, 4.0, 1000000, 500000, 7, karColor(0x04030201ul), 8);
+    const Layout layout = {};
+    ASSERT_EQ(sizeof block, sizeof layout);
+    EXPECT_EQ(valueAt(block, layout, layout.scaleX), 3.0);
+    EXPECT_EQ(valueAt(block, layout, layout.scaleY), 4.0);
+    EXPECT_EQ(valueAt(block, layout, layout.angle), 1000000);
+    EXPECT_EQ(valueAt(block, layout, layout.slope), 500000);
+    EXPECT_EQ(valueAt(block, layout, layout.mirror), 7);
+    EXPECT_EQ(valueAt(block, layout, layout.sine), 1.0);
+    EXPECT_EQ(valueAt(block, layout, layout.cosine), 0.0);
+    EXPECT_EQ(valueAt(block, layout, layout.slopeTangent), std::tan(500000 * 1.57079635e-06));
+    EXPECT_EQ(valueAt(block, layout, layout.color), karColor(0x04030201ul));
+    EXPECT_EQ(valueAt(block, layout, layout.layer), 8);
 }
 
 TEST(KarParamBlock, CopiesAllFieldsAndCaches)

@@ -3,6 +3,7 @@
 
 #include "silenthost.h"
 #include "testrandom.h"
+#include "testslot.h"
 
 #include <gtest/gtest.h>
 
@@ -52,6 +53,19 @@ TEST(KarPercentList, LinksBehindTheEndOfTheChain)
     copy.next(static_cast<karPercentList *>(nullptr));
     copy.prev(static_cast<karPercentList *>(nullptr));
     EXPECT_EQ(second.next(), &third);
+}
+
+TEST(KarPercentList, AssignmentTakesLinksAndRange)
+{
+    karPercentList first(nullptr, 0, 1);
+    karPercentList second(&first, 3, 4);
+    karPercentList other(nullptr, 8, 9);
+    other = second;
+    EXPECT_EQ(other.getStart(), 3);
+    EXPECT_EQ(other.getEnd(), 4);
+    EXPECT_EQ(other.prev(), &first);
+    EXPECT_EQ(first.next(), &second);
+    other.prev(static_cast<karPercentList *>(nullptr));
 }
 
 TEST(KarPercentList, CalcPercentRoundsHalvesUp)
@@ -139,6 +153,25 @@ TEST_F(KarPercent, MinusOneCountsAsHundredWhereTheLayersEndBefore)
     stack.setLayerPercent(-1);
     EXPECT_EQ(stack.getLayerPercent(), 100);
     EXPECT_EQ(stack.getPercent(), 50);
+}
+
+TEST_F(KarPercent, MinusOneStaysWhereSeveralLayersEndAtHundredTogether)
+{
+    stack.setStartEnd(50, 100);
+    stack.addLayer();
+    stack.setLayerPercent(-1);
+    EXPECT_EQ(stack.getLayerPercent(), -1);
+    EXPECT_EQ(stack.getPercent(), -1);
+}
+
+TEST_F(KarPercent, ANegativeFractionTakesThePathOfMinusOne)
+{
+    stack.setStartEnd(10, 50);
+    stack.setLayerPercent(-0.5);
+    EXPECT_EQ(stack.getLayerPercent(), 100);
+    EXPECT_EQ(stack.getPercent(), 50);
+    stack.setLayerPercent(notANumber);
+    EXPECT_EQ(stack.getLayerPercent(), 100);
 }
 
 TEST_F(KarPercent, AnInvalidLayerAnywhereGivesNone)
@@ -422,4 +455,44 @@ TEST_F(KarPercent, RandomSequencesFollowThePlainStack)
         ASSERT_EQ(stack.getStart(), plain.layers.empty() ? -1 : plain.layers.back().start) << step;
         ASSERT_EQ(stack.getEnd(), plain.layers.empty() ? -1 : plain.layers.back().end) << step;
     }
+}
+
+namespace {
+
+/// Opens the fields.
+struct LayerFields : karPercentList {
+    LayerFields() : karPercentList(nullptr, 0, 100) {}
+    void check()
+    {
+        const auto word = static_cast<long>(sizeof(void *));
+        EXPECT_EQ(offsetIn(*this, start), 3 * word); // behind the two links
+        EXPECT_EQ(offsetIn(*this, end), 3 * word + 4);
+    }
+};
+
+struct StackFields : karPercent {
+    void check()
+    {
+        const auto word = static_cast<long>(sizeof(void *));
+        EXPECT_EQ(offsetIn(*this, reserved), 8 * word); // behind the head
+        EXPECT_EQ(offsetIn(*this, percent), 9 * word);
+        EXPECT_EQ(offsetIn(*this, layerPercent), 9 * word + 4);
+        EXPECT_EQ(reserved, nullptr);
+    }
+};
+
+} // namespace
+
+TEST(PercentLayout, FieldsStandInTheirOrder)
+{
+    LayerFields().check();
+    StackFields().check();
+    EXPECT_EQ(sizeof(karPercentList), 3 * sizeof(void *) + 8);
+    EXPECT_EQ(sizeof(karPercent), 9 * sizeof(void *) + 8);
+}
+
+TEST(PercentLayout, NoVirtualOperationIsAdded)
+{
+    EXPECT_EQ(slotOf(&karPercentList::ListObjectOk), 0);
+    EXPECT_EQ(slotOf(&karPercent::ListHeadObjectOk), 0);
 }

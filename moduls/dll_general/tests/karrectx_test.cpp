@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <type_traits>
@@ -62,6 +64,25 @@ TEST(KarRectX, StoresOriginSizeAndAngle)
     karRectX assigned(karPoint(), 0, 0, 0.0);
     EXPECT_EQ(&(assigned = box), &assigned);
     expectBox(assigned, 1, 2, 3, -4, -7.5);
+}
+
+TEST(KarRectX, HoldsTheOriginTheSizeAndTheAngleInThisOrder)
+{
+    const karRectX box(karPoint(1, 2), 3, 4, 0.5);
+    const std::size_t places = sizeof(void *);
+    const auto at = [&](std::size_t offset) {
+        int value;
+        std::memcpy(&value, reinterpret_cast<const char *>(&box) + offset, sizeof value);
+        return value;
+    };
+    EXPECT_EQ(at(places), 1);
+    EXPECT_EQ(at(places + 4), 2);
+    EXPECT_EQ(at(sizeof(karPoint) + places), 3);
+    EXPECT_EQ(at(sizeof(karPoint) + places + 4), 4);
+    ASSERT_EQ(sizeof box, 2 * sizeof(karPoint) + sizeof(double));
+    double angle;
+    std::memcpy(&angle, reinterpret_cast<const char *>(&box) + 2 * sizeof(karPoint), sizeof angle);
+    EXPECT_EQ(angle, 0.5);
 }
 
 TEST(KarRectX, InitTakesAWholeNumberAsRadians)
@@ -463,6 +484,16 @@ TEST(KarRectX, IsFullInATurnedBoxAndNormalisesIt)
     EXPECT_EQ(inner.Ang(), 7.0 - fullTurn);
     karRectX far(karPoint(5000, 5000), 10, 10, 9.0);
     EXPECT_FALSE(far.isFullIn(outer));
+}
+
+TEST(KarRectX, IsFullInATurnedBoxWithAllFourCorners)
+{
+    karRectX box(karPoint(0, 0), 100, 50, 0.7853981633974483); // corners (0, 0), (70, 70), (35, 105), (-35, 35)
+    karRectX around(karPoint(-35, 0), 105, 105, 0.0);
+    EXPECT_TRUE(box.isFullIn(around)) << "edges included";
+    for (karRectX less : {karRectX(karPoint(-35, 1), 105, 104, 0.0), karRectX(karPoint(-35, 0), 104, 105, 0.0),
+                          karRectX(karPoint(-35, 0), 105, 104, 0.0), karRectX(karPoint(-34, 0), 104, 105, 0.0)})
+        EXPECT_FALSE(box.isFullIn(less)) << less.x() << ' ' << less.y() << ' ' << less.Width() << ' ' << less.Height();
 }
 
 TEST(KarRectX, IsFullInItselfByTheCornersThatItHadBefore)

@@ -280,6 +280,32 @@ TEST(Eqbairstow, LimitStopsBeforeAnythingIsStored)
     EXPECT_TRUE(justEnough.isSameAs(run));
 }
 
+TEST(Eqbairstow, LimitHoldsForEachFactorAndKeepsTheRootsOfThoseBefore)
+{
+    RealRun quintic({1, 2, 3, 4, 5, 6});
+    int passes = 1;
+    EXPECT_EQ(5, quintic.solve(inf, passes)); // one pass for each of two factors
+    EXPECT_EQ(2, passes);
+    TestRandom random(94);
+    int partial = 0;
+    for (int step = 0; step < 20000; ++step) {
+        std::vector<double> a(static_cast<std::size_t>(random.between(6, 7)));
+        for (double &coefficient : a)
+            coefficient = random.between(-10.0, 10.0);
+        RealRun run(a);
+        passes = 30;
+        const int roots = run.solve(1e-10, passes);
+        if (passes >= 0 || roots == 0)
+            continue;
+        ++partial;
+        ASSERT_EQ(2, roots) << "seed 94, step " << step;
+        ASSERT_NE(untouched, run.re[2]) << "seed 94, step " << step;
+        ASSERT_EQ(untouched, run.re[3]) << "seed 94, step " << step;
+        ASSERT_EQ(untouched, run.im[3]) << "seed 94, step " << step;
+    }
+    EXPECT_GT(partial, 10);
+}
+
 TEST(Eqbairstow, DegreesBelowThreeStoreNothingBehindTheirRoots)
 {
     RealRun quadratic({1, -5, 6}); // the factor itself; c[-1] counts as 0

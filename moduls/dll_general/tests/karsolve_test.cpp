@@ -179,6 +179,27 @@ TEST(Gausstridiag, SolvesOneUnknownAndRefusesOtherSizes)
     EXPECT_EQ(2.0, b[0]);
 }
 
+TEST(Gausstridiag, NotANumberInTheFirstRowStaysThePivot)
+{
+    double A[2][2] = {{nan, 1}, {4, 2}}; // 4 is not strictly larger, so the first row is not swapped away
+    double b[2] = {6, 8};
+    EXPECT_EQ(1, gausstridiag(A, b, 2));
+    EXPECT_TRUE(std::isnan(b[0]));
+    EXPECT_TRUE(std::isnan(b[1]));
+    double second[2][2] = {{4, 2}, {nan, 1}};
+    double right[2] = {6, 8};
+    EXPECT_EQ(1, gausstridiag(second, right, 2));
+    EXPECT_TRUE(std::isnan(right[1]));
+}
+
+TEST(Gausstridiag, TheRightSideMayLieInTheMatrix)
+{
+    double A[2][2] = {{2, 1}, {1, 3}};
+    EXPECT_EQ(1, gausstridiag(A, A[1], 2)); // 2x + y = 1, x + 3y = 3
+    EXPECT_EQ(0.0, A[1][0]);
+    EXPECT_EQ(1.0, A[1][1]);
+}
+
 TEST(Gausstridiag, LeavesResidualsOfRoundingOnly)
 {
     TestRandom random(3);
@@ -246,6 +267,10 @@ TEST(SolveSquareRootsReal, NoEquationGivesZeros)
     x1 = x2 = untouched;
     EXPECT_EQ(0, Solve_SquareRoots(nan, nan, 1, x1, x2)); // |a| >= 1e-50 doesn't hold
     EXPECT_BITS(0.0, x1);
+    EXPECT_BITS(0.0, x2);
+    EXPECT_EQ(1, Solve_SquareRoots(nan, 2, -4, x1, x2)); // so it is the linear equation
+    EXPECT_EQ(2.0, x1);
+    EXPECT_BITS(0.0, x2);
 }
 
 TEST(SolveSquareRootsReal, QuadraticBeginsAtTheThresholdOfA)

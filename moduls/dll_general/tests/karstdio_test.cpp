@@ -1,10 +1,13 @@
 // The console hooks beside a host that records what it is asked.
 // Not tested: `statusText` without a host, where the pointer is used without a test.
 #include "karstdio.h"
+#include "support/failalloc.h"
 #include "support/textprobe.h"
+#include "testslot.h"
 
 #include <cstdio>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -23,7 +26,11 @@ std::string expanded(const char *format, va_list arguments)
 #endif
 }
 
-std::string textOf(const karString &s) { return TextProbe::bytes(s); }
+std::string textOf(const karString &s)
+{
+    const char *const bytes = TextProbe::bytes(s);
+    return bytes ? bytes : "(no buffer)";
+}
 
 // Writes each call as one line.
 class RecordingHost : public karStdio {
@@ -54,7 +61,7 @@ public:
         calls.push_back("dialog " + std::to_string(type) + ' ' + std::to_string(icon) + ' ' +
                         std::to_string(defaultButton) + ' ' + std::to_string(modal) + ' ' + std::to_string(sonder) +
                         ' ' + textOf(section) + '/' + textOf(caption) + ": " +
-                        expanded(TextProbe::bytes(text), arguments));
+                        expanded(textOf(text).c_str(), arguments));
         return answer;
     }
     karString &localizeString(const char *section, const char *key, karString &out, long number) override
@@ -131,6 +138,20 @@ TEST(Stdio, EnumerationsHaveTheirValues)
     EXPECT_EQ(sizeof(MsgType), sizeof(int));
 }
 
+TEST(Stdio, VirtualOperationsStandInTheirOrder)
+{
+    EXPECT_EQ(slotOf(&karStdio::GetFileNameWrite), 0);
+    EXPECT_EQ(slotOf(&karStdio::message), 1);
+    EXPECT_EQ(slotOf(&karStdio::statusText), 2);
+    EXPECT_EQ(slotOf(&karStdio::Fortschritt), 3);
+    EXPECT_EQ(slotOf(&karStdio::addTask), 4);
+    EXPECT_EQ(slotOf(&karStdio::removeTask), 5);
+    EXPECT_EQ(slotOf(&karStdio::interAction), 6);
+    EXPECT_EQ(slotOf(&karStdio::localizeString), 7); // the destructor is the last
+    static_assert(std::is_abstract<karStdio>::value && std::has_virtual_destructor<karStdio>::value, "");
+    static_assert(sizeof(karStdio) == sizeof(void *), "no fields");
+}
+
 TEST_F(Console, MessagesKeepTheirOrderTypesLevelsAndArguments)
 {
     infoText(7, "%d", 5);
@@ -204,6 +225,34 @@ TEST_F(Console, TheDongleMessageIsAnErrorWithTheCode)
                      "dialog 10 1 1 1 1 Dongle/Copy protection: The copy protection reports failure -251."}));
 }
 
+TEST_F(Console, EachCallGoesToTheHostOfTheMoment)
+{
+    RecordingHost other;
+    infoText(1, "a");
+    Stdio = &other;
+    infoText(2, "b");
+    Stdio = nullptr;
+    infoText(3, "c");
+    Stdio = &host;
+    infoText(4, "d");
+    EXPECT_EQ(host.calls, (Calls{"message 1 1 a: a", "message 1 4 d: d"}));
+    EXPECT_EQ(other.calls, (Calls{"message 1 2 b: b"}));
+}
+
+TEST_F(Console, TextsWithoutMemoryReachTheHostWithoutABuffer)
+{
+    host.givesOther = true;
+    const karString name("n");
+    {
+        const AllAllocationsFail failing;
+        EXPECT_EQ(LocalizeInterActionErrorOK("s", "c", "t"), 42);
+        EXPECT_EQ(LocalizeString("s", "k", 1L).isNull(), 1);
+        EXPECT_EQ(GetFileNameWrite(name, name, name, name, name, 1).isNull(), 1);
+    }
+    EXPECT_EQ(host.calls, (Calls{"dialog 10 1 1 1 1 (no buffer)/(no buffer): (no buffer)", "string s k (no buffer) 1",
+                                 "file n n n n n 1"}));
+}
+
 TEST_F(Console, DiagnosisSaysNothing)
 {
     debugErrorText(0, "%d", 1);
@@ -237,6 +286,14 @@ TEST_F(ConsoleWithoutHost, TextsFallBack)
     EXPECT_TRUE(hasState(out, "before", 6, 16));
     EXPECT_TRUE(hasState(LocalizeString("a", "b", 0L), "", 0, 16));
     EXPECT_TRUE(hasState(GetFileNameWrite("a", "b", "third", "d", "e", 1), "third", 5, 16));
+}
+
+TEST_F(ConsoleWithoutHost, TextsWithoutMemoryAreEmpty)
+{
+    const karString third("third");
+    const AllAllocationsFail failing;
+    EXPECT_EQ(LocalizeString("a", "b", 0L).isNull(), 1);
+    EXPECT_EQ(GetFileNameWrite(third, third, third, third, third, 1).isNull(), 1);
 }
 
 TEST_F(ConsoleWithoutHost, DialogsAnswerAHundred)

@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <cwchar>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -147,6 +149,44 @@ TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
     karString y;
     y.format("%jd|%td|%s", static_cast<std::intmax_t>(1), static_cast<std::ptrdiff_t>(2), "ab");
     EXPECT_TRUE(hasState(y, "1|2|ab", 6, 16));
+}
+
+TEST(KarString, FormatEstimateReadsOnBehindEveryConversionThatItKnows)
+{
+    // The text counts as it is only if all arguments before it were read; its estimate is above what is printed.
+    const char *const text = "0123456789abcdefghijk"; // 21
+    EXPECT_EQ(sizeAfter("%c|%s", 'x', text), 32u);    // 2 + 1 + 21: adjust(25), while 23 are printed
+    EXPECT_EQ(sizeAfter("%C|%s", static_cast<std::wint_t>('x'), text), 32u);
+    EXPECT_EQ(sizeAfter("%lc|%s", static_cast<std::wint_t>('x'), text), 32u);
+    EXPECT_EQ(sizeAfter("%d|%s", 1, text), 56u); // 54: adjust(55)
+    EXPECT_EQ(sizeAfter("%ld|%s", 1L, text), 56u);
+    EXPECT_EQ(sizeAfter("%hd|%s", 1, text), 56u);
+    EXPECT_EQ(sizeAfter("%f|%s", 1.0, text), 56u);
+    EXPECT_EQ(sizeAfter("%lf|%s", 1.0, text), 56u);
+    EXPECT_EQ(sizeAfter("%p|%s", static_cast<const void *>(text), text), 56u);
+    EXPECT_EQ(sizeAfter("%*.*d|%s", 1, 1, 1, text), 56u);
+    EXPECT_EQ(sizeAfter("%s||%s", "", text), 32u); // 1 + 2 + 21
+    EXPECT_EQ(sizeAfter("%S||%s", L"", text), 32u);
+    EXPECT_EQ(sizeAfter("%ls||%s", L"", text), 32u);
+#if defined(__linux__)
+    int count = 0;
+    EXPECT_EQ(sizeAfter("%c%n|%s", 'x', &count, text), 32u);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(sizeAfter("%d%5%%s", 1, text), 56u); // 32 + 0 + 21: "%" behind a width takes no argument
+#endif
+}
+
+TEST(KarString, FormatReadsOnlySoMuchOfATextAsThePrecisionAsksFor)
+{
+    const std::unique_ptr<char[]> text(new char[3]{'a', 'b', 'c'}); // no terminator
+    karString s;
+    EXPECT_EQ(s.format("%.3s|%.*s", text.get(), 2, text.get()), 6);
+    EXPECT_TRUE(hasState(s, "abc|ab", 6, 16));
+#if defined(__linux__)
+    const std::unique_ptr<wchar_t[]> wide(new wchar_t[3]{L'a', L'b', L'c'});
+    EXPECT_EQ(s.format("%.3ls|%.2S", wide.get(), wide.get()), 6);
+    EXPECT_TRUE(hasState(s, "abc|ab", 6, 16));
+#endif
 }
 
 TEST(KarString, FormatHasRoomForWhatTheEstimateMisses)
@@ -348,6 +388,19 @@ TEST(KarString, LooksUpByTheCachedLengthAndTheStartOfTheText)
     EXPECT_EQ(countedNul().searchValue(table, value), -1); // six characters by the cache, none of the rows
     EXPECT_EQ(shortCopy().searchValue(table, value), 0);
     EXPECT_EQ(value, 3);
+}
+
+TEST(KarString, ATableWithoutRowsLeavesTheLengthUnknown)
+{
+    karString::searchStruct none[] = {{nullptr, 0}};
+    karString::searchStruct one[] = {{"x", 1}, {nullptr, 0}};
+    karString s("abc");
+    s[2] = 'c';
+    int value = -5;
+    EXPECT_EQ(s.searchValue(none, value), -1);
+    EXPECT_EQ(TextProbe::cached(s), TextProbe::mark);
+    EXPECT_EQ(s.searchValue(one, value), -1);
+    EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
 // -- Trimming -------------------------------------------------------------------------------------------------------

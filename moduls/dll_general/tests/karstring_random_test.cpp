@@ -324,7 +324,6 @@ public:
             break;
         }
         case 17: {
-            plain.length(); // the operands are copied by way of the left one's length
             const std::string w = plains[other].text();
             PlainText sum = PlainText::copyOf(plain, 8);
             sum.append(w);

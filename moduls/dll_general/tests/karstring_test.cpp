@@ -296,6 +296,23 @@ TEST(KarString, AssignmentBetweenTextsWithoutBufferChangesNothing)
     EXPECT_EQ(a.size(), 88u);
 }
 
+TEST(KarString, AssignmentOfATextWithoutBufferAndRoomForItsLengthLosesTheBuffer)
+{
+    karString a("abc");
+    const karString b('x', 0xfffffff0u, 100u); // size 88, below the length
+    a = b;
+    EXPECT_EQ(TextProbe::bytes(a), nullptr);
+    EXPECT_EQ(a.length(), 0xfffffff0u);
+    EXPECT_EQ(a.size(), 88u);
+    EXPECT_EQ(a.karstrchr('x', 1000), -1); // behind the size, below the length
+    EXPECT_EQ(a.karstrstr("x", 1000), -1);
+    a.cut(1000);
+    EXPECT_EQ(a.length(), 1000u);
+    a = "abc";
+    a = karString("0123456789", 200u); // below 88: there is no buffer to write to
+    EXPECT_EQ(TextProbe::bytes(a), nullptr);
+}
+
 TEST(KarString, AppendBeyondThirtyTwoBitsLosesTheBuffer)
 {
     karString s("abc");
@@ -324,6 +341,35 @@ TEST(KarString, AssignmentThatDoesNotFitTakesTheSizeOfItsSource)
     karString b;
     b = karString("0123456789abcde", 40u); // 15 characters fit 16 bytes
     EXPECT_TRUE(hasState(b, "0123456789abcde", 15, 16));
+}
+
+TEST(KarString, ReplacedBuffersAreReleasedBeforeTheNewOneAndGrownOnesAfter)
+{
+    // 48 and 72 bytes come from one pool, which hands out first what was released last.
+    const std::string sixty(60, 'y');
+    const std::string seventy(70, 'y');
+    const karString source(sixty.c_str());
+    karString assigned('x', 40u, 0u);
+    karString copied('x', 40u, 0u);
+    karString bounded('x', 40u, 0u);
+    karString part('x', 40u, 0u);
+    karString grown('x', 40u, 0u);
+    const char *before = TextProbe::bytes(assigned);
+    assigned = sixty.c_str();
+    EXPECT_EQ(TextProbe::bytes(assigned), before);
+    before = TextProbe::bytes(copied);
+    copied = source;
+    EXPECT_EQ(TextProbe::bytes(copied), before);
+    before = TextProbe::bytes(bounded);
+    bounded.ncopy(seventy.c_str(), 70);
+    EXPECT_EQ(TextProbe::bytes(bounded), before);
+    before = TextProbe::bytes(part);
+    part.ncopy(seventy.c_str(), 1, -1);
+    EXPECT_EQ(TextProbe::bytes(part), before);
+    before = TextProbe::bytes(grown);
+    grown.reSize(70);
+    EXPECT_NE(TextProbe::bytes(grown), before);
+    EXPECT_EQ(TextProbe::size(grown), TextProbe::size(assigned));
 }
 
 TEST(KarString, AssignmentOfAMarkedTextMeasuresItAndLeavesItMarked)
@@ -723,6 +769,34 @@ TEST(KarString, JoinsAtTheCachedLength)
     EXPECT_TRUE(hasState(karString("x") & countedNul(), "xab", 3, 16));
 }
 
+TEST(KarString, JoinMeasuresAMarkedTextAndLeavesItMarked)
+{
+    karString s("abcdef");
+    s[2] = '\0';
+    EXPECT_TRUE(hasState(s & "X", "abX", 3, 16));
+    EXPECT_EQ(TextProbe::cached(s), mark);
+    karString other("xyz");
+    other[1] = '\0';
+    EXPECT_TRUE(hasState(s & other, "abx", 3, 16));
+    EXPECT_EQ(TextProbe::cached(s), mark);
+    EXPECT_EQ(TextProbe::cached(other), mark);
+}
+
+TEST(KarString, JoinWhoseCountsAddUpToTheMarkIsMeasured)
+{
+    karString s("ab");
+    s.ncat("", 65530 - 2);
+    EXPECT_EQ(s.length(), 65530u);
+    EXPECT_TRUE(hasState(s & "1234", "ab", 65534, 65544)); // adjust(65534 + 9)
+    EXPECT_TRUE(hasState(s & "12345", "ab", 2, 16));       // the sum reads as the mark
+    EXPECT_TRUE(hasState(s & "123456", "ab", 65536, 65552));
+    karString full('x', 65530u, 0u);
+    EXPECT_TRUE(hasState(full & "12345", std::string(65530, 'x') + "12345", mark, 65544));
+    s &= "12345";
+    EXPECT_EQ(TextProbe::cached(s), mark);
+    EXPECT_EQ(s.length(), 2u);
+}
+
 TEST(KarString, AppendsExactlyWithinTheSize)
 {
     karString s("abcdef", 0u); // size 8
@@ -777,9 +851,10 @@ TEST(KarString, AppendMeasuresAMarkedText)
 TEST(KarString, DoublesItself)
 {
     karString s("abc", 0u);
-    s &= s;
+    const karString &same = s;
+    s &= same;
     EXPECT_TRUE(hasState(s, "abcabc", 6, 8));
-    s &= s; // grows
+    s &= same; // grows
     EXPECT_TRUE(hasState(s, "abcabcabcabc", 12, 16));
     s &= TextProbe::bytes(s) + 10;
     EXPECT_TRUE(hasState(s, "abcabcabcabcbc", 14, 16));

@@ -1,7 +1,9 @@
 // Lists of texts: what an element does with its text and its links, and what a head owns.
 #include "karstringlist.h"
+#include "support/failalloc.h"
 #include "support/textprobe.h"
 #include "testrandom.h"
+#include "testslot.h"
 
 #include <cstddef>
 #include <string>
@@ -64,7 +66,10 @@ TEST(KarStringList, AChainLinksBehindItsLastElement)
     EXPECT_EQ(third.last(), &sixth);
     EXPECT_EQ(third.current(), &third);
     static_assert(std::is_same<decltype(third.next()), karStringList *>::value, "typed navigation");
+    static_assert(std::is_same<decltype(third.prev()), karStringList *>::value, "typed navigation");
     static_assert(std::is_same<decltype(third.first()), karStringList *>::value, "typed navigation");
+    static_assert(std::is_same<decltype(third.last()), karStringList *>::value, "typed navigation");
+    static_assert(std::is_same<decltype(third.current()), karStringList *>::value, "typed navigation");
 }
 
 TEST(KarStringList, ACopyIsUnlinked)
@@ -125,7 +130,8 @@ TEST(KarStringList, AppendsToTheText)
     EXPECT_EQ(&(element &= other), &element);
     EXPECT_EQ(&(element &= karString("c")), &element);
     EXPECT_EQ(&(element &= "d"), &element);
-    element &= element;
+    const karStringList &same = element;
+    element &= same;
     EXPECT_TRUE(hasState(textOf(element), "abcdabcd", 8, 16));
 }
 
@@ -149,6 +155,43 @@ TEST(KarStringList, MeasuresItsText)
     EXPECT_EQ(element.getString().length(), 4u);
     element.getString().reSize(0xfffffff8u); // can't be had: no buffer
     EXPECT_EQ(element.vstrlen(), 0u);
+}
+
+TEST(KarStringList, WithoutMemoryItsTextReadsAsEmpty)
+{
+    const karStringList other("other");
+    karStringListHead head;
+    const AllAllocationsFail failing;
+    karStringList none;
+    karStringList plain("abc");
+    karStringList text(other.getString());
+    karStringList copy(other);
+    karStringList room(100u);
+    for (karStringList *element : {&none, &plain, &text, &copy, &room}) {
+        EXPECT_EQ(element->vstrlen(), 0u);
+        EXPECT_EQ(*element != "", 0);
+        EXPECT_EQ(*element != other, 1);
+        *element = other;
+        *element &= "more";
+        EXPECT_EQ(element->vstrlen(), 0u);
+    }
+    EXPECT_EQ(head.ListAppend(new karStringList("abc")), nullptr); // the element itself can't be had
+    EXPECT_EQ(head.ListFirst(), nullptr);
+}
+
+/// Opens the field.
+struct StringFields : karStringList {
+    void check() { EXPECT_EQ(offsetIn(*this, string), static_cast<long>(3 * sizeof(void *))); } // behind the two links
+};
+
+TEST(StringListLayout, TheTextStandsBehindTheLinksAndTheHeadAddsNothing)
+{
+    StringFields().check();
+    EXPECT_EQ(sizeof(karStringList), sizeof(karListObject) + sizeof(karString));
+    EXPECT_EQ(sizeof(karStringListHead), sizeof(karListHeadObject));
+#if defined(__i386__)
+    EXPECT_EQ(sizeof(karStringList), 24u);
+#endif
 }
 
 TEST(KarStringListHead, HasItsType)
@@ -186,6 +229,17 @@ TEST(KarStringListHead, FindsAndDeletesWhatItOwns)
         static_assert(std::is_same<decltype(head.ListFirst()), karStringList *>::value, "typed operations");
     }
     EXPECT_EQ(alive, 0);
+}
+
+TEST(KarStringListHead, RemovalReturnsElementAndText)
+{
+    karStringListHead head;
+    const long before = globalMemList->getCurSizeNew();
+    karStringList *const element = head.ListAppend(new karStringList(5000u));
+    *element = "abc";
+    EXPECT_GT(globalMemList->getCurSizeNew(), before + 5000);
+    head.ListRemove(element);
+    EXPECT_EQ(globalMemList->getCurSizeNew(), before);
 }
 
 TEST(KarStringListHead, AnAssignedElementStaysInItsPlace)

@@ -1,12 +1,14 @@
 // Cooperative tasks. Wake-up times are set through the fields, so that no test sleeps.
 #include "kartaskelem.h"
 
+#include "mempeek.h"
 #include "silenthost.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <ctime>
+#include <type_traits>
 
 namespace {
 
@@ -236,4 +238,136 @@ TEST_F(KarTaskElem, AHostDrivesATaskToItsEnd)
     task->PostRemove();
     EXPECT_EQ(rounds, 3);
     EXPECT_EQ(deleted, 1);
+}
+
+namespace {
+
+// Looks at the task at the moment of the call.
+class LookingHost : public SilentHost {
+public:
+    void addTask(karTaskElem *task) override
+    {
+        look(*task);
+        SilentHost::addTask(task);
+    }
+    void removeTask(karTaskElem *task) override
+    {
+        look(*task);
+        SilentHost::removeTask(task);
+    }
+    unsigned resumeTime = 99;
+    bool suspended = true;
+    bool cancelled = true;
+    bool running = true;
+
+private:
+    struct Open : karTaskElem {
+        static unsigned resumeTimeOf(karTaskElem &task) { return task.*&Open::resumeTime; }
+        static bool suspendedOf(karTaskElem &task) { return task.*&Open::suspended; }
+        static bool cancelledOf(karTaskElem &task) { return task.*&Open::cancelled; }
+        static bool runningOf(karTaskElem &task) { return task.*&Open::running; }
+    };
+    void look(karTaskElem &task)
+    {
+        resumeTime = Open::resumeTimeOf(task);
+        suspended = Open::suspendedOf(task);
+        cancelled = Open::cancelledOf(task);
+        running = Open::runningOf(task);
+    }
+};
+
+/// Opens the fields.
+struct TaskFields : Task {
+    void check()
+    {
+        const auto word = static_cast<std::ptrdiff_t>(sizeof(void *));
+        EXPECT_EQ(offsetIn(*this, resumeTime), word);
+        EXPECT_EQ(offsetIn(*this, suspended), word + 4);
+        EXPECT_EQ(offsetIn(*this, cancelled), word + 5);
+        EXPECT_EQ(offsetIn(*this, running), word + 6);
+        EXPECT_EQ(sizeof resumeTime, 4u);
+    }
+};
+
+} // namespace
+
+TEST(KarTaskElemHost, SeesTheFieldsAsTheyAreStated)
+{
+    LookingHost host;
+    Task task;
+    EXPECT_EQ(host.resumeTime, 0u); // cleared before the host is told
+    EXPECT_FALSE(host.suspended);
+    EXPECT_FALSE(host.cancelled);
+    EXPECT_FALSE(host.running);
+    task.cancel();
+    EXPECT_TRUE(host.cancelled); // noted before the host is told
+    EXPECT_FALSE(host.suspended);
+    task.suspend(0);
+    task.removeTask();
+    EXPECT_TRUE(host.suspended);
+    task.complete();
+    EXPECT_FALSE(host.suspended); // awake, and the steps are done
+    EXPECT_EQ(task.steps, 1);
+    EXPECT_EQ(host.removed.size(), 3u);
+}
+
+TEST_F(KarTaskElem, CompleteIsAwakeBeforeTheFirstStep)
+{
+    class Waking : public Task {
+    public:
+        int step() override
+        {
+            wasAsleep = suspended;
+            return 0;
+        }
+        bool wasAsleep = true;
+    };
+    Waking task;
+    task.suspend(1000);
+    const unsigned time = task.resumeTime;
+    task.complete();
+    EXPECT_FALSE(task.wasAsleep);
+    EXPECT_EQ(task.resumeTime, time); // waking leaves the time
+}
+
+TEST_F(KarTaskElem, RunningIsTrueInsideTheStepAlone)
+{
+    class Inside : public Task {
+    public:
+        int step() override
+        {
+            seen = running;
+            return 1;
+        }
+        bool seen = false;
+    };
+    Inside task;
+    task._todo();
+    EXPECT_TRUE(task.seen);
+    EXPECT_FALSE(task.running);
+}
+
+TEST_F(KarTaskElem, PostRemoveGivesTheMemoryBack)
+{
+    karPageMemory &pool = AllocatorPeek::pool(*globalMemList, 7); // that of an object of this size
+    static_assert(sizeof(DeletedTask) <= 92);
+    const int before = pool.getAnzElem();
+    int deleted = 0;
+    karTaskElem *task = new DeletedTask(deleted);
+    EXPECT_EQ(pool.getAnzElem(), before + 1);
+    task->PostRemove();
+    EXPECT_EQ(pool.getAnzElem(), before);
+}
+
+TEST(TaskElemLayout, FieldsAndVirtualOperationsStandInTheirOrder)
+{
+    SilentHost host;
+    TaskFields().check();
+    EXPECT_EQ(sizeof(karTaskElem), sizeof(void *) + 8);
+    static_assert(std::is_abstract_v<karTaskElem>);
+    static_assert(std::has_virtual_destructor_v<karTaskElem>);
+    EXPECT_EQ(virtualSlot(&karTaskElem::_todo), 2u); // behind the destructor
+    EXPECT_EQ(virtualSlot(&karTaskElem::step), 3u);
+    EXPECT_EQ(virtualSlot(&karTaskElem::PostRemove), 4u);
+    EXPECT_EQ(virtualSlot(&karTaskElem::reservedOperation), 5u);
 }

@@ -461,6 +461,25 @@ TEST(KarVarPageMemory, NewRunThatIsAloneOnItsPageIsGivenBackThroughTheOldPage)
     }
 }
 
+TEST(KarVarPageMemory, PointerThatStandsInItsRunIsNotWrittenTo)
+{
+    for (const bool pageStays : {false, true})
+        for (const std::size_t place : {0u, 1u, 3u}) {
+            Pool pool(8, 8);
+            void *other = pageStays ? pool.newElement(2) : nullptr;
+            void **const run = static_cast<void **>(pool.newElement(4));
+            run[place] = run;
+            pool.deleteElement(run[place], 4);
+            EXPECT_EQ(pool.used(), pageStays ? Counts{2} : Counts{});
+            EXPECT_TRUE(pool.isValid());
+            if (pageStays) {
+                EXPECT_EQ(pool.runs(0), (Runs{{16, 48}}));
+            }
+            pool.deleteElement(other, 2);
+            EXPECT_EQ(other, nullptr);
+        }
+}
+
 TEST(KarVarPageMemory, CopySharesEveryField)
 {
     Pool pool(8, 4);

@@ -96,6 +96,9 @@ TEST(Kar2DVector, TooShortToNormaliseStaysExactlyAsItIs)
     // The length of (x, 0) is x: sqrt(x * x) is exact to a rounding that 2e-50 and 5e-51 are far from.
     EXPECT_TRUE(holds(kar2DVector(-2e-50, 0.0, true), -1, 0));
     EXPECT_TRUE(holds(kar2DVector(5e-51, 0.0, true), 5e-51, 0));
+    EXPECT_TRUE(holds(kar2DVector(1e-50, 0.0, true), 1, 0)) << "a length of 1e-50 is long enough";
+    EXPECT_EQ(kar2DVector(1e-50, 0.0, false).GetUnitX(), 1.0);
+    EXPECT_EQ(kar2DVector(0.0, -1e-50, false).GetUnitY(), -1.0);
     EXPECT_TRUE(holds(kar2DVector(1e-200, 0.0, true), 1e-200, 0)) << "the square underflows";
     EXPECT_TRUE(holds(kar2DVector(notANumber, 1, true), notANumber, notANumber)) << "divided all the same";
     EXPECT_TRUE(holds(kar2DVector(infinity, 1, true), notANumber, 0));
@@ -179,6 +182,9 @@ TEST(Kar3DVector, TooShortToNormaliseStaysExactlyAsItIs)
     EXPECT_TRUE(holds(kar3DVector(0, 0, 0, true), 0, 0, 0));
     EXPECT_TRUE(holds(kar3DVector(0, 0, 1e-60, true), 0, 0, 1e-60));
     EXPECT_TRUE(holds(kar3DVector(0, 0, 1e-40, true), 0, 0, 1));
+    EXPECT_TRUE(holds(kar3DVector(0, 0, 1e-50, true), 0, 0, 1)) << "a length of 1e-50 is long enough";
+    EXPECT_EQ(kar3DVector(0, 0, 1e-50, false).GetUnitZ(), 1.0);
+    EXPECT_TRUE(std::isnan(kar3DVector(0, 0, notANumber, false).GetUnitZ()));
     EXPECT_EQ(kar3DVector(0, 0, 1e-60, false).GetUnitZ(), 0.0);
     EXPECT_TRUE(holds(kar3DVector(0, 0, notANumber, true), notANumber, notANumber, notANumber));
 }
@@ -210,6 +216,9 @@ TEST(Kar3DVector, OuterProductIsRightHandedAndOfUnitLength)
     EXPECT_TRUE(holds(kar3DVector(0, 1, 0, false).OuterProduct(kar3DVector(0, 0, 5, false)), 1, 0, 0));
     EXPECT_TRUE(holds(kar3DVector(0, 0, 1, false).OuterProduct(kar3DVector(5, 0, 0, false)), 0, 1, 0));
     EXPECT_TRUE(holds(kar3DVector(1, 2, 3, false).OuterProduct(kar3DVector(2, 4, 6, false)), 0, 0, 0)) << "parallel";
+    EXPECT_TRUE(
+        holds(kar3DVector(1e-30, 0, 0, false).OuterProduct(kar3DVector(0, 1e-30, 0, false)), 0, 0, 1e-30 * 1e-30))
+        << "too short to normalise";
 }
 
 TEST(Kar3DVector, AnglesAndComponentsAreNeitherGuardedNorClamped)

@@ -481,6 +481,20 @@ TEST_F(VColorNameReading, ARangeErrorHoldsForTheHexadecimalPartsBehindIt)
     EXPECT_EQ(vColorName::Conv("RGB(a,1,2)"), 0x02010A);
 }
 
+TEST_F(VColorNameReading, TheNumbersInFrontOfAMissingMarkAreReadToo)
+{
+    for (const char *text : {"RGB(fffffffff,1", "RGB(fffffffff,1)", "RGB(1,fffffffff,1", "RGB(fffffffff,1,2"}) {
+        errno = 0;
+        EXPECT_EQ(vColorName::Conv(text), 0) << text;
+        EXPECT_EQ(errno, ERANGE) << text;
+    }
+    for (const char *text : {"RGB(fffffffff", "RGB(1,fffffffff", "RGB(1,1,fffffffff", "fffffffff,RGB(1,1,1"}) {
+        errno = 0;
+        EXPECT_EQ(vColorName::Conv(text), 0) << text;
+        EXPECT_EQ(errno, 0) << text << ": a number without its end isn't read";
+    }
+}
+
 TEST_F(VColorNameReading, ReadsBeyondAnyLengthOfText)
 {
     const std::string text = std::string(65535, 'x') + "RGB(" + std::string(66000, ' ') + "1,2,3)";

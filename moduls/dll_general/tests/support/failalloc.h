@@ -28,6 +28,28 @@ private:
     long before;
 };
 
+/// While one lives the n-th block from the heap (n from 1) fails, and every allocation after it. A fixed pool takes two
+/// for a page, the page object and its storage.
+class NthHeapBlockFails {
+public:
+    explicit NthHeapBlockFails(unsigned n) : start(refusing - static_cast<int>(n - 1))
+    {
+        before = globalMemList->getCurAnzNew();
+        globalMemList->setCurAnzNew(start);
+    }
+    ~NthHeapBlockFails()
+    {
+        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - start)));
+    }
+    NthHeapBlockFails(const NthHeapBlockFails &) = delete;
+    NthHeapBlockFails &operator=(const NthHeapBlockFails &) = delete;
+
+private:
+    static constexpr int refusing = 64001;
+    int start;
+    long before;
+};
+
 /// While one lives the n-th small allocation (n from 1) fails, and every allocation after it: each size class is left
 /// with n - 1 free elements and the count of heap blocks stands at its limit, so that a class which runs out can have a
 /// page object but no storage for it. Of several classes the first to run out counts. A block above 992 bytes can be

@@ -3,6 +3,7 @@
 #define KAR_TEST_MEM_PEEK_H
 
 #include "karmemgb.h"
+#include "testslot.h"
 
 #include <cstddef>
 #include <cstring>
@@ -53,13 +54,6 @@ std::size_t virtualSlot(Function function)
     std::size_t word;
     std::memcpy(&word, &function, sizeof word);
     return (word - 1) / sizeof(void *);
-}
-
-/// Bytes from the start of an object to one of its fields.
-template <class Object, class Field>
-std::ptrdiff_t offsetIn(const Object &object, const Field &field)
-{
-    return reinterpret_cast<const char *>(&field) - reinterpret_cast<const char *>(&object);
 }
 
 #endif

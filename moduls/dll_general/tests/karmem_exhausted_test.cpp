@@ -1,0 +1,314 @@
+// Memory that the system refuses: page objects, storages, records and the tables behind the pools, each in turn. The
+// tests stand in front of the C library's malloc, so they run with the GNU C library and without a sanitizer only.
+#include "karmemgb.h"
+
+#include "mempeek.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+
+namespace {
+
+constexpr long unlimited = -1;
+
+long grantsLeft = unlimited;        // of all requests
+long clearedGrantsLeft = unlimited; // of those for cleared memory, which is what the tables ask for
+bool refused = false;
+long systemBlocks = 0; // granted and not yet released
+
+bool granted(long &left)
+{
+    if (left == 0)
+        refused = true;
+    return left < 0 || (left > 0 && left-- > 0);
+}
+
+/// While one lives the system grants a number of requests and refuses all that follow.
+class SystemRefuses {
+public:
+    explicit SystemRefuses(long grants, long clearedGrants = unlimited)
+    {
+        refused = false;
+        grantsLeft = grants;
+        clearedGrantsLeft = clearedGrants;
+    }
+    ~SystemRefuses() { grantsLeft = clearedGrantsLeft = unlimited; }
+    SystemRefuses(const SystemRefuses &) = delete;
+    SystemRefuses &operator=(const SystemRefuses &) = delete;
+};
+
+/// What is left when everything has been released.
+struct State {
+    long blocks = globalMemList->getCurAnzNew();
+    long bytes = globalMemList->getCurSizeNew();
+    long ofTheSystem = systemBlocks;
+    bool operator==(const State &other) const
+    {
+        return blocks == other.blocks && bytes == other.bytes && ofTheSystem == other.ofTheSystem;
+    }
+};
+
+char places[2000];
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+void *__libc_malloc(std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+void __libc_free(void *p);
+
+__attribute__((visibility("default"))) void *malloc(std::size_t size) noexcept
+{
+    if (!granted(grantsLeft))
+        return nullptr;
+    void *const p = __libc_malloc(size);
+    systemBlocks += p != nullptr;
+    return p;
+}
+
+__attribute__((visibility("default"))) void *calloc(std::size_t count, std::size_t size) noexcept
+{
+    if (!granted(grantsLeft) || !granted(clearedGrantsLeft))
+        return nullptr;
+    void *const p = __libc_calloc(count, size);
+    systemBlocks += p != nullptr;
+    return p;
+}
+
+__attribute__((visibility("default"))) void free(void *p) noexcept
+{
+    systemBlocks -= p != nullptr;
+    __libc_free(p);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+TEST(Exhaustion, BlockOfEachClassIsHadWholeOrNotAtAll)
+{
+    const struct {
+        int pool;
+        unsigned size;
+    } classes[] = {{0, 2}, {7, 92}, {8, 192}, {9, 492}, {10, 992}};
+    for (const auto &sizeClass : classes) {
+        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, sizeClass.pool);
+        long grants = 0;
+        for (bool more = true; more; ++grants) {
+            const State before;
+            const long allocations = globalMemList->getAnzNew();
+            void *p;
+            {
+                const SystemRefuses refusing(grants);
+                p = KarAllocMemory(sizeClass.size);
+                more = refused;
+            }
+            const bool valid = globalMemList->isValid();
+            const int pages = PoolPeek::pages(pool);
+            const long counted = globalMemList->getAnzNew() - allocations;
+            void *const next = KarAllocMemory(sizeClass.size); // the system has memory again
+            const bool nextValid = globalMemList->isValid();
+            KarDellocMemory(p);
+            KarDellocMemory(next);
+            const int elements = pool.getAnzElem();
+            pool.delete_all(); // a page without storage
+            const bool nothingLeft = State() == before;
+            SCOPED_TRACE(grants);
+            EXPECT_TRUE(valid);
+            EXPECT_TRUE(nextValid);
+            EXPECT_NE(next, nullptr);
+            EXPECT_EQ(elements, 0);
+            EXPECT_TRUE(nothingLeft);
+            // The page object with the first entry of the table of live blocks, then the storage.
+            EXPECT_EQ(p != nullptr, grants >= 3);
+            EXPECT_EQ(counted, grants < 2 ? 0 : grants < 3 ? 1 : 3);
+            EXPECT_EQ(pages, grants < 2 ? 0 : 1);
+        }
+        EXPECT_GT(grants, 4); // the index of pages can be done without
+    }
+}
+
+TEST(Exhaustion, LargeBlockLosesItsRecordAtMost)
+{
+    bool more = true;
+    for (long grants = 0; more; ++grants) {
+        const State before;
+        void *p;
+        {
+            const SystemRefuses refusing(grants);
+            p = KarAllocMemory(5000);
+            more = refused;
+        }
+        const bool tracked = MemoryPeek::tailOf(AllocatorPeek::records(*globalMemList)) != nullptr;
+        const long sum = globalMemList->curr_used_memory();
+        const int mark = globalMemList->setMarkMemListGlobal(tracked);
+        KarDellocMemory(p);
+        globalMemList->setMarkMemListGlobal(mark);
+        AllocatorPeek::dropRecords(*globalMemList);
+        AllocatorPeek::pool(*globalMemList, 7).delete_all(); // the record is looked for there as well
+        const bool nothingLeft = State() == before;
+        SCOPED_TRACE(grants);
+        EXPECT_EQ(p != nullptr, grants >= 2);
+        EXPECT_EQ(sum, p ? 5008 : 0);
+        EXPECT_TRUE(p || !tracked);
+        EXPECT_TRUE(tracked || grants < 6);
+        EXPECT_TRUE(nothingLeft);
+    }
+}
+
+TEST(Exhaustion, ElementsOfBothPools)
+{
+    bool more = true;
+    for (long grants = 0; more; ++grants) {
+        const State before;
+        bool valid = true;
+        more = false;
+        {
+            karPageMemory fixed(40, 2);
+            karVarPageMemory runs(100, 2); // page objects and storages come from size classes
+            void *elements[7];
+            void *arrays[5];
+            {
+                const SystemRefuses refusing(grants);
+                for (void *&element : elements) {
+                    element = fixed.newElement();
+                    valid = valid && fixed.isValid();
+                }
+                for (void *&array : arrays) {
+                    array = runs.newElement(1);
+                    valid = valid && runs.isValid();
+                }
+                more = refused;
+            }
+            for (void *&element : elements)
+                fixed.deleteElement(element);
+            for (void *&array : arrays)
+                runs.deleteElement(array, 1);
+            valid = valid && fixed.isValid() && runs.isValid();
+        }
+        for (int number : {7, 8, 9}) // pages without storage
+            AllocatorPeek::pool(*globalMemList, number).delete_all();
+        const bool nothingLeft = State() == before;
+        SCOPED_TRACE(grants);
+        EXPECT_TRUE(valid);
+        EXPECT_TRUE(nothingLeft);
+        EXPECT_LT(grants, 200);
+    }
+}
+
+TEST(Exhaustion, AllocatorThatCannotBeCreatedIsNotStored)
+{
+    karGlobalMemory *const saved = globalMemList;
+    char file[] = "file";
+    const long before = systemBlocks;
+    bool null = true;
+    globalMemList = nullptr;
+    for (long grants : {0, 1}) { // the object, and its entry in the table of live blocks
+        const SystemRefuses refusing(grants);
+        null = null && !KarAllocMemory(20u, file, 1) && !globalMemList;
+    }
+    globalMemList = saved;
+    const long after = systemBlocks;
+    EXPECT_TRUE(null);
+    EXPECT_EQ(after, before);
+}
+
+TEST(Exhaustion, TableOfLiveBlocksIsUsedToItsLastPlace)
+{
+    const State before;
+    std::vector<void *> blocks(1000, nullptr);
+    std::size_t had = 0;
+    {
+        const SystemRefuses refusing(unlimited, 1); // the smallest table, which has 64 places, one of them empty
+        while (had < blocks.size() && (blocks[had] = __AllocMemory(8)) != nullptr)
+            ++had;
+    }
+    bool known = true;
+    for (std::size_t i = 0; i < had; ++i)
+        known = known && __MemorySize(blocks[i], 0) == 8;
+    for (std::size_t i = 0; i < had; ++i)
+        __FreeMemory(blocks[i]);
+    const long left = systemBlocks - before.ofTheSystem;
+    EXPECT_EQ(had, 63u);
+    EXPECT_TRUE(known);
+    EXPECT_EQ(left, 1); // the vector
+}
+
+TEST(Exhaustion, PagesAreWalkedWhereTheirIndexHasNoRoom)
+{
+    for (long clearedGrants : {0, 1, 2, 3, 4, 5}) {
+        const State before;
+        bool valid = true;
+        bool front = true;
+        int had = 0;
+        {
+            karPageMemory pool(40, 2);
+            void *elements[400];
+            {
+                const SystemRefuses refusing(unlimited, clearedGrants + 3); // the table of live blocks needs some too
+                for (; had < 400; ++had)
+                    if (!(elements[had] = pool.newElement()))
+                        break;
+                valid = pool.isValid();
+                for (int i = had - 2; i >= 0; i -= 50) {
+                    void *const released = elements[i];
+                    pool.deleteElement(elements[i]);
+                    front = front && !elements[i];
+                    elements[i] = pool.newElement();
+                    front = front && elements[i] == released;
+                }
+                for (int i : {300, 100, 10})
+                    if (i < had)
+                        pool.deleteElement(elements[i]);
+                valid = valid && pool.isValid();
+            }
+            front = front && pool.newElement() != nullptr;
+        }
+        const bool nothingLeft = State() == before;
+        SCOPED_TRACE(clearedGrants);
+        EXPECT_TRUE(valid);
+        EXPECT_TRUE(front);
+        EXPECT_TRUE(nothingLeft);
+        EXPECT_GT(had, 20);
+    }
+}
+
+TEST(Exhaustion, RecordsAreSearchedWhereTheirIndexHasNoRoom)
+{
+    for (long grants : {0, 1, 2}) {
+        const State before;
+        bool found = true;
+        bool valid = true;
+        {
+            karMemory memory;
+            for (int i = 0; i < 20; ++i)
+                memory.dxnew(places + i, 1);
+            const SystemRefuses refusing(grants);
+            void *p = places + 5;
+            memory.dxdelete(&p);
+            found = p != nullptr;
+            for (int i = 20; i < 900; ++i) // the page of records has room, the index doesn't grow
+                memory.dxnew(places + i, 1);
+            for (int i = 6; i < 900; i += 7) {
+                p = places + i;
+                memory.dxdelete(&p);
+                found = found && p != nullptr;
+                memory.dxdelete(&p);
+                p = places + i;
+                memory.dxdelete(&p);
+                found = found && p == nullptr;
+            }
+            valid = memory.isValid();
+        }
+        const bool nothingLeft = State() == before;
+        SCOPED_TRACE(grants);
+        EXPECT_TRUE(found);
+        EXPECT_TRUE(valid);
+        EXPECT_TRUE(nothingLeft);
+    }
+}
+
+#endif
