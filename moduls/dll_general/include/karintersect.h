@@ -58,7 +58,8 @@ KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double
                               const double &start2, const double &end2, const int &limitMask, double &p1x, double &p1y,
                               double &p2x, double &p2y);
 
-/// \overload with a limit to the iteration, see `Intersect_Ellipse_Ellipse`.
+/// \overload
+/// With a limit to the iteration, see `Intersect_Ellipse_Ellipse`.
 KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double &r1, const double &start1,
                               const double &end1, const double &c2x, const double &c2y, const double &r2,
                               const double &start2, const double &end2, const int &limitMask, double &p1x, double &p1y,
@@ -79,7 +80,8 @@ KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, cons
                                       const int &limitMask, double &p1x, double &p1y, double &p2x, double &p2y,
                                       double &p3x, double &p3y, double &p4x, double &p4y);
 
-/// \overload with a limit to the iteration; a run that ends within it has the same bits as without.
+/// \overload
+/// With a limit to the iteration; a run that ends within it has the same bits as without.
 /// `passes` on entry: the most passes allowed for each factor of the quartic. On return: the passes used over all
 /// factors, or -1 if the limit was reached; the result then counts the points of the factors that did settle.
 KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double &a1, const double &b1,
@@ -107,7 +109,8 @@ KAR_API int Calculate_Perpendicular_Points_To_Ellipse(const double &px, const do
                                                       double &p1x, double &p1y, double &p2x, double &p2y, double &p3x,
                                                       double &p3y, double &p4x, double &p4y);
 
-/// \overload with a limit to the iteration; `passes` as for `Intersect_Ellipse_Ellipse`.
+/// \overload
+/// With a limit to the iteration; `passes` as for `Intersect_Ellipse_Ellipse`.
 KAR_API int Calculate_Perpendicular_Points_To_Ellipse(const double &px, const double &py, const double &cx,
                                                       const double &cy, const double &a, const double &b,
                                                       const double &rotation, const double &start, const double &end,

@@ -7,6 +7,7 @@
 #include "karsolve.h"
 
 #include <cmath>
+#include <cstddef>
 
 using kar::curveTolerance;
 using kar::lengthTolerance;
@@ -71,8 +72,9 @@ struct Outputs {
 
     void set(int pair, Point point) const
     {
-        *places[2 * pair] = point.x;
-        *places[2 * pair + 1] = point.y;
+        const std::size_t place = 2 * static_cast<std::size_t>(pair);
+        *places[place] = point.x;
+        *places[place + 1] = point.y;
     }
 };
 
