@@ -65,7 +65,7 @@ karMessageBase &karMessageBase::setParamCount(int count)
     paramCount = count;
     if (count <= 0)
         return *this;
-    params = static_cast<karDataBase **>(kar::allocArray(static_cast<unsigned>(count), sizeof(karDataBase *)));
+    params = static_cast<karDataBase **>(kar::allocArray(static_cast<unsigned>(count), sizeof *params));
     for (int index = 0; params && index < count; ++index)
         params[index] = nullptr;
     return *this;
