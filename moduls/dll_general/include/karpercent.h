@@ -70,7 +70,7 @@ public:
     /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls, be it to the -1 of an empty
     /// stack; a rise is silent.
     void setLayerPercent(int percent);
-    /// \overload The fraction 0 to 1 is rounded to percent, halves up. Below 0 and not-a-number count as -1; there is no
+    /// The same for a fraction: 0 to 1 is rounded to percent, halves up. Below 0 and not-a-number count as -1; there is no
     /// limit above, and a product beyond the `int` range counts as the largest `int`.
     void setLayerPercent(double fraction);
 

@@ -47,7 +47,7 @@ public:
     /// The digits of `value` in `radix` 2 to 36, letters in lower case. A sign is written in radix 10 alone: in every
     /// other one the 32 bits count as an unsigned number. Another radix gives the empty text. Size without spare room.
     KAR_API karString(int value, int radix);
-    KAR_API karString(long value, int radix); ///< \overload Note: 32 bits wide also where `long` is wider.
+    KAR_API karString(long value, int radix); ///< Note: 32 bits wide also where `long` is wider.
     /// `value` with `decimals` places behind a point, the exact binary value rounded half away from zero. `stripZeros`
     /// takes the zeros at the end of the places away, and then the point if it is last. Any magnitude and any number of
     /// places; negative `decimals` count as 0. Not-a-number and infinities give nan, inf, -inf. No spare room.
@@ -111,7 +111,7 @@ public:
         return scratchCharacter();
     }
     char &at(unsigned i) { return (*this)[i]; } ///< \overload
-    /// \overload An index of any other integer type; negative ones are bad.
+    /// An index of any other integer type; negative ones are bad.
     template <class Integer,
               class = std::enable_if_t<std::is_integral<Integer>::value && !std::is_same<Integer, unsigned>::value>>
     char &operator[](Integer i)

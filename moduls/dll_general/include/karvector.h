@@ -208,8 +208,7 @@ private:
     double z_ = 0.0;
 };
 
-/// \name Sums of positions and vectors
-/// \{
+// Sums of positions and vectors, declared with the positions.
 inline karD_Point karD_Point::operator+(const kar2DVector &v) const
 {
     return karD_Point(x() + v.GetX(), y() + v.GetY());
@@ -226,6 +225,5 @@ inline kar3D_Point kar3D_Point::operator-(const kar3DVector &v) const
 {
     return kar3D_Point(x() - v.GetX(), y() - v.GetY(), z() - v.GetZ());
 }
-/// \}
 
 #endif

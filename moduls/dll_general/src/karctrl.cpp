@@ -65,7 +65,8 @@ karMessageBase &karMessageBase::setParamCount(int count)
     paramCount = count;
     if (count <= 0)
         return *this;
-    params = static_cast<karDataBase **>(kar::allocArray(static_cast<unsigned>(count), sizeof *params));
+    params = static_cast<karDataBase **>(
+        kar::allocArray(static_cast<unsigned>(count), sizeof *params)); // NOLINT(bugprone-sizeof-expression): pointers
     for (int index = 0; params && index < count; ++index)
         params[index] = nullptr;
     return *this;
