@@ -71,8 +71,8 @@ KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double
 /// Note: a root whose imaginary part is below 0.0001 counts as real, so that near misses give points too; only a limit
 /// tests whether they lie on the first ellipse.
 /// Note: a root that is not a number counts as real and passes without limits, with coordinates that are not numbers.
-/// Note: the iteration has no limit, and about 3 in 10,000 random pairs never end, far more of touching, concentric and
-/// osculating ones. The form with `passes` always ends.
+/// Note: the iteration has no limit, and a few in 10,000 random pairs never end (docs/crossings.md), far more of touching,
+/// concentric and osculating ones. The form with `passes` always ends.
 KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double &a1, const double &b1,
                                       const double &rotation1, const double &start1, const double &end1,
                                       const double &c2x, const double &c2y, const double &a2, const double &b2,
