@@ -198,6 +198,38 @@ TEST(Kar3DPoint, AddsProductsAndQuotientsPlaceByPlace)
     EXPECT_TRUE(holds(b.DistDim(a), -4, -4, -5));
 }
 
+TEST(Kar3DPoint, EqualPlacesStayThoseOfTheReceiver)
+{
+    const kar3D_Point plus(0.0, 0.0, 0.0), minus(-0.0, -0.0, -0.0);
+    for (const kar3D_Point &result : {kar3D_Point(plus.Min(minus)), kar3D_Point(plus.Max(minus))}) {
+        EXPECT_TRUE(sameBits(result.x(), 0.0));
+        EXPECT_TRUE(sameBits(result.y(), 0.0));
+        EXPECT_TRUE(sameBits(result.z(), 0.0));
+    }
+    for (const kar3D_Point &result : {kar3D_Point(minus.Min(plus)), kar3D_Point(minus.Max(plus))}) {
+        EXPECT_TRUE(sameBits(result.x(), -0.0));
+        EXPECT_TRUE(sameBits(result.y(), -0.0));
+        EXPECT_TRUE(sameBits(result.z(), -0.0));
+    }
+}
+
+TEST(Kar3DRange, EqualEndsStayThoseOfTheReceiver)
+{
+    const kar3D_Range ends(-1.0, 0.0, 0.0), starts(0.0, 1.0, 0.0);
+    EXPECT_TRUE(sameBits((ends + -0.0).hi(), 0.0));
+    EXPECT_TRUE(sameBits((starts + -0.0).lo(), 0.0));
+    EXPECT_TRUE(sameBits((ends + kar3D_Range(-1.0, -0.0, 0.0)).hi(), 0.0));
+    EXPECT_TRUE(sameBits((starts + kar3D_Range(-0.0, 1.0, 0.0)).lo(), 0.0));
+    kar3D_Range sum = ends;
+    sum += kar3D_Range(-1.0, -0.0, 0.0);
+    EXPECT_TRUE(sameBits(sum.hi(), 0.0));
+    sum = starts;
+    sum += kar3D_Range(-0.0, 1.0, 0.0);
+    EXPECT_TRUE(sameBits(sum.lo(), 0.0));
+    EXPECT_TRUE(sameBits(kar3D_Range(0.0, -0.0, 0.0).lo(), 0.0)); // of equal ends the first is both
+    EXPECT_TRUE(sameBits(kar3D_Range(0.0, -0.0, 0.0).hi(), 0.0));
+}
+
 TEST(Kar3DPoint, TakesExtentsInAssignmentArithmeticAndRelations)
 {
     kar3D_Point p(6, 8, 10);

@@ -184,6 +184,11 @@ TYPED_TEST(RealPlanePair, GivesTheLesserAndGreaterOfEachPlaceAsANewValue)
     EXPECT_EQ(xy(p.Max(P(-5, 30))), RealXY(1, 30));
     EXPECT_EQ(xy(p.Min(P(notANumber, 30))), RealXY(1, 20));
     EXPECT_EQ(xy(p.Max(P(notANumber, 30))), RealXY(1, 30));
+    const P plus(0.0, 0.0), minus(-0.0, -0.0); // of equal places that of the receiver
+    EXPECT_FALSE(std::signbit(plus.Min(minus).First()) || std::signbit(plus.Min(minus).Second()));
+    EXPECT_FALSE(std::signbit(plus.Max(minus).First()) || std::signbit(plus.Max(minus).Second()));
+    EXPECT_TRUE(std::signbit(minus.Min(plus).First()) && std::signbit(minus.Min(plus).Second()));
+    EXPECT_TRUE(std::signbit(minus.Max(plus).First()) && std::signbit(minus.Max(plus).Second()));
     EXPECT_EQ(xy(p), RealXY(1, 20));
 }
 

@@ -74,6 +74,12 @@ TEST(BoundingRectOfPoints, FirstOfEqualZerosStays)
 {
     EXPECT_TRUE(sameBits(-0.0, boxOf({{-0.0, 1}, {0.0, 1}}).left()));
     EXPECT_TRUE(sameBits(0.0, boxOf({{0.0, 1}, {-0.0, 1}}).left()));
+    EXPECT_TRUE(sameBits(-0.0, boxOf({{-0.0, 1}, {0.0, 1}}).right()));
+    EXPECT_TRUE(sameBits(0.0, boxOf({{0.0, 1}, {-0.0, 1}}).right()));
+    EXPECT_TRUE(sameBits(-0.0, boxOf({{1, -0.0}, {1, 0.0}}).bottom()));
+    EXPECT_TRUE(sameBits(0.0, boxOf({{1, 0.0}, {1, -0.0}}).bottom()));
+    EXPECT_TRUE(sameBits(-0.0, boxOf({{1, -0.0}, {1, 0.0}}).top()));
+    EXPECT_TRUE(sameBits(0.0, boxOf({{1, 0.0}, {1, -0.0}}).top()));
 }
 
 // Whole ellipses

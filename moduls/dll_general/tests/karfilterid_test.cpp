@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <string>
 #include <type_traits>
 
 namespace {
@@ -133,6 +135,23 @@ TEST(KarFilterIdBase, ConstructorFillsEverySlot)
         EXPECT_EQ(dispatcher.getFilterMethod(filterObjectID(kind))->getObject(), &target);
         EXPECT_EQ(run(dispatcher, kind), 17);
     }
+}
+
+TEST(KarFilterIdBase, NothingIsWrittenBehindTheTable)
+{
+    // The table comes from the class of 1000 bytes, or of 500 where pointers have 32 bits. Its element is marked first.
+    const std::size_t tableSize = 25 * 3 * sizeof(void *);
+    const std::size_t room = (sizeof(void *) > 4 ? 1000 : 500) - 8;
+    void *const element = KarAllocMemory(static_cast<unsigned>(room));
+    void *const neighbour = KarAllocMemory(static_cast<unsigned>(room)); // keeps the page
+    std::memset(element, 0x55, room);
+    KarDellocMemory(element);
+    Dispatcher dispatcher;
+    const char *const table = reinterpret_cast<const char *>(dispatcher.getFilterMethod(filterObjectID(0)));
+    ASSERT_EQ(table, element);
+    const std::string behind(table + tableSize, room - tableSize);
+    EXPECT_EQ(behind, std::string(room - tableSize, 0x55));
+    KarDellocMemory(neighbour);
 }
 
 TEST(KarFilterIdBase, ANullHandlerMakesItsKindFailAlone)

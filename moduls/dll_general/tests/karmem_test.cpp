@@ -326,7 +326,7 @@ TEST(KarPage, SecondReleaseOfAnElementChangesNothing)
     void *elements[6];
     for (void *&element : elements)
         element = page.newElement();
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 6; ++i) {
         void *p = elements[i];
         page.deleteElement(p);
         for (int j = 0; j <= i; ++j) { // at the head, in the middle and at the end of the free list
@@ -417,6 +417,11 @@ TEST(KarPage, WithoutStorageHasZeroSizesAndNoElement)
         EXPECT_EQ(page.canInsertElement(), 0);
         EXPECT_EQ(page.newElement(), nullptr);
         EXPECT_TRUE(page.isValid());
+    }
+    if (sizeof(void *) > 4) { // the distance of 2^31 bytes is no int
+        Page page(nullptr, 0x7fffffff, 1);
+        EXPECT_EQ(page.PageBegin(), nullptr);
+        EXPECT_EQ(page.elementFullSize(), 0);
     }
     AllAllocationsFail failing;
     karPage page(nullptr, 10, 5);
@@ -588,6 +593,14 @@ TEST(KarPageMemory, FirstPageFallsToItsPredecessorElseToItsSuccessor)
     EXPECT_EQ(PoolPeek::currentOf(pool), PoolPeek::firstOf(pool));
     EXPECT_EQ(pool.getAnzElem(), 1);
     EXPECT_TRUE(pool.isValid());
+    karPage *const last = PoolPeek::lastOf(pool);
+    PoolPeek::firstOf(pool) = nullptr; // is found again from the last
+    EXPECT_TRUE(pool.isValid());
+    PoolPeek::lastOf(pool) = nullptr;
+    EXPECT_FALSE(pool.isValid());
+    PoolPeek::lastOf(pool) = last;
+    EXPECT_EQ(pool.getAnzElem(), 1);
+    EXPECT_EQ(PoolPeek::firstOf(pool), last);
 }
 
 TEST(KarPageMemory, ReleaseOfNothingAndOfForeignAddressesLeavesThePointer)

@@ -286,6 +286,7 @@ TEST_F(ConsoleWithoutHost, TextsFallBack)
     EXPECT_TRUE(hasState(out, "before", 6, 16));
     EXPECT_TRUE(hasState(LocalizeString("a", "b", 0L), "", 0, 16));
     EXPECT_TRUE(hasState(GetFileNameWrite("a", "b", "third", "d", "e", 1), "third", 5, 16));
+    EXPECT_TRUE(hasState(GetFileNameWrite("a", "b", "seventh", "d", "e", 1), "seventh", 7, 16)); // extra 8
 }
 
 TEST_F(ConsoleWithoutHost, TextsWithoutMemoryAreEmpty)

@@ -225,6 +225,15 @@ TEST(KarString, ReadsRealNumbers)
     EXPECT_EQ(readReal("-.5"), -0.5);
     EXPECT_EQ(readReal("007.50"), 7.5);
     EXPECT_EQ(readReal("0.1"), 0.1);
+    EXPECT_EQ(readReal("12"), 12.0);
+    EXPECT_EQ(readReal("1234.5678"), 1234.5678);
+    EXPECT_EQ(readReal("-98765432109.875"), -98765432109.875);
+    EXPECT_EQ(readReal("0.0000000000000000000007"), 7e-22);           // 22 places
+    EXPECT_EQ(readReal("0.00000000000000000000007"), 7e-23);          // one more
+    EXPECT_EQ(readReal("9007199254740992"), 9007199254740992.0);      // 2^53
+    EXPECT_EQ(readReal("9999999999999999999"), 1e19);                 // 19 digits, 20 and more
+    EXPECT_EQ(readReal("18446744073709551617"), 18446744073709552e3); // 2^64 + 1
+    EXPECT_EQ(readReal("184467440737095516160"), 18446744073709552e4);
     EXPECT_EQ(readReal(""), 0.0);
     EXPECT_TRUE(std::signbit(readReal("-0")));
 }

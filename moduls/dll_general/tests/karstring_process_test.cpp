@@ -143,6 +143,12 @@ TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
     karString w;
     w.format("%Lf|%s|%d", static_cast<long double>(1), "ab", 3); // 32 + 1 + 1 + 1 + 32
     EXPECT_EQ(w.size(), 72u);
+    karString a;
+    a.format("%Lf|%s", static_cast<long double>(1), "0123456789"); // 32 + 1 + 1: adjust(35)
+    EXPECT_TRUE(hasState(a, "1.000000|0123456789", 19, 40));
+    karString b;
+    b.format("%zu0123456789abc%s", std::size_t{7}, ""); // u, 13 characters and 1: adjust(16)
+    EXPECT_TRUE(hasState(b, "70123456789abc", 14, 16));
     karString x;
     x.format("%Fs|%s", 1.0, "ab"); // F as a letter of length before "s"
     EXPECT_TRUE(hasState(x, "1.000000s|ab", 12, 16));

@@ -68,6 +68,20 @@ TEST(KarString, ReservesRoomForCharactersAndTerminator)
     EXPECT_TRUE(hasState(karString(20), "", 0, 24)); // an int converts
 }
 
+TEST(KarString, ANewBufferIsZeroedToItsEndAndNotBeyond)
+{
+    // 192 bytes and the guards fill an element of 200 bytes, which both guards tell.
+    for (unsigned count = 0; count < 192; ++count) {
+        const std::string text(count, 'x');
+        const karString s(text.c_str(), 191 - count);
+        ASSERT_TRUE(hasState(s, text, count, 192));
+        EXPECT_EQ(std::string(TextProbe::bytes(s) + count, 192 - count), std::string(192 - count, '\0')) << count;
+        unsigned guard;
+        std::memcpy(&guard, TextProbe::bytes(s) + 192, sizeof guard);
+        EXPECT_EQ(guard, 200u) << count;
+    }
+}
+
 TEST(KarString, RepeatsACharacter)
 {
     EXPECT_TRUE(hasState(karString('x', 3u, 8u), "xxx", 3, 16));
@@ -606,6 +620,7 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_EQ(s.vstrrchr('\0'), nullptr);
     EXPECT_EQ(s.vstrstr("gh"), TextProbe::bytes(s) + 6);
     EXPECT_EQ(s.vstrstr("hi"), nullptr);
+    EXPECT_EQ(s.vstrstr("h\x64"), nullptr); // 100, the guard behind the buffer, isn't looked at
     EXPECT_EQ(s.karstrchr('h', 3), 7);
     EXPECT_EQ(s.karstrchr('i', 3), -1);
     EXPECT_EQ(s.karstrchr('\0', 3), -1);

@@ -45,6 +45,12 @@ TEST(KarStringList, TakesItsTextFromEverySource)
     EXPECT_TRUE(hasState(textOf(karStringList(static_cast<const char *>(nullptr))), "", 0, 16));
     EXPECT_TRUE(hasState(textOf(karStringList(20u)), "", 0, 24));
     EXPECT_TRUE(hasState(textOf(karStringList(other)), "ghi", 3, 16));
+    // Seven characters, the terminator and 8 more fill 16 bytes.
+    karString seven("abcdefg");
+    karStringList element(seven);
+    EXPECT_TRUE(hasState(textOf(element), "abcdefg", 7, 16));
+    EXPECT_TRUE(hasState(textOf(karStringList("abcdefg")), "abcdefg", 7, 16));
+    EXPECT_TRUE(hasState(textOf(karStringList(element)), "abcdefg", 7, 16));
 }
 
 TEST(KarStringList, AChainLinksBehindItsLastElement)
