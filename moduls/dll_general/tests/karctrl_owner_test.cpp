@@ -62,13 +62,16 @@ TEST(KarMessageBaseOwner, OutOfRangeWhatATypedSetterBuiltIsLeftAlive)
     EXPECT_EQ(message.getParam(1), nullptr);
 }
 
-TEST(KarMessageBaseOwner, WithANegativeCountWhatATypedSetterBuiltIsLeftAlive)
+TEST(KarMessageBaseOwner, WithoutASlotWhatATypedSetterBuiltIsLeftAlive)
 {
     karMessageBase message(EnumMessageID(1), -3);
     const int before = liveBlocks();
     message.setDouble(0, 1.0);
     EXPECT_EQ(liveBlocks(), before + 1);
     EXPECT_EQ(message.getParam(0), nullptr);
+    karMessageBase empty(EnumMessageID(1), 0);
+    empty.setDouble(0, 1.0);
+    EXPECT_EQ(liveBlocks(), before + 2);
 }
 
 TEST(KarMessageBaseOwner, AfterAFailedArrayASubclassKeepsTheValuesItTakes)

@@ -356,6 +356,14 @@ TEST(CalculateDistanceToLine, CoincidentEndPointsCountAsVertical)
     EXPECT_EQ(9.0, Calculate_Distance_To_Line(5, 9, 0, 0, 4, 9.9e-51));
 }
 
+TEST(CalculateDistanceToLine, ADifferenceOf1e50IsSloped)
+{
+    EXPECT_NEAR(4.0, Calculate_Distance_To_Line(1e50, 5, 0, 0, 1, 1e-50), 1e-14); // rises by 1 up to there
+    EXPECT_EQ(5.0, Calculate_Distance_To_Line(1e50, 5, 0, 0, 1, 9.9e-51));
+    EXPECT_NEAR(4.0, Calculate_Distance_To_Line(5, 1e50, 0, 0, 1e-50, 1), 1e-14);
+    EXPECT_EQ(5.0, Calculate_Distance_To_Line(5, 1e50, 0, 0, 9.9e-51, 1));
+}
+
 TEST(CalculateMirrorPointToLine, MirrorsAtHorizontalVerticalAndSlopedLines)
 {
     double x = 0, y = 0;
@@ -402,6 +410,19 @@ TEST(CalculateMirrorPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNumberIsN
     EXPECT_TRUE(Calculate_Mirror_Point_To_Line(3, 7, inf, 2, inf, 2, x, y)); // (inf - inf, 0) stays: horizontal
     EXPECT_EQ(3.0, x);
     EXPECT_EQ(-3.0, y);
+}
+
+TEST(CalculateMirrorPointToLine, ADifferenceOf1e50IsSloped)
+{
+    double x = untouched, y = untouched;
+    Calculate_Mirror_Point_To_Line(1e50, 0, 0, 0, 1, 1e-50, x, y); // the line rises by 1 up to there
+    EXPECT_NEAR(2.0, y, 1e-14);
+    Calculate_Mirror_Point_To_Line(1e50, 0, 0, 0, 1, 9.9e-51, x, y);
+    EXPECT_EQ(0.0, y);
+    Calculate_Mirror_Point_To_Line(0, 1e50, 0, 0, 1e-50, 1, x, y);
+    EXPECT_NEAR(2.0, x, 1e-14);
+    Calculate_Mirror_Point_To_Line(0, 1e50, 0, 0, 9.9e-51, 1, x, y);
+    EXPECT_EQ(0.0, x);
 }
 
 TEST(CalculateMirrorPointToLine, OutputsMayBeInputs)
@@ -454,6 +475,19 @@ TEST(CalculatePerpendicularPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNu
     EXPECT_EQ(3.0, x);
     EXPECT_EQ(2.0, y);
     EXPECT_EQ(0, Calculate_Perpendicular_Point_To_Line(3, 7, inf, 2, inf, 2, x, y, true)); // not in the box at infinity
+}
+
+TEST(CalculatePerpendicularPointToLine, ADifferenceOf1e50IsSloped)
+{
+    double x = untouched, y = untouched;
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(1e50, 0, 0, 0, 1, 1e-50, x, y, false));
+    EXPECT_NEAR(1.0, y, 1e-14); // the line rises by 1 up to there
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(1e50, 0, 0, 0, 1, 9.9e-51, x, y, false));
+    EXPECT_EQ(0.0, y);
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(0, 1e50, 0, 0, 1e-50, 1, x, y, false));
+    EXPECT_NEAR(1.0, x, 1e-14);
+    EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(0, 1e50, 0, 0, 9.9e-51, 1, x, y, false));
+    EXPECT_EQ(0.0, x);
 }
 
 TEST(CalculatePerpendicularPointToLine, OutputsMayBeInputs)
