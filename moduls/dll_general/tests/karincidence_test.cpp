@@ -340,6 +340,19 @@ TEST(IsPointOnEllipticalArc, PointBeyondTheUnitCircleLiesOnNoArc)
 
 // Distances and feet
 
+TEST(IsPointOnEllipticalArc, BothEndsBelongToIt)
+{
+    // (-1, 0) has the parameter acos(-1), which is this pi, (1, 0) has 0.
+    for (const double end : {6.0, 1.0})
+        EXPECT_TRUE(IsPointOnEllipticalArc(0, 0, 1, 1, 0, pi, end, -1, 0, true, 1e-10)) << end;
+    for (const double start : {1.0, 4.0})
+        EXPECT_TRUE(IsPointOnEllipticalArc(0, 0, 1, 1, 0, start, pi, -1, 0, true, 1e-10)) << start;
+    EXPECT_TRUE(IsPointOnEllipticalArc(0, 0, 1, 1, 0, 3.0, 0.0, 1, 0, true, 1e-10));
+    EXPECT_TRUE(IsPointOnEllipticalArc(0, 0, 1, 1, 0, 0.0, 3.0, 1, 0, true, 1e-10));
+    EXPECT_FALSE(IsPointOnEllipticalArc(0, 0, 1, 1, 0, std::nextafter(pi, 4.0), 1.0, -1, 0, true, 1e-10));
+    EXPECT_FALSE(IsPointOnEllipticalArc(0, 0, 1, 1, 0, 4.0, std::nextafter(pi, 0.0), -1, 0, true, 1e-10));
+}
+
 TEST(CalculateDistanceToLine, IsThePerpendicularDistance)
 {
     EXPECT_DOUBLE_EQ(5.0, Calculate_Distance_To_Line(7, 1, 0, 0, 3, 4)); // |4 * 7 - 3| / 5

@@ -107,6 +107,12 @@ TEST(KarParamBlock, HoldsItsFieldsInOrderTheCachesBehindTheMirror)
     EXPECT_EQ(valueAt(block, layout, layout.slopeTangent), std::tan(500000 * 1.57079635e-06));
     EXPECT_EQ(valueAt(block, layout, layout.color), karColor(0x04030201ul));
     EXPECT_EQ(valueAt(block, layout, layout.layer), 8);
+    const karParamBlock flat(karPoint(), 1.0, 1.0, 0, 1, 0, karColor(), 0);
+    EXPECT_EQ(valueAt(flat, layout, layout.slopeTangent), std::tan(1.57079635e-06)); // one unit is a slope too
+    const karParamBlock upright(karPoint(), 1.0, 1.0, 0, 0, 0, karColor(), 0);
+    EXPECT_EQ(valueAt(upright, layout, layout.slopeTangent), 0.0);
+    EXPECT_EQ(valueAt(upright, layout, layout.sine), 0.0);
+    EXPECT_EQ(valueAt(upright, layout, layout.cosine), 1.0);
 }
 
 TEST(KarParamBlock, CopiesAllFieldsAndCaches)

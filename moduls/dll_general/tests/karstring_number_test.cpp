@@ -238,6 +238,15 @@ TEST(KarString, ReadsRealNumbers)
     EXPECT_TRUE(std::signbit(readReal("-0")));
 }
 
+TEST(KarString, ReadsRealNumbersOfAnyCountOfPlaces)
+{
+    const double expected[] = {5.0,   5e-1,  5e-2,  5e-3,  5e-4,  5e-5,  5e-6,  5e-7,  5e-8,
+                               5e-9,  5e-10, 5e-11, 5e-12, 5e-13, 5e-14, 5e-15, 5e-16, 5e-17,
+                               5e-18, 5e-19, 5e-20, 5e-21, 5e-22, 5e-23, 5e-24};
+    for (std::size_t places = 1; places < 25; ++places)
+        EXPECT_EQ(readReal("." + std::string(places - 1, '0') + "5"), expected[places]) << places;
+}
+
 TEST(KarString, ReadsAsFarAsTheRealNumberGoes)
 {
     EXPECT_EQ(readReal("1-2.3.4"), 1.0);

@@ -90,7 +90,11 @@ TEST(KarString, FormatEstimatesNumbersByWidthAndPrecisionAtLeast32)
     EXPECT_EQ(sizeAfter("%44.4f", 1.0), 56u);       // 48
     EXPECT_EQ(sizeAfter("%*.*f", 44, 4, 1.0), 56u); // 48 by arguments
     EXPECT_EQ(sizeAfter("%*.*f", 44, 3, 1.0), 48u);
-    EXPECT_EQ(sizeAfter("%-+ 044d", 5), 48u);                  // flags count nothing
+    EXPECT_EQ(sizeAfter("%-+ 044d", 5), 48u); // flags count nothing
+    EXPECT_EQ(sizeAfter("%-d", 5), 40u);
+    EXPECT_EQ(sizeAfter("%+d", 5), 40u);
+    EXPECT_EQ(sizeAfter("%02d", 5), 40u);
+    EXPECT_EQ(sizeAfter("% d", 5), 40u);
     EXPECT_EQ(sizeAfter("%#44x", 5u), 48u);                    // 44 + 2
     EXPECT_EQ(sizeAfter("%#46x", 5u), 56u);                    // 46 + 2
     EXPECT_EQ(sizeAfter("%i%u%o", 1, 2u, 3u), 104u);           // 96
@@ -759,6 +763,17 @@ TEST(KarString, TakesTokensOfATextPastItsCachedLength)
     karString t = shortCopy();
     EXPECT_TRUE(hasState(t.karstrtok("x"), "ab", 2, 16));
     EXPECT_TRUE(hasState(t, "", 0, 16));
+}
+
+TEST(KarString, TakesTokensOfATextWithoutATerminator)
+{
+    // The guard behind the buffer is 100, a "d": it doesn't belong to the text.
+    karString s("ab,efgh", 0u);
+    s[7] = 'i';
+    EXPECT_EQ(s.karstrchr("dz", 0), -1);
+    EXPECT_EQ(s.karstrchr('d', 0), -1);
+    EXPECT_TRUE(hasState(s.karstrtok(","), "ab", 2, 16));
+    EXPECT_TRUE(hasState(s, "efghi", 5, 8));
 }
 
 // -- Date and time --------------------------------------------------------------------------------------------------
