@@ -913,6 +913,24 @@ TEST(KarPageMemory, CopyUsesTheSamePages)
         PoolPeek::firstOf(*other) = nullptr; // one only destroys the pages
 }
 
+TEST(KarPageMemory, PagesAppendedAheadAreFilledInTheirOrder)
+{
+    PoolPeek pool(40, 1);
+    std::vector<karPage *> pages;
+    for (int i = 0; i < 150; ++i)
+        pages.push_back(pool.appendPage());
+    EXPECT_TRUE(pool.isValid());
+    for (karPage *page : pages)
+        EXPECT_EQ(pool.newElement(), page->PageBegin());
+    EXPECT_EQ(PoolPeek::pages(pool), 150);
+    for (std::size_t i : {149u, 70u, 64u, 63u, 1u}) { // the lowest page with room comes first
+        void *p = pages[i]->PageBegin();
+        pages[i]->deleteElement(p);
+    }
+    for (std::size_t i : {1u, 63u, 64u, 70u, 149u})
+        EXPECT_EQ(pool.newElement(), pages[i]->PageBegin());
+}
+
 TEST(KarPageMemory, AppendAndDeletePageByHand)
 {
     PoolPeek pool(40, 3);

@@ -616,4 +616,5 @@ TEST(NamedColors, SixteenRowsAndANullRow)
         EXPECT_EQ(vColorName::Conv(rows[i].name), 0) << "the names are not read";
     }
     EXPECT_EQ(kar::namedColors[16].name, nullptr);
+    EXPECT_EQ(kar::namedColors[16].packed, 0);
 }
