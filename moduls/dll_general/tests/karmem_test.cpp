@@ -468,6 +468,25 @@ TEST(KarPage, DamagedLinksInAFreeElementLeadNowhere)
     EXPECT_EQ(page.canInsertElement(), 1);
 }
 
+TEST(KarPage, DamagedLinksDoNotMisleadTheReleaseOfALiveElement)
+{
+    karPage page(nullptr, 32, 5);
+    void *elements[5];
+    for (void *&element : elements)
+        element = page.newElement();
+    void *p = elements[0];
+    page.deleteElement(p);
+    std::memset(elements[0], 0x7f, 32); // used after its release
+    // Two live elements hold links to each other, as free ones would, so that the damaged list is looked through.
+    void *const links[2] = {nullptr, elements[2]};
+    std::memcpy(elements[1], links, sizeof links);
+    std::memcpy(elements[2], &elements[1], sizeof elements[1]);
+    p = elements[1];
+    page.deleteElement(p);
+    EXPECT_EQ(page.elementUsed(), 3);
+    EXPECT_EQ(page.newElement(), elements[1]);
+}
+
 // ---- Pool
 
 TEST(KarPageMemory, FieldsAndVirtualOperationsStandInTheirOrder)
