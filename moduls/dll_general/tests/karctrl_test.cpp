@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <deque>
 #include <memory>
 #include <vector>
@@ -148,6 +150,25 @@ TEST(KarMessageBase, ReadsNothingOutOfRange)
     EXPECT_EQ(message.getParam(2), nullptr);
     EXPECT_EQ(message.getParamType(-1), 0);
     EXPECT_EQ(message.getParamType(2), 0);
+}
+
+TEST(KarMessageBase, WhatStandsBehindTheArrayIsNoSlot)
+{
+    void *const element = KarAllocMemory(92); // the array's element of 100 bytes, marked before it is taken
+    void *const neighbour = KarAllocMemory(92);
+    std::memset(element, 0x55, 92);
+    KarDellocMemory(element);
+    karMessageBase message;
+    EXPECT_EQ(message.getParam(2), nullptr);
+    EXPECT_EQ(message.getParamType(2), CtrlNone);
+    karDataId value(7);
+    message.setParam(2, &value);
+    const void *behind;
+    std::memcpy(&behind, static_cast<const char *>(element) + 2 * sizeof(void *), sizeof behind);
+    void *mark;
+    std::memset(&mark, 0x55, sizeof mark);
+    EXPECT_EQ(behind, mark);
+    KarDellocMemory(neighbour);
 }
 
 TEST(KarMessageBase, TypedSettersChainAndBuildTheirKind)

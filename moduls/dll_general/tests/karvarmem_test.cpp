@@ -58,6 +58,31 @@ void setRuns(Page &page, const Runs &runs)
 
 } // namespace
 
+TEST(KarVarPage, IsValidSeesRunsThatNoPageHas)
+{
+    Page page(4, 25); // 100 bytes
+    const Runs valid[] = {{}, {{0, 100}}, {{92, 8}}, {{0, 8}, {9, 91}}, {{8, 40}, {56, 8}, {92, 8}}};
+    for (const Runs &runs : valid) {
+        setRuns(page, runs);
+        EXPECT_TRUE(page.isValid()) << runs.size();
+    }
+    const Runs damaged[] = {{{0, 7}},         {{0, 0}},           {{0, 101}},       {{92, 9}},
+                            {{0, 8}, {8, 8}}, {{40, 8}, {20, 8}}, {{0, 8}, {16, 4}}};
+    for (const Runs &runs : damaged) {
+        setRuns(page, runs);
+        EXPECT_FALSE(page.isValid()) << runs.back().first << ' ' << runs.back().second;
+    }
+    setRuns(page, {{0, 8}});
+    page.elementUsed_ = 23;
+    EXPECT_TRUE(page.isValid());
+    page.elementUsed_ = 24; // 96 bytes and 8
+    EXPECT_FALSE(page.isValid());
+    page.elementUsed_ = -1;
+    EXPECT_FALSE(page.isValid());
+    page.elementUsed_ = 0;
+    setRuns(page, {{0, 100}});
+}
+
 TEST(KarFreeVarElement, IsEightBytesThatMayLieAnywhere)
 {
     EXPECT_EQ(sizeof(karFreeVarElement), 8u);
