@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-
 #include <deque>
 #include <memory>
 #include <vector>
