@@ -468,6 +468,37 @@ TEST(KarPage, DamagedLinksInAFreeElementLeadNowhere)
     EXPECT_EQ(page.canInsertElement(), 1);
 }
 
+TEST(KarPage, AnAssignedPageTellsTheElementsOfItsNewStorage)
+{
+    alignas(karPage) unsigned char abandoned[sizeof(karPage)];
+    const karPage &source = *::new (static_cast<void *>(abandoned)) karPage(nullptr, 40, 3);
+    karPage page(nullptr, 24, 3);
+    void *const own = page.PageBegin();
+    page = source;
+    KarDellocMemory(own);
+    void *elements[3];
+    for (void *&element : elements)
+        element = page.newElement();
+    for (void *element : elements) {
+        void *p = element;
+        page.deleteElement(p);
+        EXPECT_EQ(page.newElement(), element);
+    }
+}
+
+TEST(KarPage, AnAddressBesideTheStartOfAnElementIsNotLinked)
+{
+    karPage page(nullptr, 40, 3);
+    for (int i = 0; i < 3; ++i)
+        page.newElement();
+    for (int beside : {1, 39}) {
+        void *p = static_cast<char *>(page.PageBegin()) + beside;
+        page.deleteElement(p);
+        EXPECT_EQ(page.canInsertElement(), 0) << beside;
+    }
+    EXPECT_EQ(page.elementUsed(), 1);
+}
+
 TEST(KarPage, DamagedLinksDoNotMisleadTheReleaseOfALiveElement)
 {
     karPage page(nullptr, 32, 5);
@@ -862,6 +893,19 @@ TEST(KarPageMemory, PointerThatStandsInItsElementIsNotWrittenTo)
             EXPECT_TRUE(pool.isValid());
         }
     }
+}
+
+TEST(KarPageMemory, AnAssignedPoolTakesFromItsNewPages)
+{
+    karPageMemory pool(40, 3), source(40, 3);
+    pool.newElement();
+    source.newElement();
+    karPageMemory former(pool); // holds the pages that the pool leaves
+    pool = source;
+    pool.newElement();
+    EXPECT_EQ(PoolPeek::firstOf(source)->elementUsed(), 2);
+    EXPECT_EQ(PoolPeek::firstOf(former)->elementUsed(), 1);
+    PoolPeek::firstOf(pool) = nullptr; // the source destroys them
 }
 
 TEST(KarPageMemory, AssignmentToAPageOfItIsFollowed)

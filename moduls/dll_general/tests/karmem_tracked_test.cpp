@@ -210,6 +210,20 @@ TEST(KarMemory, SumsWhatIsRegisteredAndKeepsTheHighest)
     EXPECT_TRUE(memory.isValid());
 }
 
+TEST(KarMemory, ASumThatFallsBelowZeroIsANegativeNumber)
+{
+    karMemory memory;
+    memory.dxnew(places, 100);
+    MemoryPeek::tailOf(memory)->hsize(150);
+    EXPECT_TRUE(forget(memory, places));
+    EXPECT_EQ(memory.curr_used_memory(), -50);
+    memory.dxnew(places, 49);
+    EXPECT_EQ(memory.curr_used_memory(), -1);
+    memory.dxnew(places + 1, 1);
+    EXPECT_EQ(memory.curr_used_memory(), 0);
+    EXPECT_EQ(memory.max_used_memory(), 100);
+}
+
 TEST(KarMemory, EntryPointIsTheTailAndFallsToItsPredecessor)
 {
     karMemory memory;
