@@ -40,6 +40,11 @@ TEST(KarNumeric, TruncatesAQuotientTowardsZero)
     EXPECT_EQ(kar::wrapRem(-7, 2), -1);
     EXPECT_EQ(kar::wrapRem(7, -2), 1);
     EXPECT_EQ(kar::wrapRem(-7, -1), 0);
+    for (const std::int64_t b : {-5, -4, -3, -2, -1, 1, 2, 3, 4, 5})
+        for (const std::int64_t a : {INT_MIN + 1, -30, -1, 0, 1, 31, INT_MAX}) {
+            EXPECT_EQ(kar::wrapDiv(static_cast<int>(a), static_cast<int>(b)), a / b) << a << " by " << b;
+            EXPECT_EQ(kar::wrapRem(static_cast<int>(a), static_cast<int>(b)), a % b) << a << " by " << b;
+        }
 }
 
 TEST(KarNumeric, AgreesWith64BitArithmetic)
