@@ -4,8 +4,8 @@ gdb loads this file by itself with the library where its folder is trusted, see 
 `source krkgeneral_gdb.py`. A head of a list shows its elements in order, with the class each really has;
 `kar-chain ELEMENT` does so for a chain without a head, and `$kar_element(LIST, N)` is element N of either.
 
-Whatever lies in memory, nothing here fails, walks without end or reads without limit: what can't be right is told in the
-value's own line. `print/r` shows the fields as they are.
+Whatever lies in memory, nothing here fails, walks without end or reads without limit: what can't be right is told in
+the value's own line. `print/r` shows the fields as they are.
 """
 import re
 
@@ -17,7 +17,8 @@ MOST_ELEMENTS = 10000     # of a list, of the parameters of a message
 MOST_COLUMNS = 1000       # of a matrix; a wider row would exceed what gdb takes for one value
 MOST_ROWS = 10000
 
-SPECIAL_COLORS = {1: " of the layer", 2: " of the block", 3: " of the background", 4: " of the foreground"}
+SPECIAL_COLORS = {"0": "", "1": " of the layer", "2": " of the block", "3": " of the background",
+                  "4": " of the foreground"}
 
 
 def told(error):
@@ -29,6 +30,10 @@ def number(value):
     """The text of a number; a real as the shortest one that reads back as it."""
     try:
         plain = value.type.strip_typedefs()
+        if plain.code == gdb.TYPE_CODE_STRUCT:
+            return Form(value).line()
+        if plain.code == gdb.TYPE_CODE_PTR:
+            return address(value)
         if plain.code == gdb.TYPE_CODE_FLT:
             return repr(float(value))
         return str(value if plain.code == gdb.TYPE_CODE_ENUM else int(value))
@@ -70,6 +75,11 @@ def readable(pointer):
         return True
     except (gdb.error, OverflowError):
         return False
+
+
+def object_at(pointer):
+    """The object behind a pointer. `dereference` would move it to where its table of virtual functions says."""
+    return pointer.cast(pointer.type.target().array(0).pointer()).dereference()[0]
 
 
 def class_name(value):
@@ -155,50 +165,12 @@ class StringList(String):
 
 # Values of geometry.
 
-class Point(Shown):
+class Form(Shown):
+    """A value in one line, as `FORMS` says."""
+
     def line(self):
-        return "({})".format(", ".join(fields(self.value, "First_", "Second_")))
-
-
-class Dimension(Shown):
-    def line(self):
-        return " x ".join(fields(self.value, "First_", "Second_"))
-
-
-class SpacePoint(Shown):
-    def line(self):
-        return "({})".format(", ".join(fields(self.value, "x_", "y_", "z_")))
-
-
-class SpaceDimension(Shown):
-    def line(self):
-        return " x ".join(fields(self.value, "x_", "y_", "z_"))
-
-
-class SpaceRange(Shown):
-    def line(self):
-        return " to ".join(fields(self.value, "lo_", "hi_"))
-
-
-class PlaneVector(Shown):
-    def line(self):
-        return "({})".format(", ".join(fields(self.value, "x_", "y_")))
-
-
-class Rect(Shown):
-    def line(self):
-        return f"{Point(self.value['topLeft_']).line()} to {Point(self.value['bottomRight_']).line()}"
-
-
-class RealRect(Shown):
-    def line(self):
-        return f"{Point(self.value['bottomLeft_']).line()} to {Point(self.value['topRight_']).line()}"
-
-
-class TurnedRect(Shown):
-    def line(self):
-        return (f"{Dimension(self.value['size_']).line()} at {Point(self.value['origin_']).line()}, "
-                f"angle {field(self.value, 'angle_')}")
+        form = FORMS[self.value.type.strip_typedefs().unqualified().name]
+        return re.sub(r"{(\w+)}", lambda name: field(self.value, name.group(1)), form)
 
 
 class Complex(Shown):
@@ -262,10 +234,7 @@ class Matrix(Shown):
 class Color(Shown):
     def line(self):
         red, green, blue, special = fields(self.value, "red_", "green_", "blue_", "special_")
-        if special == "0":
-            mark = ""
-        else:
-            mark = SPECIAL_COLORS.get(int(special), f", special {special}") if special.isdigit() else f", special {special}"
+        mark = SPECIAL_COLORS.get(special, f", special {special}")
         return f"RGB({red},{green},{blue}){mark}"
 
 
@@ -296,7 +265,7 @@ def place_of(base, of):
 
 
 def down(pointer, of):
-    """The pointer to a part as one to the whole. gdb's own cast asks the object for its class and complains of bad ones."""
+    """The pointer to a part as one to the whole. gdb's own cast asks the object for its class."""
     place = place_of(pointer.type.target(), of)
     return None if place is None else gdb.Value(int(pointer) - place).cast(of.pointer())
 
@@ -319,10 +288,10 @@ def really(pointer, expected):
         try:
             whole = name and down(pointer, gdb.lookup_type(name).strip_typedefs())
             if whole and whole.type.target().fields():
-                return whole.dereference()
+                return object_at(whole)
         except gdb.error:
             pass
-    return pointer.dereference()
+    return object_at(pointer)
 
 
 class Chain:
@@ -343,7 +312,7 @@ class Chain:
                 self.faults.append(f"broken: {address(start)} can't be read")
                 break
             # The links are pointers to the root of all elements, which needn't begin where the element begins.
-            plain = start.dereference()
+            plain = object_at(start)
             if places and int(plain["prevLink"]) != before:
                 self.faults.append(f"[{len(places)}] doesn't point back to [{len(places) - 1}]")
             places[place] = len(places)
@@ -429,44 +398,17 @@ class Percent(Head):
             return
 
 
-class PercentLayer(Shown):
-    def line(self):
-        return " to ".join(fields(self.value, "start", "end")) + " %"
-
-
 # Messages and their parameters.
-
-class Parameter(Shown):
-    def line(self):
-        return self.kind + field(self.value, self.name)
-
-
-class IdParameter(Parameter):
-    kind, name = "id ", "id"
-
-
-class IntegerParameter(Parameter):
-    kind, name = "integer ", "value"
-
-
-class DoubleParameter(Parameter):
-    kind, name = "real ", "value"
-
-
-class PointerParameter(Shown):
-    def line(self):
-        return f"parameters at {address(self.value['param'])}"
-
 
 class TextParameter(String):
     def string(self):
         return self.value["text"]
 
 
-# A program that sets parameters by way of their message has no debug information about these classes. Their value stands
-# behind the pointer to the table of virtual functions.
+# A program that sets parameters by way of their message has no debug information about these classes. Their value
+# stands behind the pointer to the table of virtual functions.
 PARAMETERS = {"karDataId": ("id ", "int"), "karDataInteger": ("integer ", "int"), "karDataDouble": ("real ", "double"),
-              "karDataText": ("", "karString"), "karDataParam": ("parameters at ", "unsigned long")}
+              "karDataText": ("", "karString"), "karDataParam": ("parameters at ", "karDataBase *")}
 
 
 def parameter(pointer):
@@ -478,9 +420,8 @@ def parameter(pointer):
     kind, of = PARAMETERS.get(class_behind(pointer), (None, None))
     if kind is None:
         return really(pointer, None)
-    value = gdb.Value(int(pointer) + pointer.type.sizeof).cast(gdb.lookup_type(of).pointer()).dereference()
-    if of == "unsigned long":
-        return kind + address(value)
+    of = pointer.type if of == "karDataBase *" else gdb.lookup_type(of)
+    value = gdb.Value(int(pointer) + pointer.type.sizeof).cast(of.pointer()).dereference()
     return kind + number(value) if kind else value
 
 
@@ -537,12 +478,6 @@ class Control(Shown):
 
 # Memory.
 
-class Page(Shown):
-    def line(self):
-        used, count, size = fields(self.value, "elementUsed_", "elementCount_", "elementFullSize_")
-        return f"{used} of {count} elements in use, {size} bytes each"
-
-
 class PageMemory(Shown):
     """Children are the pages."""
 
@@ -551,7 +486,7 @@ class PageMemory(Shown):
 
     def line(self):
         chain = self.chain()
-        used = [integer(page, "elementUsed_") or 0 for page in (pointer.dereference() for pointer in chain.pointers)]
+        used = [integer(page, "elementUsed_") or 0 for page in (object_at(pointer) for pointer in chain.pointers)]
         size, count = fields(self.value, "elementSize_", self.count)
         return ", ".join([f"elements of {size} bytes, {count} to a page", counted(len(chain.pointers), "page"),
                           f"{sum(used)} in use", *chain.faults[:3]])
@@ -590,24 +525,31 @@ class GlobalMemory(Shown):
 
 # What gdb asks.
 
+FORMS = {
+    "tPair<int, int>": "({First_}, {Second_})", "tPair<double, double>": "({First_}, {Second_})",
+    "tUniquePair<int>": "({First_}, {Second_})", "tUniquePair<double>": "({First_}, {Second_})",
+    "karPoint": "({First_}, {Second_})", "karD_Point": "({First_}, {Second_})",
+    "karDimension": "{First_} x {Second_}", "karD_Dimension": "{First_} x {Second_}",
+    "kar3D_Pair": "({x_}, {y_}, {z_})", "kar3D_Point": "({x_}, {y_}, {z_})",
+    "kar3D_Dimension": "{x_} x {y_} x {z_}", "kar3D_Range": "{lo_} to {hi_}",
+    "karRect": "{topLeft_} to {bottomRight_}", "karD_Rect": "{bottomLeft_} to {topRight_}",
+    "karRectX": "{size_} at {origin_}, angle {angle_}",
+    "kar2DVector": "({x_}, {y_})", "kar3DVector": "({x_}, {y_}, {z_})",
+    "karPercentList": "{start} to {end} %",
+    "karDataId": "id {id}", "karDataInteger": "integer {value}", "karDataDouble": "real {value}",
+    "karDataParam": "parameters at {param}",
+    "karPage": "{elementUsed_} of {elementCount_} elements in use, {elementFullSize_} bytes each",
+    "karVarPage": "{elementUsed_} of {elementCount_} elements in use, {elementFullSize_} bytes each",
+}
 VALUES = {
-    "karString": String, "karStringList": StringList,
-    "karPoint": Point, "karD_Point": Point, "karDimension": Dimension, "karD_Dimension": Dimension,
-    "tPair<int, int>": Point, "tPair<double, double>": Point, "tUniquePair<int>": Point, "tUniquePair<double>": Point,
-    "kar3D_Pair": SpacePoint, "kar3D_Point": SpacePoint, "kar3D_Dimension": SpaceDimension, "kar3D_Range": SpaceRange,
-    "karRect": Rect, "karD_Rect": RealRect, "karRectX": TurnedRect,
-    "kar2DVector": PlaneVector, "kar3DVector": SpacePoint,
-    "karComplex": Complex, "karMatrix": Matrix, "karColor": Color,
-    "karPercentList": PercentLayer,
-    "karDataId": IdParameter, "karDataText": TextParameter, "karDataInteger": IntegerParameter,
-    "karDataDouble": DoubleParameter, "karDataParam": PointerParameter,
-    "karMessageLBase": MessageElement,
-    "karPage": Page, "karVarPage": Page, "karPageMemory": PageMemory, "karVarPageMemory": VarPageMemory,
-    "karGlobalMemory": GlobalMemory,
+    **dict.fromkeys(FORMS, Form),
+    "karString": String, "karStringList": StringList, "karDataText": TextParameter,
+    "karComplex": Complex, "karMatrix": Matrix, "karColor": Color, "karMessageLBase": MessageElement,
+    "karPageMemory": PageMemory, "karVarPageMemory": VarPageMemory, "karGlobalMemory": GlobalMemory,
 }
 # These serve the classes that hosts derive as well.
-DERIVED = [("karPercent", Percent), ("karListHeadObject", Head), ("karListObjectNV", Element), ("karMessageBase", Message),
-           ("karCtrl", Control)]
+DERIVED = [("karPercent", Percent), ("karListHeadObject", Head), ("karListObjectNV", Element),
+           ("karMessageBase", Message), ("karCtrl", Control)]
 
 
 class Printers(gdb.printing.PrettyPrinter):
@@ -631,7 +573,7 @@ class Printers(gdb.printing.PrettyPrinter):
 def chain_of(value):
     """The chain of a head or of an element wherever in its chain it stands; and the element's place."""
     if value.type.strip_typedefs().code == gdb.TYPE_CODE_PTR:
-        value = value.dereference()
+        value = object_at(value)
     value = value.referenced_value() if value.type.code in (gdb.TYPE_CODE_REF, gdb.TYPE_CODE_RVALUE_REF) else value
     of = value.type.strip_typedefs()
     if derives(of, "karListHeadObject"):
@@ -643,9 +585,9 @@ def chain_of(value):
     expected = typed(value, "karListTyped")
     pointer = value.address.cast(next(one for one in bases(of) if one.name == general).pointer())
     first, seen = pointer, set()
-    while int(first.dereference()["prevLink"]) and int(first) not in seen and len(seen) < MOST_ELEMENTS:
+    while int(object_at(first)["prevLink"]) and int(first) not in seen and len(seen) < MOST_ELEMENTS:
         seen.add(int(first))
-        before = down(first.dereference()["prevLink"], first.type.target())
+        before = down(object_at(first)["prevLink"], first.type.target())
         if not readable(before):
             break
         first = before

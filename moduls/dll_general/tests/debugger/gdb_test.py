@@ -98,9 +98,9 @@ DAMAGED = [
     ("print rawMarks.object", "Marks of 0 elements, current elsewhere, broken: 0x can't be read = {layer = 623191333}"),
     ("print rawMessage.object", "message 623191333 of 623191333 parameters, its array at 0x can't be read"),
     ("set print elements 1", ""),
-    ("print rawMemory.object", "2676586395008836901 heap blocks of 2676586395008836901 bytes, 2676586395008836901 bytes "
-                               "tracked and 2676586395008836901 at the highest, 2676586395008836901 allocations, mark "
-                               "623191333 = {pools[0] = elements of 623191333 bytes, 623191333 to a page, 0 pages, "
+    ("print rawMemory.object", "2676586395008836901 heap blocks of 2676586395008836901 bytes, 2676586395008836901 "
+                               "bytes tracked and 2676586395008836901 at the highest, 2676586395008836901 allocations, "
+                               "mark 623191333 = {pools[0] = elements of 623191333 bytes, 623191333 to a page, 0 pages, "
                                "0 in use, broken: 0x can't be read...}"),
     ("set print elements 200", ""),
     ("print staleMatrix", "-1 x 2, without an array"),
@@ -149,7 +149,7 @@ SHOWN = ["print text", "print rect", "print matrix", "print texts", "print messa
          "print $kar_element(texts, 1)"]
 
 ASKING = """
-import gdb, json
+import gdb, json, random
 def ask(commands):
     for command in commands:
         try:
@@ -157,6 +157,27 @@ def ask(commands):
         except gdb.error as error:
             answer = f"error: {error}"
         print("answer " + json.dumps(answer), flush=True)
+# Overwrites parts of objects with numbers and places of all kinds, prints the objects, and puts them back.
+def damage(names, rounds, seed):
+    chance, process = random.Random(seed), gdb.selected_inferior()
+    places = [int(gdb.parse_and_eval("&" + name)) for name in names]
+    for turn in range(rounds):
+        for name, place in zip(names, places):
+            size = gdb.parse_and_eval(name).type.sizeof
+            kept = bytes(process.read_memory(place, size))
+            for _ in range(chance.randint(1, 3)):
+                word = chance.choice([0, 1, 8, 0xffffffff, chance.getrandbits(31), chance.getrandbits(64), place,
+                                      chance.choice(places), chance.choice(places) + 8, place - 4096])
+                start = chance.randrange(0, max(size - 7, 1), 4)
+                process.write_memory(place + start, word.to_bytes(8, "little")[:size - start])
+            for command in ("print ", "kar-chain "):
+                try:
+                    gdb.execute(command + name, to_string=True)
+                except gdb.error as error:
+                    if command == "print " or "Python" in str(error):
+                        print(f"fault in turn {turn} of {name}: {error}")
+            process.write_memory(place, kept)
+    print("damage done")
 def walk(of):
     for one in of.fields():
         yield one.name
@@ -178,7 +199,7 @@ def debugged(commands, program=PROGRAM, trusted=None, library=None, python=""):
     with tempfile.NamedTemporaryFile("w", suffix=".py") as asking:
         asking.write(ASKING + f"gdb.execute('run')\ngdb.execute('up')\nask({commands!r})\n{python}\n")
         asking.flush()
-        options = ["-iex", "set auto-load safe-path " + str(trusted if trusted else ""), "-iex", "set debuginfod enabled off"]
+        options = ["-iex", f"set auto-load safe-path {trusted or ''}", "-iex", "set debuginfod enabled off"]
         if library:
             options += ["-ex", f"set environment LD_LIBRARY_PATH {library}"]
         settings = ["set width 0", "set height 0", "set style enabled off", "break looked"]
@@ -218,6 +239,15 @@ class Gdb(unittest.TestCase):
     def test_damage_is_told_and_never_followed(self):
         self.compare(DAMAGED, trusted=pathlib.Path(BUILD) / "lib")
 
+    def test_damage_of_every_kind_is_survived(self):
+        names = [command.removeprefix("print ") for command, _ in SOUND if re.fullmatch(r"print \w+", command)]
+        names = [name for name in names if name not in ("reference", "nullText")] + ["loop", "astray", "oneWay", "bare"]
+        seed = 20260801
+        _, said = debugged([], trusted=pathlib.Path(BUILD) / "lib", python=f"damage({names!r}, 20, {seed})")
+        self.assertIn("damage done", said)
+        self.assertNotIn("fault in turn", said, f"seed {seed}")
+        self.assertNotIn("Python Exception", said, f"seed {seed}")
+
     def test_parameters_are_shown_where_their_classes_are_known(self):
         self.compare([("print id", "id 3"), ("print text", '"name"'), ("print integer", "integer 44"),
                       ("print real", "real 2.5"), ("print parameters", "parameters at 0x")],
@@ -228,8 +258,10 @@ class Gdb(unittest.TestCase):
         shapes = {"point": r"\((\d+|GONE), 2\)", "realPoint": r"\((\d+\.0|GONE), 2\.0\)",
                   "rect": r"\((\d+|GONE), (2|GONE)\) to \((3|GONE), (\d+|GONE)\)",
                   "spacePoint": r"\((\d+\.0|GONE), (2\.0|GONE), (3\.0|GONE)\)",
-                  "complex": r"(\d+\.0|GONE) \+ (2\.0|GONE)i", "color": r"RGB\((\d+|GONE),(2|GONE),(3|GONE)\)(, special GONE)?"}
-        answers, said = debugged([f"print {name}" for name in shapes], program=OPTIMIZED, trusted=pathlib.Path(BUILD) / "lib")
+                  "complex": r"(\d+\.0|GONE) \+ (2\.0|GONE)i",
+                  "color": r"RGB\((\d+|GONE),(2|GONE),(3|GONE)\)(, special GONE)?"}
+        answers, said = debugged([f"print {name}" for name in shapes], program=OPTIMIZED,
+                                 trusted=pathlib.Path(BUILD) / "lib")
         self.assertEqual(len(answers), len(shapes), said)
         for (name, shape), answer in zip(shapes.items(), answers):
             with self.subTest(name):
@@ -238,7 +270,8 @@ class Gdb(unittest.TestCase):
 
     def test_a_program_without_trust_shows_the_fields(self):
         answers, _ = debugged(["print ofLayer"], trusted="/nowhere")
-        self.assertEqual(plain(answers[0]), r"{red_ = 0 '\000', green_ = 0 '\000', blue_ = 0 '\000', special_ = 1 '\001'}")
+        self.assertEqual(plain(answers[0]),
+                         r"{red_ = 0 '\000', green_ = 0 '\000', blue_ = 0 '\000', special_ = 1 '\001'}")
 
     def test_an_installed_tree_loads_by_itself(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -256,8 +289,9 @@ class Gdb(unittest.TestCase):
                            env={**os.environ, "DESTDIR": folder})
             name = pathlib.Path(LIBRARY).resolve().name
             library = next(path for path in pathlib.Path(folder).rglob(name))
+            expected = library.relative_to(folder).with_name(name + "-gdb.py")
             self.assertEqual([path.relative_to(folder) for path in pathlib.Path(folder).rglob("*-gdb.py")],
-                             [pathlib.Path("usr/share/gdb/auto-load") / library.relative_to(folder).with_name(name + "-gdb.py")])
+                             [pathlib.Path("usr/share/gdb/auto-load") / expected])
 
     def test_the_page_shows_this_session(self):
         text = PAGE.read_text()
@@ -271,10 +305,11 @@ class Natvis(unittest.TestCase):
                 "Expand": ["Item", "ArrayItems", "LinkedListItems", "ExpandedItem"],
                 "ArrayItems": ["Direction", "Rank", "Size", "ValuePointer"],
                 "LinkedListItems": ["HeadPointer", "NextPointer", "ValueNode"]}
-    ATTRIBUTES = {"Type": {"Name"}, "Item": {"Name", "Condition"}, "DisplayString": {"Condition"}, "StringView": {"Condition"},
-                  "ArrayItems": {"Condition"}}
+    ATTRIBUTES = {"Type": {"Name"}, "Item": {"Name", "Condition"}, "DisplayString": {"Condition"},
+                  "StringView": {"Condition"}, "ArrayItems": {"Condition"}}
     # One class for each template.
-    TEMPLATES = {"tPair<*>": "tPair<int, int>", "karListHeadTyped<*>": "karListHeadTyped<karStringList, karListHeadObject>"}
+    TEMPLATES = {"tPair<*>": "tPair<int, int>",
+                 "karListHeadTyped<*>": "karListHeadTyped<karStringList, karListHeadObject>"}
     NODES = {"karPageMemory": "karPage", "karVarPageMemory": "karVarPage"}
     WORDS = {"this", "int", "void", "s", "i", "T1"}
 
@@ -330,8 +365,8 @@ class Natvis(unittest.TestCase):
             for expression, of_node in self.expressions(one):
                 for word in re.findall(r"(?<![\w])[A-Za-z_]\w*", expression):
                     with self.subTest(f"{name}: {word} in {expression}"):
-                        known = {*members[node if of_node else classes[name]], *members["karMemory"], *asked, *self.WORDS}
-                        self.assertIn(word, known)
+                        own = members[node if of_node else classes[name]]
+                        self.assertIn(word, {*own, *members["karMemory"], *asked, *self.WORDS})
 
 
 def session():
