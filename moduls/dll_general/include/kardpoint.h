@@ -163,7 +163,7 @@ public:
     /// \{
     karD_Point() = default;                                        ///< (0, 0).
     karD_Point(double v) : RealPlanePair(v, v) {}                  ///< (v, v).
-    karD_Point(double a, double b) : RealPlanePair(a, b) {}        ///< x `a`, y `b`.
+    karD_Point(double a, double b) : RealPlanePair(a, b) {}        ///< x is `a`, y is `b`.
     karD_Point(const karD_Point &) = default;                      ///< Copies x and y.
     karD_Point(const karPoint &p) : RealPlanePair(p.x(), p.y()) {} ///< Exact.
     /// The placed copy of `p`: see `karparamblock.h`.

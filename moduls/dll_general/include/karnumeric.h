@@ -3,6 +3,7 @@
 #ifndef KAR_NUMERIC_H
 #define KAR_NUMERIC_H
 
+/// What the headers share. A host may use it too.
 namespace kar {
 
 /// Decides that a length or a difference is zero.

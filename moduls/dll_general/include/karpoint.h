@@ -162,7 +162,7 @@ public:
     /// \{
     karPoint() = default;                              ///< (0, 0).
     karPoint(int v) : IntegerPlanePair(v, v) {}        ///< (v, v).
-    karPoint(int a, int b) : IntegerPlanePair(a, b) {} ///< x `a`, y `b`.
+    karPoint(int a, int b) : IntegerPlanePair(a, b) {} ///< x is `a`, y is `b`.
     karPoint(const karPoint &) = default;              ///< Copies x and y.
     /// The placed copy of `p`: see `karparamblock.h`.
     KAR_API karPoint(const karPoint &p, const karParamBlock *block);
