@@ -135,13 +135,14 @@ int main(int argc, char **argv)
     if (const auto status = readOptions(argc, argv, options))
         return *status;
     console.setLoudness(options.loudness);
+    const std::string source = options.path == "-" ? std::string(text("standard input")) : options.path;
     try {
         return run(options, console);
     } catch (const DrawingError &error) {
-        errorText(0, "%s: %s", options.path.c_str(), error.what());
+        errorText(0, "%s: %s", source.c_str(), error.what());
         return ExitUnreadable;
     } catch (const std::bad_alloc &) {
-        errorText(0, "%s: %s", options.path.c_str(), static_cast<const char *>(text("is too large for the memory")));
+        errorText(0, "%s: %s", source.c_str(), static_cast<const char *>(text("is too large for the memory")));
         return ExitUnreadable;
     } catch (const OutputError &error) {
         console.clearBar();

@@ -202,6 +202,11 @@ void exclude(const CLI::App &app, const char *one, const char *other)
 
 void evaluate(const CLI::App &app, const Words &words, Options &options)
 {
+    if (options.path.empty())
+        throw UseError(text("which drawing? FILE is missing"));
+    for (const char *file : {"--svg", "--dxf", "--json", "--csv", "--text"})
+        if (app.count(file) != 0 && app[file]->as<std::string>().empty())
+            throw UseError(textOf("%s: needs one value", file));
     exclude(app, "--fillet", "--chamfer");
     exclude(app, "--quiet", "--verbose");
     if (app.count("--lang") != 0 && words.language != "en" && words.language != "de")

@@ -1,5 +1,7 @@
 #include "savefile.h"
 
+#include "texts.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -136,7 +138,8 @@ void saveWhole(const std::string &path, const std::string &content)
         if (file && !standardOutput)
             std::fclose(file);
         if (!written)
-            throw OutputError(path + ": " + std::strerror(error));
+            throw OutputError((standardOutput ? std::string(text("standard output")) : path) + ": " +
+                              std::strerror(error));
         return;
     }
     SaveFile file(path);

@@ -29,6 +29,8 @@ constexpr Entry german[] = {
     {"Blocks: %d with %d entities", "Blöcke: %d mit %d Elementen"},
     {"Memory: %ld allocations, %ld heap blocks of %ld bytes now, large blocks %ld bytes now and %ld at most",
      "Speicher: %ld Anforderungen, jetzt %ld Heapblöcke mit %ld Bytes, große Blöcke jetzt %ld Bytes, höchstens %ld"},
+    {"standard input", "Standardeingabe"},
+    {"standard output", "Standardausgabe"},
     {"is a directory", "ist ein Verzeichnis"},
     {"the report can't be written", "der Bericht ist nicht schreibbar"},
     {"can't be written", "ist nicht schreibbar"},
