@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the sample program as a user would: drawing_test.py PROGRAM FAULTS [unittest arguments]. FAULTS is a library of faults."""
+"""Runs the sample program as a user would: drawing_test.py PROGRAM FAULTS [unittest arguments]. FAULTS is a library
+of faults."""
 import csv
 import json
 import math
