@@ -61,7 +61,7 @@ karTransformationInfo transformation(const std::string &value)
         info.SetTranslate(move[0], move[1], 0.0);
     } else if (const auto turn = numbers(rest, 1, 1); name == "rotate" && !turn.empty()) {
         const double angle = turn[0] * (pi / 180);
-        if (std::fabs(angle) > largestAngle) // the library brings an angle into range turn by turn
+        if (std::fabs(angle) > largestAngle) // beyond, rounding shows
             refuse(option, value, "an angle of up to 1e6 radians");
         info.SetRotateZ(angle);
     } else if (const auto scale = numbers(rest, 1, 2); name == "scale" && !scale.empty()) {

@@ -107,13 +107,13 @@ void alternate(benchmark::State &state, const Allocator &allocator)
 using Churn = void (*)(benchmark::State &, const Allocator &, unsigned, unsigned, std::size_t);
 
 /// `count` live blocks of `low` to `high` bytes; about `pairs` releases and allocations in all.
-void addChurn(const std::string &name, const Allocator &allocator, const char *rule, Churn churn, unsigned low,
-              unsigned high, std::size_t count, std::size_t pairs)
+void addChurn(const std::string &name, const Allocator &allocator, const char *rule, const char *limit, Churn churn,
+              unsigned low, unsigned high, std::size_t count, std::size_t pairs)
 {
     const std::size_t perIteration = churn == replaceNewest ? count - count / 2 : batch;
     benchmark::RegisterBenchmark(rowOf(name, count, allocator).c_str(), [=](benchmark::State &state) {
         churn(state, allocator, low, high, count);
-        labelOurs(state, allocator, rule);
+        labelOurs(state, allocator, rule, limit);
     })->Iterations(static_cast<benchmark::IterationCount>(std::max<std::size_t>(pairs / perIteration, 1)));
 }
 
@@ -122,19 +122,25 @@ void addChurn(const std::string &name, const Allocator &allocator, const char *r
 int main(int argc, char **argv)
 {
     const std::vector<Allocator> allocators = allAllocators();
-    for (const Allocator &allocator : allocators)
+    std::vector<Allocator> small = allocators;
+    small.push_back({"limit", classAllocate, classRelease});
+    std::vector<Allocator> large = allocators;
+    large.push_back({"limit", heapAllocate, heapRelease});
+    const char *const smallRule = "size classes, guards at both ends, the first one read at the release";
+    const char *const smallLimit = "mimalloc with these classes and guards";
+    for (const Allocator &allocator : small) {
         for (const std::size_t count : {1000u, 100000u, 1000000u}) {
-            addChurn("Small/random", allocator, nullptr, replaceAny, 1, 992, count, 2000000);
-            addChurn("Small/fifo", allocator, nullptr, replaceOldest, 1, 992, count, 2000000);
-            addChurn("Small/lifo", allocator, nullptr, replaceNewest, 1, 992, count, 2000000);
+            addChurn("Small/random", allocator, smallRule, smallLimit, replaceAny, 1, 992, count, 2000000);
+            addChurn("Small/fifo", allocator, smallRule, smallLimit, replaceOldest, 1, 992, count, 2000000);
+            addChurn("Small/lifo", allocator, smallRule, smallLimit, replaceNewest, 1, 992, count, 2000000);
         }
-    for (const Allocator &allocator : allocators)
         for (const std::size_t count : {1000u, 1000000u}) // 10 and 10,000 pages
-            addChurn("Pages/random", allocator, nullptr, replaceAny, 992, 992, count, 2000000);
-    for (const Allocator &allocator : allocators)
+            addChurn("Pages/random", allocator, smallRule, smallLimit, replaceAny, 992, 992, count, 2000000);
+    }
+    for (const Allocator &allocator : large)
         for (const std::size_t count : {1000u, 10000u, 60000u})
-            addChurn("Tracked/random", allocator, "the C library's heap below, guards at both ends", replaceAny, 1024,
-                     65536, count, 200000);
+            addChurn("Tracked/random", allocator, "the C library's heap below, guards at both ends, a record",
+                     "malloc with these guards", replaceAny, 1024, 65536, count, 200000);
     for (const Allocator &allocator : allocators)
         benchmark::RegisterBenchmark(rowOf("Alternating", 1, allocator).c_str(), [=](benchmark::State &state) {
             alternate(state, allocator);

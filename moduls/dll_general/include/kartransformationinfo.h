@@ -78,7 +78,7 @@ public:
     karTransformationInfo &SetScaleZ(double v) { return set(scale.z, v); }
     /// The angle is brought into [0, 2*pi] by whole turns of 6.283185307179586, both ends included: 6.283185307179586
     /// itself stays. An angle so large that a turn no longer changes it stays too.
-    /// Note: this goes turn by turn, so a large angle takes long.
+    /// Note: each turn is rounded for itself, so a large angle keeps the sum of the roundings. It takes no longer.
     karTransformationInfo &SetRotateX(double v) { return set(rotate.x, _CheckAngleRange(v)); }
     karTransformationInfo &SetRotateY(double v) { return set(rotate.y, _CheckAngleRange(v)); } ///< \overload
     karTransformationInfo &SetRotateZ(double v) { return set(rotate.z, _CheckAngleRange(v)); } ///< \overload

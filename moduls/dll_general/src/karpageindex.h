@@ -5,6 +5,7 @@
 #include "addresstable.h"
 #include "karmem.h"
 
+#include <algorithm>
 #include <new>
 
 namespace kar {
@@ -20,6 +21,14 @@ inline unsigned lowestBit(std::uint64_t word)
         ++bit;
     return bit;
 #endif
+}
+
+/// `first` if `condition` holds, otherwise `second`, without a branch: for conditions that chance decides.
+inline void *choose(bool condition, void *first, void *second)
+{
+    const std::uintptr_t mask = 0 - static_cast<std::uintptr_t>(condition);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): one of the two
+    return reinterpret_cast<void *>((addressOf(first) & mask) | (addressOf(second) & ~mask));
 }
 
 /// A page by a piece of the address space that its storage meets. All pieces of a table have one size.
@@ -46,6 +55,7 @@ public:
     }
 
     bool complete() const { return !gaveUp; }
+    bool fewPages() const { return height == 1; }
     karPage *firstWithRoom() const { return room; }
     int pages() const { return pageCount; }
 
@@ -76,7 +86,7 @@ public:
     void remove(karPage &page)
     {
         if (!gaveUp) {
-            lostRoom(page);
+            lostRoom(page.state.slot);
             removeStretches(slots[page.state.slot]);
             slots[page.state.slot] = Slot{};
         }
@@ -87,42 +97,61 @@ public:
         }
     }
 
-    /// A full page has a free element again.
+    /// An element of the page has been released, the only free one if `first`. Where the pages are few, and their
+    /// memory near, a branch on what chance decides would cost more than the work, here and in `tookElement`.
+    void gotElement(karPage &page)
+    {
+        const unsigned slot = page.state.slot;
+        *bits[0] |= bitOf(slot);
+        room = static_cast<karPage *>(choose(slot < roomSlot, &page, room));
+        roomSlot = std::min(slot, roomSlot);
+    }
+
+    /// An element of the page has been taken, the last free one if `full`.
+    void tookElement(karPage &page, bool full)
+    {
+        const unsigned slot = page.state.slot;
+        const std::uint64_t word = *bits[0] & ~(std::uint64_t(full) << slot % 64);
+        *bits[0] = word;
+        const unsigned lowest = lowestBit(word | (word == 0));
+        room = static_cast<karPage *>(choose(word, slots[lowest].page, nullptr));
+        roomSlot = lowest | (0u - static_cast<unsigned>(word == 0)); // noSlot without any
+    }
+
+    /// The page has a free element again.
     void gotRoom(karPage &page)
     {
-        if (gaveUp)
-            return;
         unsigned position = page.state.slot;
         for (unsigned level = 0; level < height; ++level, position /= 64) {
             const std::uint64_t before = bits[level][position / 64];
-            bits[level][position / 64] = before | std::uint64_t(1) << position % 64;
+            bits[level][position / 64] = before | bitOf(position);
             if (before)
                 break; // the levels above know of the word
         }
-        if (!room || page.state.slot < room->state.slot)
+        if (height > 0 && page.state.slot < roomSlot) {
             room = &page;
+            roomSlot = page.state.slot;
+        }
     }
 
-    /// The page is full now, or goes.
-    void lostRoom(karPage &page)
+    /// The page of the slot is full now, or goes.
+    void lostRoom(unsigned slot)
     {
-        if (gaveUp)
-            return;
-        unsigned position = page.state.slot;
+        unsigned position = slot;
         for (unsigned level = 0; level < height; ++level, position /= 64) {
-            bits[level][position / 64] &= ~(std::uint64_t(1) << position % 64);
+            bits[level][position / 64] &= ~bitOf(position);
             if (bits[level][position / 64])
                 break;
         }
-        if (room == &page)
-            room = lowest();
+        if (slot == roomSlot)
+            findRoom();
     }
 
     /// Forgets what it knows of the pages; their chain is walked from now on.
     void giveUp()
     {
         gaveUp = true;
-        room = nullptr;
+        noRoom();
         for (unsigned i = 0; i < used; ++i)
             if (slots[i].page)
                 removeStretches(slots[i]);
@@ -143,14 +172,26 @@ private:
     static constexpr unsigned levels = 5; // 64 to the power of 5 pages
     static constexpr unsigned firstCapacity = 64;
 
-    karPage *lowest() const
+    static constexpr unsigned noSlot = ~0u;
+
+    void noRoom()
     {
+        room = nullptr;
+        roomSlot = noSlot;
+    }
+
+    static std::uint64_t bitOf(unsigned position) { return std::uint64_t(1) << position % 64; }
+
+    void findRoom()
+    {
+        noRoom();
         if (height == 0 || !*bits[height - 1])
-            return nullptr;
+            return;
         unsigned position = 0;
         for (unsigned level = height; level-- > 0;)
             position = position * 64 + lowestBit(bits[level][position]);
-        return slots[position].page;
+        room = slots[position].page;
+        roomSlot = position;
     }
 
     bool addSlot(karPage &page)
@@ -205,7 +246,7 @@ private:
         used = next;
         capacity = newCapacity;
         std::free(old);
-        room = nullptr;
+        noRoom();
         for (unsigned i = 0; i < used; ++i)
             if (slots[i].page->firstFreeElement_)
                 gotRoom(*slots[i].page);
@@ -263,6 +304,7 @@ private:
     }
 
     karPage *room = nullptr; // the first page with a free element
+    unsigned roomSlot = noSlot;
     unsigned smallShift = 0;
     AddressTable<PageStretch> smallPages;
     std::uint64_t *bits[levels] = {}; // bit i of a level: word i of the level below isn't 0; at level 0 slot i has room

@@ -33,7 +33,7 @@ struct PoolAccess {
     static bool holdsLinks(const karPage &page, const void *p)
     {
         const std::uintptr_t start = addressOf(page.firstPageElement_);
-        return start && addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1);
+        return (start != 0) & (addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1));
     }
 
     static bool isElement(const karPage &page, const void *p)
@@ -49,8 +49,13 @@ struct PoolAccess {
     {
         if (p == page.firstFreeElement_)
             return true;
+        return holdsLinks(page, FreeLinks::read(p).prev) && isLinked(page, p);
+    }
+
+    [[gnu::noinline]] static bool isLinked(const karPage &page, void *p)
+    {
         const FreeLinks links = FreeLinks::read(p);
-        if (!holdsLinks(page, links.prev) || FreeLinks::read(links.prev).next != p)
+        if (FreeLinks::read(links.prev).next != p)
             return false;
         if (links.next && !(holdsLinks(page, links.next) && FreeLinks::read(links.next).prev == p))
             return false;
@@ -74,21 +79,30 @@ struct PoolAccess {
         void *const element = page.firstFreeElement_;
         void *const next = FreeLinks::read(element).next;
         page.elementUsed_ = page.elementUsed_ < 1 ? 1 : page.elementUsed_ + 1;
-        if (next && holdsLinks(page, next)) {
+        const bool more = holdsLinks(page, next);
+        PageIndex *const index = page.state.index;
+        if (index && index->fewPages()) {
+            FreeLinks nowhere;
+            FreeLinks::writePrev(choose(more, next, &nowhere), nullptr);
+            page.firstFreeElement_ = static_cast<karFreeElement *>(choose(more, next, nullptr));
+            index->tookElement(page, !more);
+        } else if (more) {
             FreeLinks::writePrev(next, nullptr);
             page.firstFreeElement_ = static_cast<karFreeElement *>(next);
         } else {
             page.firstFreeElement_ = nullptr;
-            if (page.state.index)
-                page.state.index->lostRoom(page);
+            if (index)
+                index->lostRoom(page.state.slot);
         }
         return element;
     }
 
     /// `karPage::deleteElement`; true if the page is empty now.
-    [[gnu::always_inline]] static inline bool give(karPage &page, void *p)
+    static bool give(karPage &page, void *p) { return give(page, p, isElement(page, p)); }
+
+    /// The same for an address that is known to be the start of an element or not.
+    [[gnu::always_inline]] static inline bool give(karPage &page, void *p, bool element)
     {
-        const bool element = isElement(page, p);
         if (element && isFree(page, p))
             return false;
         page.elementUsed_ = page.elementUsed_ < 1 ? 0 : page.elementUsed_ - 1;
@@ -96,10 +110,16 @@ struct PoolAccess {
             karFreeElement *const head = page.firstFreeElement_;
             FreeLinks{head, nullptr}.write(p);
             page.firstFreeElement_ = static_cast<karFreeElement *>(p);
-            if (head)
+            PageIndex *const index = page.state.index;
+            if (index && index->fewPages()) {
+                FreeLinks nowhere;
+                FreeLinks::writePrev(choose(head, head, &nowhere), p);
+                index->gotElement(page);
+            } else if (head) {
                 FreeLinks::writePrev(head, p);
-            else if (page.state.index)
-                page.state.index->gotRoom(page);
+            } else if (index) {
+                index->gotRoom(page);
+            }
         }
         return page.elementUsed_ == 0;
     }
@@ -120,12 +140,13 @@ struct PoolAccess {
         return give(pool, index ? index->find(p) : nullptr, p);
     }
 
-    /// The same, with the page that probably holds `p`.
+    /// The same, with the page whose storage holds `p`, null if that isn't known.
     static bool give(karPageMemory &pool, karPage *page, void *p)
     {
         if (!page || page->state.index != pool.state.index)
             return giveSlowly(pool, p);
-        if (give(*page, p))
+        const std::uintptr_t offset = addressOf(p) - addressOf(page->firstPageElement_);
+        if (give(*page, p, page->state.startsElement(offset)))
             pool.deletePage(page);
         return true;
     }
