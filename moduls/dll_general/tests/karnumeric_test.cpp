@@ -29,6 +29,9 @@ TEST(KarNumeric, LeavesIntMinWhereItsOppositeHasNoRoom)
     EXPECT_EQ(kar::wrapAbs(7), 7);
     EXPECT_EQ(kar::wrapDiv(INT_MIN, -1), INT_MIN);
     EXPECT_EQ(kar::wrapRem(INT_MIN, -1), 0);
+    volatile int minusOne = -1; // that the compiler doesn't know
+    EXPECT_EQ(kar::wrapDiv(INT_MIN, minusOne), INT_MIN);
+    EXPECT_EQ(kar::wrapRem(INT_MIN, minusOne), 0);
 }
 
 TEST(KarNumeric, TruncatesAQuotientTowardsZero)
