@@ -257,7 +257,8 @@ public:
 
 /// Break, progress and messages of an operation. A client makes one, or a class of its own from it, and hands it to any
 /// number of filters.
-/// Note: without memory for the percentage or the messages their pointer is null, and the operations that use it fault.
+/// Note: without memory for the percentage or the messages their pointer is null. The operations that use it then store
+/// nothing and give 0 or null, also where a present percentage would give -1.
 class KAR_API karCtrl {
 public:
     KAR_LIBRARY_NEW
@@ -299,8 +300,8 @@ protected:
 
 /// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every operation
 /// goes to the controller's virtual one, of the same name where no other is told.
-/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`; every operation that goes
-/// to the controller then faults.
+/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`. Every operation that goes
+/// to the controller then stores nothing and gives false, 0 or null.
 class KAR_API karFilter {
 public:
     /// Uses the controller of the client or, with null, makes and owns one.
@@ -317,30 +318,61 @@ public:
 
     /// \name Break
     /// \{
-    bool isBreak() { return ctrl->isBreak(); }
+    bool isBreak() { return ctrl && ctrl->isBreak(); }
     void setBreak(bool on); ///< `SetBreak` or `ResetBreak`.
-    BreakState getBreak() { return ctrl->getBreak(); }
+    BreakState getBreak() { return ctrl ? ctrl->getBreak() : BreakNone; }
     /// \}
 
     /// \name Progress
     /// \{
-    void resetPercent() { ctrl->resetPercent(); }
-    void setGlobalPercent(int value) { ctrl->setGlobalPercent(value); }
-    int getGlobalPercent() { return ctrl->getGlobalPercent(); }
-    void setPercent(int value) { ctrl->setLayerPercent(value); } ///< Note: that of the innermost layer.
-    int getPercent() { return ctrl->getLayerPercent(); }         ///< Note: that of the innermost layer.
-    void addPercentLayer() { ctrl->addPercentLayer(); }
-    void removePercentLayer() { ctrl->removePercentLayer(); }
-    void setPercentStartEnd(int start, int end) { ctrl->setPercentStartEnd(start, end); }
+    void resetPercent()
+    {
+        if (ctrl)
+            ctrl->resetPercent();
+    }
+    void setGlobalPercent(int value)
+    {
+        if (ctrl)
+            ctrl->setGlobalPercent(value);
+    }
+    int getGlobalPercent() { return ctrl ? ctrl->getGlobalPercent() : 0; }
+    void setPercent(int value) ///< Note: that of the innermost layer.
+    {
+        if (ctrl)
+            ctrl->setLayerPercent(value);
+    }
+    int getPercent() { return ctrl ? ctrl->getLayerPercent() : 0; } ///< Note: that of the innermost layer.
+    void addPercentLayer()
+    {
+        if (ctrl)
+            ctrl->addPercentLayer();
+    }
+    void removePercentLayer()
+    {
+        if (ctrl)
+            ctrl->removePercentLayer();
+    }
+    void setPercentStartEnd(int start, int end)
+    {
+        if (ctrl)
+            ctrl->setPercentStartEnd(start, end);
+    }
     /// \}
 
     /// \name Messages
     /// \{
-    karMessage *getMessageList() { return ctrl->getMessageList(); }
-    karMessageBase *addMessage(EnumMessageID id, int paramCount) { return ctrl->addMessage(id, paramCount); }
-    karMessageBase *getMessage() { return ctrl->getMessage(); }
-    karMessageBase *getMessage(EnumMessageID id) { return ctrl->getMessage(id); }
-    void removeMessage(karMessageBase *message) { ctrl->removeMessage(message); }
+    karMessage *getMessageList() { return ctrl ? ctrl->getMessageList() : nullptr; }
+    karMessageBase *addMessage(EnumMessageID id, int paramCount)
+    {
+        return ctrl ? ctrl->addMessage(id, paramCount) : nullptr;
+    }
+    karMessageBase *getMessage() { return ctrl ? ctrl->getMessage() : nullptr; }
+    karMessageBase *getMessage(EnumMessageID id) { return ctrl ? ctrl->getMessage(id) : nullptr; }
+    void removeMessage(karMessageBase *message)
+    {
+        if (ctrl)
+            ctrl->removeMessage(message);
+    }
     /// \}
 
 protected:
