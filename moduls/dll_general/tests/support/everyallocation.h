@@ -211,7 +211,7 @@ TEST_P(EveryAllocation, FailsAloneOrWithThoseAfterIt)
     const Operation &operation = GetParam();
     const Unpooled mark;
     EXPECT_EQ(triedNormally(), operation.normal);
-    EXPECT_EQ(static_cast<std::size_t>(refusedHeap.requests), operation.oneFails.size());
+    EXPECT_EQ(refusedHeap.requests, operation.oneFails.size());
     for (unsigned n = 1; n <= operation.oneFails.size(); ++n)
         for (const bool onwards : {false, true}) {
             SCOPED_TRACE(std::to_string(n) + (onwards ? " and all after it" : " alone"));
@@ -229,7 +229,7 @@ TEST_P(EveryAllocation, FailsForWantOfPagesTablesAndRecords)
     EXPECT_EQ(triedNormally(), operation.normal);
     for (const bool onwards : {false, true}) {
         bool happened = true;
-        for (long n = 1; happened; ++n) {
+        for (unsigned n = 1; happened; ++n) {
             SCOPED_TRACE(std::to_string(n) + (onwards ? " and all after it" : " alone"));
             refusedHeap.start(n, onwards, false);
             Span span;

@@ -28,15 +28,15 @@
 struct RefusedHeap {
     bool armed = false;
     bool blocksAlone = false; ///< Cleared memory, which the tables behind the pools take, is granted and not counted.
-    long first = 0;           ///< The request refused first, from 1 on; 0 for none.
+    unsigned first = 0;       ///< The request refused first, from 1 on; 0 for none.
     bool onwards = false;     ///< All that follow are refused too.
 
-    long requests = 0; ///< Since the start of the plan.
-    long refused = 0;
+    unsigned requests = 0; ///< Since the start of the plan.
+    unsigned refused = 0;
     void *granted[4096] = {}; ///< Blocks that the library got.
     unsigned grantedCount = 0;
 
-    void start(long refusedFirst, bool andOnwards, bool ofBlocksAlone)
+    void start(unsigned refusedFirst, bool andOnwards, bool ofBlocksAlone)
     {
         first = refusedFirst;
         onwards = andOnwards;
