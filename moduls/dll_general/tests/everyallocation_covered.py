@@ -13,6 +13,10 @@ import tempfile
 # Where requests leave the library.
 SYSTEM = ("malloc@plt", "calloc@plt", "realloc@plt")
 
+# What a release may ask for, to shrink a table or to index the records: it does without. And the nodes of free runs,
+# which are placed in the runs themselves.
+SPARED = re.compile(r"AddressTable.*5erase|9karMemory19search_memory_entry|_ZN17karFreeVarElementnw")
+
 
 def lines(*command):
     return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout.splitlines()
@@ -42,7 +46,7 @@ def allocating(found):
     reached, open_ends = set(), list(SYSTEM)
     while open_ends:
         for caller in callers.get(open_ends.pop(), ()):
-            if caller not in reached:
+            if caller not in reached and not SPARED.search(caller):
                 reached.add(caller)
                 open_ends.append(caller)
     return reached
@@ -63,7 +67,9 @@ def refused(tests):
     with tempfile.TemporaryDirectory() as folder:
         for number, test in enumerate(tests):
             path = os.path.join(folder, str(number))
-            subprocess.run([test, "--gtest_brief=1"], check=True, env=dict(os.environ, KAR_REFUSED_LIST=path))
+            # Walking the stack loads a library, which the leak sanitizer takes for a leak.
+            environment = dict(os.environ, KAR_REFUSED_LIST=path, ASAN_OPTIONS="detect_leaks=0")
+            subprocess.run([test, "--gtest_brief=1"], check=True, stdout=subprocess.DEVNULL, env=environment)
             with open(path, encoding="ascii") as names:
                 functions.update(names.read().split())
     return functions

@@ -59,11 +59,12 @@ struct Operation {
     std::vector<const char *> restFails;
     enum Kind {
         usual,
-        large, ///< Blocks above 992 bytes: one that has lost its record stays allocated when it is released.
+        large, ///< Blocks above 992 bytes and fixed pages, which come from the heap. A block that has lost its record stays
+            ///< allocated when it is released.
         direct ///< Blocks of the system's heap, which no count of blocks limits.
     } kind = usual;
 
-    std::string withAll() const { return (restFails.empty() ? oneFails : restFails).front(); }
+    std::string withAll() const { return oneFails.empty() ? normal : withRest(1); }
     std::string withRest(unsigned n) const { return (restFails.empty() ? oneFails : restFails)[n - 1]; }
 };
 
@@ -246,7 +247,7 @@ TEST_P(EveryAllocation, FailsForWantOfPagesTablesAndRecords)
 TEST_P(EveryAllocation, FailsInAFullSizeClass)
 {
     const Operation &operation = GetParam();
-    const unsigned last = operation.kind == Operation::large ? 6 : 100; // a large block itself reaches the limit
+    const unsigned last = operation.kind == Operation::large ? 6 : 100; // such a block reaches the limit itself
     bool happened = true;
     for (unsigned n = 1; happened && n <= last; ++n) {
         SCOPED_TRACE(n);
