@@ -307,7 +307,7 @@ const Operation records[] = {
      "8 bytes, known",
      {"8 bytes, known", "8 bytes, known", "8 bytes, known"},
      {"8 bytes, unknown", "8 bytes, unknown", "8 bytes, known"},
-     Operation::large},
+     Operation::record},
     {"OfAFile", opened, "tracked", {"not tracked"}, {}},
     {"FileRecord", fileRecord, "4", {"null"}, {}},
     {"BlockRecord", blockRecord, "4", {"null"}, {}},

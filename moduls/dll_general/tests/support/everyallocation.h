@@ -59,14 +59,20 @@ struct Operation {
     std::vector<const char *> restFails;
     enum Kind {
         usual,
-        large, ///< Blocks above 992 bytes and fixed pages, which come from the heap. A block that has lost its record stays
-            ///< allocated when it is released.
-        direct ///< Blocks of the system's heap, which no count of blocks limits.
+        large,  ///< Blocks above 992 bytes and fixed pages, which come from the heap. Once a large block has lost its
+                ///< record, it stays allocated when it is released.
+        record, ///< A record, which never goes back if the pool of records had no room for it.
+        direct  ///< Blocks of the system's heap, which no count of blocks limits.
     } kind = usual;
 
     std::string withAll() const { return oneFails.empty() ? normal : withRest(1); }
     std::string withRest(unsigned n) const { return (restFails.empty() ? oneFails : restFails)[n - 1]; }
 };
+
+inline bool takesFromHeap(const Operation &operation)
+{
+    return operation.kind == Operation::large || operation.kind == Operation::record;
+}
 
 inline void PrintTo(const Operation &operation, std::ostream *out) { *out << operation.name; }
 
@@ -166,7 +172,7 @@ protected:
         refusedHeap.grantedCount = 0;
         const std::string outcome = GetParam().run(span);
         const bool valid = globalMemList->isValid();
-        cleanUp(before.small == 0);
+        cleanUp(span.happened, before.small == 0);
         EXPECT_TRUE(valid);
         EXPECT_TRUE(globalMemList->isValid());
         EXPECT_EQ(Holdings(), before);
@@ -180,28 +186,34 @@ protected:
         return tried(span);
     }
 
-    // What stays as the headers tell: pages without storage; after a record that couldn't be had, the large blocks and
-    // their records, of which those from a size class never go back.
-    static void cleanUp(bool nothingSmall)
+    // What stays as the headers tell: pages without storage and, after a record that couldn't be had, large blocks and
+    // records from the general allocator.
+    static void cleanUp(bool refused, bool nothingSmall)
     {
-        if (GetParam().kind == Operation::large)
+        const bool tracked = globalMemList->getMarkMemListGlobal() != 0;
+        const bool losesBlocks = refused && GetParam().kind == Operation::large && tracked;
+        const bool losesRecords = refused && (losesBlocks || GetParam().kind == Operation::record);
+        if (losesBlocks)
             AllocatorPeek::dropRecords(*globalMemList);
         for (int number = 0; number < 11; ++number) {
             karPageMemory &pool = AllocatorPeek::pool(*globalMemList, number);
-            if (pool.getAnzElem() == 0 || (GetParam().kind == Operation::large && nothingSmall))
+            if (pool.getAnzElem() == 0 || (losesRecords && nothingSmall && number == 7))
                 pool.delete_all();
         }
-        if (GetParam().kind == Operation::large)
-            releaseUntracked();
+        if (losesBlocks)
+            releaseLost(1001, 0xffffffff);
+        if (losesRecords && !tracked)
+            releaseLost(sizeof(karMemory_Entry) + 8, sizeof(karMemory_Entry) + 8);
     }
 
-    static void releaseUntracked()
+    static void releaseLost(unsigned smallest, unsigned largest)
     {
         const Unpooled mark;
         for (unsigned i = 0; i < refusedHeap.grantedCount; ++i)
             for (unsigned offset = 0; offset < 32; ++offset) {
                 char *const block = static_cast<char *>(refusedHeap.granted[i]) + offset;
-                if (__MemorySize(block, 0) != 0)
+                const unsigned size = __MemorySize(block, 0);
+                if (size >= smallest && size <= largest)
                     KarDellocMemory(block + 4);
             }
     }
@@ -247,7 +259,7 @@ TEST_P(EveryAllocation, FailsForWantOfPagesTablesAndRecords)
 TEST_P(EveryAllocation, FailsInAFullSizeClass)
 {
     const Operation &operation = GetParam();
-    const unsigned last = operation.kind == Operation::large ? 6 : 100; // such a block reaches the limit itself
+    const unsigned last = takesFromHeap(operation) ? 6 : 100; // such a block reaches the limit itself
     bool happened = true;
     for (unsigned n = 1; happened && n <= last; ++n) {
         SCOPED_TRACE(n);
@@ -260,7 +272,7 @@ TEST_P(EveryAllocation, FailsInAFullSizeClass)
         }
         EXPECT_EQ(triedNormally(), operation.normal);
     }
-    EXPECT_TRUE(!happened || operation.kind == Operation::large);
+    EXPECT_TRUE(!happened || takesFromHeap(operation));
 }
 
 TEST_P(EveryAllocation, LeavesItsNeighboursAlone)
