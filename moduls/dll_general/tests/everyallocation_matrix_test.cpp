@@ -126,7 +126,7 @@ const Operation matrices[] = {
      {"2x2: none", "sum 0", "sum 0"},
      {}},
 };
-INSTANTIATE_TEST_SUITE_P(Matrices, EveryAllocation, ::testing::ValuesIn(matrices));
+INSTANTIATE_TEST_SUITE_P(Matrices, EveryAllocation, ::testing::ValuesIn(matrices), nameOf);
 
 constexpr const char *identity = "4x4: 1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1";
 constexpr const char *zero = "4x4: 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0";
@@ -165,6 +165,6 @@ const Operation transformations[] = {
     {"ScaleByParameters", TRANSFORMATION(info.GetScaleMatrix()), identity, {none}, {}},
     {"CutByParameters", TRANSFORMATION(info.GetCutMatrix()), identity, {none}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Transformations, EveryAllocation, ::testing::ValuesIn(transformations));
+INSTANTIATE_TEST_SUITE_P(Transformations, EveryAllocation, ::testing::ValuesIn(transformations), nameOf);
 
 } // namespace

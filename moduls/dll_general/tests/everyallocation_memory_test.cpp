@@ -86,7 +86,7 @@ const Operation blocks[] = {
     {"Array", array, "block", {"null"}, {}},
     {"ReleaseOfOneOfMany", oneOfManyTracked, "released", {}, {}, Operation::large},
 };
-INSTANTIATE_TEST_SUITE_P(Blocks, EveryAllocation, ::testing::ValuesIn(blocks));
+INSTANTIATE_TEST_SUITE_P(Blocks, EveryAllocation, ::testing::ValuesIn(blocks), nameOf);
 
 // -- Pages and pools
 
@@ -243,7 +243,7 @@ const Operation pools[] = {
     {"VariablePageAppended", pageAppended, "page", {"null", "no elements"}, {}},
     {"VariablePoolByNew", variablePoolByNew, "made", {"null"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Pools, EveryAllocation, ::testing::ValuesIn(pools));
+INSTANTIATE_TEST_SUITE_P(Pools, EveryAllocation, ::testing::ValuesIn(pools), nameOf);
 
 // -- Records
 
@@ -312,6 +312,6 @@ const Operation records[] = {
     {"FileRecord", fileRecord, "4", {"null"}, {}},
     {"BlockRecord", blockRecord, "4", {"null"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Records, EveryAllocation, ::testing::ValuesIn(records));
+INSTANTIATE_TEST_SUITE_P(Records, EveryAllocation, ::testing::ValuesIn(records), nameOf);
 
 } // namespace

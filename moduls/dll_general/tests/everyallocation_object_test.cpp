@@ -214,7 +214,7 @@ const Operation messages[] = {
      {"1 messages; null", "2 messages; 3: empty, empty, empty"},
      {}},
 };
-INSTANTIATE_TEST_SUITE_P(Messages, EveryAllocation, ::testing::ValuesIn(messages));
+INSTANTIATE_TEST_SUITE_P(Messages, EveryAllocation, ::testing::ValuesIn(messages), nameOf);
 
 // -- Progress and control
 
@@ -390,7 +390,7 @@ const Operation control[] = {
     {"ControllerResets", controllerChanged<&karCtrl::resetPercent>, "50", {"-1"}, {}},
     {"ControllerAddsAMessage", controllerGivenAMessage, stored, {"null", nothingStored}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Control, EveryAllocation, ::testing::ValuesIn(control));
+INSTANTIATE_TEST_SUITE_P(Control, EveryAllocation, ::testing::ValuesIn(control), nameOf);
 
 // -- Dispatch and tasks
 
@@ -475,7 +475,7 @@ const Operation dispatch[] = {
     {"Layer", objectMade<Layer>, "made", {"null"}, {}},
     {"ElementWithAPointer", objectMade<karPtrListObject>, "made", {"null"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Dispatch, EveryAllocation, ::testing::ValuesIn(dispatch));
+INSTANTIATE_TEST_SUITE_P(Dispatch, EveryAllocation, ::testing::ValuesIn(dispatch), nameOf);
 
 // -- Points
 
@@ -514,6 +514,6 @@ const Operation points[] = {
     {"NewPoint", pointMade<karPoint>, "made", {"null"}, {}},
     {"NewRealPoint", pointMade<karD_Point>, "made", {"null"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Points, EveryAllocation, ::testing::ValuesIn(points));
+INSTANTIATE_TEST_SUITE_P(Points, EveryAllocation, ::testing::ValuesIn(points), nameOf);
 
 } // namespace

@@ -53,7 +53,7 @@ const Operation makingTexts[] = {
     {"Copy", NEW_TEXT(source, 0u), "'and a text that is too long for it' 34/40", {"none 34/40"}, {}},
     {"Large", NEW_TEXT(twoThousand.c_str()), "2000 characters 2000/2016", {"none 2000/2016"}, {}, Operation::large},
 };
-INSTANTIATE_TEST_SUITE_P(MakingTexts, EveryAllocation, ::testing::ValuesIn(makingTexts));
+INSTANTIATE_TEST_SUITE_P(MakingTexts, EveryAllocation, ::testing::ValuesIn(makingTexts), nameOf);
 
 const Operation changingTexts[] = {
     {"Assign", ON_TEXT(s = source), "'and a text that is too long for it' 34/48", {"none 34/48"}, {}},
@@ -99,7 +99,7 @@ const Operation changingTexts[] = {
     {"Time", ON_TEXT(s.time(3661)), "'01:01:01' 8/104", {"none 8/104"}, {}},
     {"ColourName", ON_TEXT(vColorName::Conv(0x030201, s, 0)), "'RGB(1,2,3)' 10/104", {"none 10/104"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(ChangingTexts, EveryAllocation, ::testing::ValuesIn(changingTexts));
+INSTANTIATE_TEST_SUITE_P(ChangingTexts, EveryAllocation, ::testing::ValuesIn(changingTexts), nameOf);
 
 const Operation textsOfOthers[] = {
     {"Joined", TEXT_OF("ab,c", s &s), "'ab,cab,c' 8/24 of 'ab,c' 4/16", {"none 8/24 of 'ab,c' 4/16"}, {}},
@@ -134,7 +134,7 @@ const Operation textsOfOthers[] = {
      {"'RGB(1,2,3)' 10/104 of '' 0/16", "none 10/104 of '' 0/16"},
      {"none 10/104 of '' 0/16", "none 10/104 of '' 0/16"}},
 };
-INSTANTIATE_TEST_SUITE_P(TextsOfOthers, EveryAllocation, ::testing::ValuesIn(textsOfOthers));
+INSTANTIATE_TEST_SUITE_P(TextsOfOthers, EveryAllocation, ::testing::ValuesIn(textsOfOthers), nameOf);
 
 // -- Numbers of texts, date and time
 
@@ -165,7 +165,7 @@ const Operation conversions[] = {
     {"Date", clockText<GetLocalizedDate>, "8 of 8/24", {"0 of 8/24"}, {}},
     {"Time", clockText<GetLocalizedTime>, "8 of 8/24", {"0 of 8/24"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(Conversions, EveryAllocation, ::testing::ValuesIn(conversions));
+INSTANTIATE_TEST_SUITE_P(Conversions, EveryAllocation, ::testing::ValuesIn(conversions), nameOf);
 
 // -- The console
 
@@ -278,7 +278,7 @@ const Operation console[] = {
      {"none 1/16", "none 34/48", "none 34/48", "none 34/48"}},
     {"FileNameWithoutHost", fileNameWithoutHost, "'c' 1/16", {"'' 1/16", "none 1/16"}, {"none 1/16", "none 1/16"}},
 };
-INSTANTIATE_TEST_SUITE_P(Console, EveryAllocation, ::testing::ValuesIn(console));
+INSTANTIATE_TEST_SUITE_P(Console, EveryAllocation, ::testing::ValuesIn(console), nameOf);
 
 // -- Lists of texts
 
@@ -333,6 +333,6 @@ const Operation lists[] = {
     {"AppendText", ON_ELEMENT(element &= source), "'abcand a text that is too long for it' 37/40", {"none 37/40"}, {}},
     {"AppendPlain", ON_ELEMENT(element &= longer), "'abcand a text that is too long for it' 37/40", {"none 37/40"}, {}},
 };
-INSTANTIATE_TEST_SUITE_P(ListsOfTexts, EveryAllocation, ::testing::ValuesIn(lists));
+INSTANTIATE_TEST_SUITE_P(ListsOfTexts, EveryAllocation, ::testing::ValuesIn(lists), nameOf);
 
 } // namespace

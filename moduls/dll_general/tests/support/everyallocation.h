@@ -74,6 +74,7 @@ inline bool takesFromHeap(const Operation &operation)
     return operation.kind == Operation::large || operation.kind == Operation::record;
 }
 
+inline std::string nameOf(const ::testing::TestParamInfo<Operation> &info) { return info.param.name; }
 inline void PrintTo(const Operation &operation, std::ostream *out) { *out << operation.name; }
 
 /// What is held from the allocator and the system when everything has been released. Pages that have no storage stand in
