@@ -1,6 +1,7 @@
 #include "karvarmem.h"
 
 #include "karnumeric.h"
+#include "pagechain.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,6 +24,8 @@ void *placeAt(const void *base, std::int64_t bytes)
 std::uintptr_t behind(const karFreeVarElement *run) { return address(run->nextStart()); }
 
 } // namespace
+
+// ---- Free runs
 
 karFreeVarElement::karFreeVarElement(karFreeVarElement *run, int bytes)
 {
@@ -87,6 +90,8 @@ karFreeVarElement *karFreeVarElement::last() const
         run = following;
     return const_cast<karFreeVarElement *>(run);
 }
+
+// ---- Pages
 
 // The free runs in their order. A list that leads back to a run ends there (Brent's cycle test: the run is compared
 // with one that is renewed after 1, 2, 4, ... steps).
@@ -351,6 +356,8 @@ bool karVarPage::isValid() const
     return elementUsed_ >= 0 && bytes <= storageBytes();
 }
 
+// ---- Pool
+
 ObjektIdies karVarPageMemory::GetType() const { return KAR_ID_VAR_PAGE_MEMORY; }
 int karVarPageMemory::CanCast(ObjektIdies id) const { return id == KAR_ID_VAR_PAGE_MEMORY; }
 ObjektIdies karVarPageMemory::listType() const { return KAR_ID_VAR_PAGE_MEMORY; }
@@ -522,15 +529,8 @@ void karVarPageMemory::deletePage(karVarPage *page)
 {
     if (!page)
         return;
-    karVarPage *const before = page->prev();
-    karVarPage *const after = page->next();
-    if (firstPage == page)
-        firstPage = before ? before : after;
-    if (lastPage == page)
-        lastPage = after ? after : before;
-    if (currentPage == page)
-        currentPage = after ? after : before;
-    replaceCutOff(page, after);
+    kar::leadPast(*page, firstPage, lastPage, currentPage);
+    replaceCutOff(page, page->next());
     delete page;
 }
 
@@ -542,18 +542,8 @@ void karVarPageMemory::enterChain(karVarPage *page)
         replaceCutOff(page->first(), nullptr);
 }
 
-// The chain apart that begins with `page` begins with `replacement` from now on; null takes it off the list.
 void karVarPageMemory::replaceCutOff(const karVarPage *page, karVarPage *replacement)
 {
-    for (karVarPage **entry = &cutOff; *entry; entry = &(*entry)->nextCutOff) {
-        if (*entry != page)
-            continue;
-        if (replacement) {
-            replacement->nextCutOff = page->nextCutOff;
-            *entry = replacement;
-        } else {
-            *entry = page->nextCutOff;
-        }
-        return;
-    }
+    const auto link = [](karVarPage &first) -> karVarPage *& { return first.nextCutOff; };
+    kar::replaceChain(cutOff, page, replacement, link);
 }
