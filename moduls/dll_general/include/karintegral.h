@@ -1,4 +1,5 @@
-// Numerical integration, and the length of elliptical arcs.
+/// \file
+/// Numerical integration, and the length of elliptical arcs.
 #ifndef KAR_INTEGRAL_H
 #define KAR_INTEGRAL_H
 
