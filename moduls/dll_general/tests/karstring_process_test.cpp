@@ -48,7 +48,7 @@ unsigned sizeAfter(const char *format, Arguments... arguments)
 
 } // namespace
 
-// -- format ---------------------------------------------------------------------------------------------------------
+// ---- format
 
 TEST(KarString, FormatsAndGivesTheLength)
 {
@@ -365,7 +365,7 @@ TEST(KarString, WritesDurations)
     EXPECT_EQ(s == "00:00:00", 1);
 }
 
-// -- searchValue ----------------------------------------------------------------------------------------------------
+// ---- searchValue
 
 TEST(KarString, LooksUpTheFirstEqualRow)
 {
@@ -403,7 +403,7 @@ TEST(KarString, ATableWithoutRowsLeavesTheLengthUnknown)
     EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
-// -- Trimming -------------------------------------------------------------------------------------------------------
+// ---- Trimming
 
 TEST(KarString, TrimsTheStart)
 {
@@ -489,7 +489,7 @@ TEST(KarString, TrimsByASetThatLiesInTheText)
     EXPECT_TRUE(hasState(t, "", 0, 16));
 }
 
-// -- Mapping --------------------------------------------------------------------------------------------------------
+// ---- Mapping
 
 TEST(KarString, ChangesCaseInPlace)
 {
@@ -560,7 +560,7 @@ TEST(KarString, CountsCharacters)
     EXPECT_EQ(shortCopy().countchar('z'), 1);
 }
 
-// -- Searching by index ---------------------------------------------------------------------------------------------
+// ---- Searching by index
 
 TEST(KarString, SearchesForwardFromAnIndex)
 {
@@ -690,7 +690,7 @@ TEST(KarString, SearchesMeasureAMarkedText)
     EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
-// -- karstrtok ------------------------------------------------------------------------------------------------------
+// ---- karstrtok
 
 TEST(KarString, TakesTokensOffTheStart)
 {
@@ -755,7 +755,7 @@ TEST(KarString, TakesTokensOfATextPastItsCachedLength)
     EXPECT_TRUE(hasState(t, "", 0, 16));
 }
 
-// -- Date and time --------------------------------------------------------------------------------------------------
+// ---- Date and time
 
 namespace {
 
