@@ -16,8 +16,9 @@ struct karArrayT {
 
 /// \name Extents
 /// Ellipses are given by centre, semi-axes > 0 and rotation in radians; an arc also by start and end, values of the
-/// parameter, in [0, 2*pi). Coordinates that are not numbers don't move an extent. Formulas are evaluated from left to
-/// right: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r and s = sin r, ((b*b/(a*a))*D)*D with D = x - cx.
+/// parameter, in [0, 2*pi). Formulas are evaluated from left to right: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r
+/// and s = sin r, ((b*b/(a*a))*D)*D with D = x - cx.
+/// Note: coordinates that are not numbers don't move an extent.
 /// \{
 
 /// The box of the points.

@@ -36,6 +36,7 @@ public:
     /// \{
 
     /// A block for `size` bytes; null for size 0, with more than 64000 heap blocks, and without memory.
+    /// Note: that limit is asked first, so beyond it small blocks aren't to be had either, although they don't count.
     /// Note: 8 is added to `size` in 32 bits, so that a size from 0xfffffff8 on gives a block of the smallest class
     /// with the mark set. With the mark cleared it gives null.
     void *newMem(unsigned size);

@@ -42,7 +42,7 @@ public:
     double getScaleY() const { return scaleY_; }             ///< Factor of y, applied first.
     int getAngle() const { return angle_; }                  ///< In angle units.
     int getSlope() const { return slope_; }                  ///< In angle units.
-    int getMirror() const { return mirror_; }                ///< Stored and combined only; nothing is mirrored by it.
+    int getMirror() const { return mirror_; }                ///< Stored and combined. Note: nothing is mirrored by it.
     karColor getColor() const { return color_; }             ///< Carried along; `modify_point` doesn't ask for it.
     int getLayer() const { return layer_; }                  ///< Carried along, like the colour.
     /// \}

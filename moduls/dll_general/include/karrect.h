@@ -7,9 +7,9 @@
 
 #include <utility>
 
-/// A box of the pixel grid. Normalised it has left <= right and top <= bottom: y grows downwards. The right and the
-/// bottom edge belong to it, yet its width is right - left. Nothing but the ordering constructors and `init`
-/// normalises it. Arithmetic wraps at 32 bits.
+/// A box of the pixel grid. Normalised it has left <= right and top <= bottom: y grows downwards. Nothing but the
+/// ordering constructors and `init` normalises it. Arithmetic wraps at 32 bits.
+/// Note: the right and the bottom edge belong to it, yet its width is right - left.
 class karRect {
 public:
     /// \name Construction
