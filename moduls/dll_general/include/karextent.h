@@ -27,8 +27,7 @@ KAR_API karD_Rect CalculateBoundingRect(const karArrayT<karD_Point> &points);
 
 /// The box of a whole ellipse. Exact where the rotation is a multiple of pi/2 up to 2*pi, within 1e-50.
 /// Note: elsewhere it is the box of 361 samples one degree apart, which lies inside the true extent: by up to 3.8e-5 of
-/// the half extent in a direction. The overload for an arc from 0 to 2*pi reaches the extremes but for those at
-/// parameters that it doesn't try.
+/// the half extent in a direction. The overload for an arc from 0 to 0 finds all extremes.
 KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double &a, const double &b,
                                         const double &rotation);
 

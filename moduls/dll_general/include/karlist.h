@@ -33,6 +33,7 @@ public:
     karListObjectNV &operator=(const karListObjectNV &) = default; ///< Copies the links; no neighbour is touched.
 
     /// \name Type identity
+    /// Note: not virtual, so a pointer to this class answers 62 whatever the object is.
     /// \{
     ObjektIdies GetType() const { return KAR_ID_LIST_OBJECT_NV; }             ///< 62.
     int IsType(ObjektIdies id) const { return GetType() == id; }              ///< Equality with 62.
@@ -51,8 +52,9 @@ public:
     /// \}
 
     /// \name Changing
-    /// The linking operations overwrite the element's own links: an element that still stands in a chain is unchained
-    /// first, or the old chain keeps pointing at it. A null `other` leaves both links null.
+    /// A null `other` leaves both links null.
+    /// Note: the linking operations overwrite the element's own links: an element that still stands in a chain is unchained
+    /// first, or the old chain keeps pointing at it.
     /// \{
     void next(karListObjectNV *element) { nextLink = element; } ///< Stores the link; the neighbour isn't touched.
     void prev(karListObjectNV *element) { prevLink = element; } ///< \overload

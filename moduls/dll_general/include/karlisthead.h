@@ -24,7 +24,7 @@ public:
     virtual int ListHeadObjectOk() = 0;        ///< 1 in every concrete class of the library.
     virtual ~karListHeadObject();              ///< Removes all elements, front to back.
     virtual int IsType(ObjektIdies id) const;  ///< Asks the virtual `GetType`.
-    virtual ObjektIdies GetType() const;       ///< 200001 unless a subclass overrides it, whatever the list id.
+    virtual ObjektIdies GetType() const;       ///< 200001 unless overridden. Note: the list id plays no part.
     virtual int CanCast(ObjektIdies id) const; ///< The same as `IsType`.
 
     virtual karListObject *ListFirst(karListObject *element);   ///< Stores the first element, gives the old one.

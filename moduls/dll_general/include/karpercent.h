@@ -67,8 +67,8 @@ public:
     /// Note: then reports 0 by `setLayerPercent(0)`, which may tick.
     void setStartEnd(int start, int end);
 
-    /// Reports the percentage of the innermost layer. -1 counts as 100, but where the layers end at 100 together it gives
-    /// -1 in both. On an empty stack both become -1.
+    /// Reports the percentage of the innermost layer. On an empty stack both become -1.
+    /// Note: -1 counts as 100, but where the layers end at 100 together it gives -1 in both.
     /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls, be it to the -1 of an empty
     /// stack; a rise is silent.
     void setLayerPercent(int percent);

@@ -46,8 +46,9 @@ public:
     KAR_API karString();                                           ///< Empty, size 16.
     KAR_API explicit karString(unsigned reserve);                  ///< Empty, with room for `reserve` characters.
     KAR_API karString(char c, unsigned count, unsigned extra = 8); ///< `count` times `c`.
-    /// The digits of `value` in `radix` 2 to 36, letters in lower case. A sign is written in radix 10 alone: in every
-    /// other one the 32 bits count as an unsigned number. Another radix gives the empty text. Size without spare room.
+    /// The digits of `value` in `radix` 2 to 36, letters in lower case. Another radix gives the empty text. Size without
+    /// spare room.
+    /// Note: a sign is written in radix 10 alone: in every other one the 32 bits count as an unsigned number.
     KAR_API karString(int value, int radix);
     KAR_API karString(long value, int radix); ///< Note: 32 bits wide also where `long` is wider.
     /// `value` with `decimals` places behind a point, the exact binary value rounded half away from zero. `stripZeros`
@@ -252,9 +253,9 @@ public:
     /// "cCsSdiuxXoefgGpn%"; from there on it reads no further argument. A negative precision given by "*" lowers it.
     KAR_API int format(const char *fmt, ...);
     /// Reads a whole number and cuts characters below 32, compared as signed bytes, off the end of the text: 0 and
-    /// `value`, or -120 and `value` 0. Digits alone are decimal; digits above 2147483647 give 2147483647 and leave
-    /// `errno` alone. Everything else is hexadecimal with optional sign and 0x, in the range of 32 bits. The empty
-    /// text is 0.
+    /// `value`, or -120 and `value` 0. Digits alone are decimal. Everything else is hexadecimal with optional sign and
+    /// 0x, in the range of 32 bits. The empty text is 0.
+    /// Note: digits above 2147483647 give 2147483647 and 0, and leave `errno` alone.
     /// Note: 12a is 298, -5 is -5 and -10 is -16. A range error of an earlier call in `errno` counts as one here, as
     /// `errno` isn't cleared.
     KAR_API errorCodesKARTORY s2int(int &value);
