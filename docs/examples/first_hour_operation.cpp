@@ -38,7 +38,7 @@ static int operation(karFilter &filter)
 //! [operation]
 
 //! [controller]
-// A controller of the client's own. Here the user loses patience; elsewhere a button or a signal calls `SetBreak`.
+// A controller of the client's own. Here the user loses patience; elsewhere a button calls `SetBreak`.
 class Impatient : public karCtrl {
 public:
     explicit Impatient(int ownLeft) : left(ownLeft) {}
