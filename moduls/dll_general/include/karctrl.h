@@ -232,7 +232,7 @@ public:
     /// \name Adding and removing
     /// \{
 
-    /// A new message at the end; null for the id 8 and if memory ends.
+    /// A new message at the end; null if memory ends. Note: null for the id 8 too, which stands for none.
     karMessageLBase *addMessage(EnumMessageID id, int paramCount);
     /// Appends the element if it isn't in the list yet, and gives it back; null stays null. Linear.
     karMessageLBase *addMessage(karMessageLBase *element);
