@@ -61,7 +61,7 @@ Whole readWhole(const char *text)
 
 } // namespace
 
-// -- Real numbers to text -------------------------------------------------------------------------------------------
+// ---- Real numbers to text
 
 TEST(KarString, WritesRealNumbers)
 {
@@ -213,7 +213,7 @@ TEST(KarString, WritesTheExactDigitsOfNumbersOfAnyMagnitude)
     }
 }
 
-// -- Text to real numbers -------------------------------------------------------------------------------------------
+// ---- Text to real numbers
 
 TEST(KarString, ReadsRealNumbers)
 {
@@ -352,7 +352,7 @@ TEST(KarString, ReadsAndWritesInTheCLocale)
     std::setlocale(LC_ALL, "C");
 }
 
-// -- Text to whole numbers ------------------------------------------------------------------------------------------
+// ---- Text to whole numbers
 
 TEST(KarString, ReadsDigitsAsDecimal)
 {
@@ -440,7 +440,7 @@ TEST(KarString, CutsControlsAndBytesFrom0x80OnBeforeItReadsAWholeNumber)
     EXPECT_TRUE(hasState(counted, "12", 2, 16)); // the length is measured
 }
 
-// -- Assigning numbers ----------------------------------------------------------------------------------------------
+// ---- Assigning numbers
 
 TEST(KarString, AssignsWholeNumbers)
 {

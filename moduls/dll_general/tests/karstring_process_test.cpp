@@ -48,7 +48,7 @@ unsigned sizeAfter(const char *format, Arguments... arguments)
 
 } // namespace
 
-// -- format ---------------------------------------------------------------------------------------------------------
+// ---- format
 
 TEST(KarString, FormatsAndGivesTheLength)
 {
@@ -375,7 +375,7 @@ TEST(KarString, WritesDurations)
     EXPECT_EQ(s == "00:00:00", 1);
 }
 
-// -- searchValue ----------------------------------------------------------------------------------------------------
+// ---- searchValue
 
 TEST(KarString, LooksUpTheFirstEqualRow)
 {
@@ -413,7 +413,7 @@ TEST(KarString, ATableWithoutRowsLeavesTheLengthUnknown)
     EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
-// -- Trimming -------------------------------------------------------------------------------------------------------
+// ---- Trimming
 
 TEST(KarString, TrimsTheStart)
 {
@@ -499,7 +499,7 @@ TEST(KarString, TrimsByASetThatLiesInTheText)
     EXPECT_TRUE(hasState(t, "", 0, 16));
 }
 
-// -- Mapping --------------------------------------------------------------------------------------------------------
+// ---- Mapping
 
 TEST(KarString, ChangesCaseInPlace)
 {
@@ -570,7 +570,7 @@ TEST(KarString, CountsCharacters)
     EXPECT_EQ(shortCopy().countchar('z'), 1);
 }
 
-// -- Searching by index ---------------------------------------------------------------------------------------------
+// ---- Searching by index
 
 TEST(KarString, SearchesForwardFromAnIndex)
 {
@@ -700,7 +700,7 @@ TEST(KarString, SearchesMeasureAMarkedText)
     EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
-// -- karstrtok ------------------------------------------------------------------------------------------------------
+// ---- karstrtok
 
 TEST(KarString, TakesTokensOffTheStart)
 {
@@ -776,7 +776,7 @@ TEST(KarString, TakesTokensOfATextWithoutATerminator)
     EXPECT_TRUE(hasState(s, "efghi", 5, 8));
 }
 
-// -- Date and time --------------------------------------------------------------------------------------------------
+// ---- Date and time
 
 namespace {
 

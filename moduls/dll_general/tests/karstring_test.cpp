@@ -31,7 +31,7 @@ karString shortCopy()
 
 } // namespace
 
-// -- Sizes and construction -----------------------------------------------------------------------------------------
+// ---- Sizes and construction
 
 TEST(KarString, SizesAreTheNextMultipleOfEight)
 {
@@ -229,7 +229,7 @@ TEST(KarString, CountsASizeBeyondThirtyTwoBitsAsAFailedAllocation)
     EXPECT_EQ(TextProbe::bytes(karString(text, 0xfffffffdu)), nullptr);
 }
 
-// -- A text without a buffer ----------------------------------------------------------------------------------------
+// ---- A text without a buffer
 
 TEST(KarString, ReadsAsEmptyWithoutABuffer)
 {
@@ -335,7 +335,7 @@ TEST(KarString, AppendBeyondThirtyTwoBitsLosesTheBuffer)
     EXPECT_EQ(s.vstrlen(), 0u);
 }
 
-// -- Assignment -----------------------------------------------------------------------------------------------------
+// ---- Assignment
 
 TEST(KarString, AssignmentThatFitsKeepsTheBuffer)
 {
@@ -452,7 +452,7 @@ TEST(KarString, AssignmentOfAPartOfItself)
     EXPECT_TRUE(hasState(a, "cdef", 4, 16));
 }
 
-// -- Length and size ------------------------------------------------------------------------------------------------
+// ---- Length and size
 
 TEST(KarString, LengthIsMeasuredOnceAfterAMark)
 {
@@ -557,7 +557,7 @@ TEST(KarString, CutEndsTheTextBelowItsLength)
     EXPECT_TRUE(hasState(s, "", 0, 16));
 }
 
-// -- Character access -----------------------------------------------------------------------------------------------
+// ---- Character access
 
 TEST(KarString, IndexMarksTheLengthUnknownEvenForARead)
 {
@@ -660,7 +660,7 @@ TEST(KarString, TheWritablePointerMarksTheLengthUnknown)
     EXPECT_EQ(TextProbe::cached(s), mark);
 }
 
-// -- Searching by pointer -------------------------------------------------------------------------------------------
+// ---- Searching by pointer
 
 TEST(KarString, FindsTextAndCharactersByPointer)
 {
@@ -710,7 +710,7 @@ TEST(KarString, FindsTheLastCharacterBeforeALimit)
     EXPECT_EQ(karString("baaa").vstrrchr('b', 3u) == nullptr, false);
 }
 
-// -- Comparison -----------------------------------------------------------------------------------------------------
+// ---- Comparison
 
 TEST(KarString, ComparesByteByByteAsUnsigned)
 {
@@ -761,7 +761,7 @@ TEST(KarString, ComparesUpToTheFirstNulWhateverTheCacheSays)
     EXPECT_EQ(s < "abd", 1);
 }
 
-// -- Concatenation --------------------------------------------------------------------------------------------------
+// ---- Concatenation
 
 TEST(KarString, JoinsWithEightBytesOfSpareRoom)
 {
@@ -877,7 +877,7 @@ TEST(KarString, DoublesItself)
     EXPECT_TRUE(hasState(s, "abcabcabcabcbcabcbc", 19, 24));
 }
 
-// -- Bounded copies -------------------------------------------------------------------------------------------------
+// ---- Bounded copies
 
 TEST(KarString, CopiesAtMostSoManyCharacters)
 {
