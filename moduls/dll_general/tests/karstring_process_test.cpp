@@ -767,13 +767,13 @@ TEST(KarString, TakesTokensOfATextPastItsCachedLength)
 
 TEST(KarString, TakesTokensOfATextWithoutATerminator)
 {
-    // The guard behind the buffer is 100, a "d": it doesn't belong to the text.
-    karString s("ab,efgh", 0u);
-    s[7] = 'i';
-    EXPECT_EQ(s.karstrchr("dz", 0), -1);
-    EXPECT_EQ(s.karstrchr('d', 0), -1);
+    // The guard of 200 stands directly behind 192 bytes.
+    karString s(("ab," + std::string(188, 'e')).c_str(), 0u);
+    s[191] = 'i';
+    EXPECT_EQ(s.karstrchr("\xc8z", 0), -1);
+    EXPECT_EQ(s.karstrchr('\xc8', 0), -1);
     EXPECT_TRUE(hasState(s.karstrtok(","), "ab", 2, 16));
-    EXPECT_TRUE(hasState(s, "efghi", 5, 8));
+    EXPECT_TRUE(hasState(s, std::string(188, 'e') + "i", 189, 192));
 }
 
 // ---- Date and time

@@ -620,7 +620,6 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_EQ(s.vstrrchr('\0'), nullptr);
     EXPECT_EQ(s.vstrstr("gh"), TextProbe::bytes(s) + 6);
     EXPECT_EQ(s.vstrstr("hi"), nullptr);
-    EXPECT_EQ(s.vstrstr("h\x64"), nullptr); // 100, the guard behind the buffer, isn't looked at
     EXPECT_EQ(s.karstrchr('h', 3), 7);
     EXPECT_EQ(s.karstrchr('i', 3), -1);
     EXPECT_EQ(s.karstrchr('\0', 3), -1);
@@ -628,6 +627,15 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_TRUE(hasState(karString(s), "abcdefgh", 8, 24));
     s &= 'i';
     EXPECT_TRUE(hasState(s, "abcdefghi", 9, 16));
+}
+
+TEST(KarString, SearchingATextWithoutATerminatorEndsWithItsBuffer)
+{
+    // The guard of 200 stands directly behind 192 bytes.
+    karString s(std::string(191, 'a').c_str(), 0u);
+    s[191] = 'h';
+    EXPECT_EQ(s.vstrstr("ah"), TextProbe::bytes(s) + 190);
+    EXPECT_EQ(s.vstrstr("h\xc8"), nullptr);
 }
 
 TEST(KarString, GetCharReadsUpToTheTerminator)
