@@ -73,6 +73,7 @@ TEST(WriteUsualFormat, WritesTheUsualConversions)
     EXPECT_EQ(usual("%x|%5x|%05x|%x", 0u, 0xabcu, 1u, 0xffffffffu), "0|  abc|00001|ffffffff");
     EXPECT_EQ(usual("%f|%.0f|%.1f|%+.1f|%07.2f", 1.5, 2.5, -0.25, 0.5, -1.0), "1.500000|2|-0.2|+0.5|-001.00");
     EXPECT_EQ(usual("%60.12f|", 0.5).size(), 61u);
+    EXPECT_EQ(usual("%9d|%19d", 5, 6), "        5|                  6");
 }
 
 TEST(WriteUsualFormat, LeavesOthersToTheCLibrary)
