@@ -212,6 +212,13 @@ TEST(KarMessageBase, OutOfRangeAValueStaysWithTheCaller)
     EXPECT_EQ(message.getParam(1), nullptr);
 }
 
+TEST(KarMessageBase, MayComeFromNew)
+{
+    karMessageBase *const message = new karMessageBase;
+    EXPECT_EQ(message->getParamCount(), 2);
+    delete message;
+}
+
 namespace {
 
 // Keeps what the typed setters pass to the virtual operation, so that nothing leaks.

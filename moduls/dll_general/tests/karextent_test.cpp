@@ -148,6 +148,17 @@ karD_Rect plainWhole(double cx, double cy, double a, double b, double r)
     return scanned(cx, cy, a, b, r);
 }
 
+TEST(BoundingRectOfEllipse, EqualsTheScanWhereASideIsZeroOrTheHeightNearlyIs)
+{
+    const double turned = 2 * fullTurn; // of which the sine isn't zero, so that samples are taken
+    for (const auto &centre : {std::pair<double, double>{1, 5}, {5, 1}, {-1, 5}, {5, -1}})
+        EXPECT_TRUE(isSame(scanned(centre.first, centre.second, 1, 1, turned),
+                           CalculateBoundingRect(centre.first, centre.second, 1, 1, turned)))
+            << centre.first << ' ' << centre.second;
+    EXPECT_EQ(0.0, CalculateBoundingRect(1, 5, 1, 1, turned).left());
+    EXPECT_TRUE(isSame(scanned(0, 0, 1e-280, 0, turned), CalculateBoundingRect(0, 0, 1e-280, 0, turned)));
+}
+
 TEST(BoundingRectOfEllipse, EqualsTheScanOfAllSamples)
 {
     TestRandom random(51);

@@ -339,6 +339,20 @@ TEST(ListSort, OneElementStaysAndCurrentIsCleared)
     expectWellFormed(list);
 }
 
+TEST(ListSort, FindsTheEndOfAListThatHasNoLastElement)
+{
+    for (const int length : {1, 2, 3, 7, 20}) {
+        std::vector<int> keys;
+        for (int i = 0; i < length; ++i)
+            keys.push_back(i);
+        List list(keys);
+        list.head.ListLast(nullptr);
+        list.head.sortByKey();
+        EXPECT_EQ(list.head.ListFirst(), &list.elements[static_cast<std::size_t>(length) - 1]);
+        EXPECT_EQ(list.head.ListLast(), list.head.ListFirst()->last()) << length;
+    }
+}
+
 TEST(ListSort, DifferenceSortsInDescendingOrder)
 {
     List five({2, 5, 1, 4, 3});

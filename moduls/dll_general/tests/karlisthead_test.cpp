@@ -279,6 +279,21 @@ TEST(KarListHeadObject, InsertInTheMiddleChangesCurrentAlone)
     EXPECT_EQ(head.state(), "acb abc");
 }
 
+TEST(KarListHeadObject, InsertBehindTheEndOfAForeignChainMakesItLonger)
+{
+    Head head;
+    auto *const a = new Element('a');
+    head.ListAppend(a);
+    Element end('e');
+    Element b('b');
+    EXPECT_EQ(head.ListInsert(&b, &end), &b);
+    EXPECT_EQ(end.next(), &b);
+    EXPECT_EQ(b.prev(), &end);
+    EXPECT_EQ(b.next(), nullptr);
+    EXPECT_EQ(head.state(), "a aab");
+    head.ListCurrent(nullptr);
+}
+
 TEST(KarListHeadObject, UnchainGivesTheElementBackAlive)
 {
     dead.clear();

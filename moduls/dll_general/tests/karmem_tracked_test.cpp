@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <list>
@@ -124,6 +125,10 @@ TEST(KarMemory_Entry, StandsAtTheEndAndHoldsItsFields)
     alone = c;
     EXPECT_EQ(alone.prev(), &b);
     EXPECT_EQ(alone.hsize(), 25);
+    const karMemory_Entry &same = alone;
+    alone = same;
+    EXPECT_EQ(alone.prev(), &b);
+    EXPECT_EQ(alone.hsize(), 25);
     alone.prev(nullptr);
     karMemory_Entry copy(b);
     EXPECT_EQ(copy.prev(), &a);
@@ -142,6 +147,7 @@ TEST(KarFile_EntryZ, StandsAtTheEndAndHoldsItsFields)
     EXPECT_EQ(b.hsize(), 50);
     EXPECT_EQ(a.next(), &b);
     EXPECT_EQ(b.set_besideIt(), &a);
+    EXPECT_EQ(a.set_besideIt(), &b);
     EXPECT_EQ(a.GetType(), 60);
     EXPECT_EQ(a.ListObjectOk(), 1);
     a.hentry(stderr);
@@ -462,6 +468,30 @@ TEST(KarMemory, DeleteAllPassesOverARecordWithoutABlock)
     EXPECT_EQ(MemoryPeek::tailOf(memory), nullptr);
 }
 
+TEST(KarMemory, DeleteAllPassesOverAddressesTooLowForABlock)
+{
+    Memory memory;
+    for (std::uintptr_t address = 1; address <= 4; ++address) {
+        void *p;
+        std::memcpy(&p, &address, sizeof p);
+        memory.dxnew(p, 5);
+    }
+    EXPECT_EQ(memory.delete_all(), 1);
+    EXPECT_EQ(memory.curr_used_memory(), 20);
+}
+
+TEST(KarMemory, AssignedToItselfKeepsItsRecords)
+{
+    karMemory memory;
+    for (int i = 0; i < 20; ++i)
+        memory.dxnew(places + i, 1);
+    const karMemory &same = memory;
+    memory = same;
+    EXPECT_EQ(memory.curr_used_memory(), 20);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(forget(memory, places + i));
+}
+
 TEST(KarMemory, DeleteAllOfRecordsWithoutSizeGives0)
 {
     Memory memory;
@@ -538,6 +568,20 @@ TEST(KarMemory, OneCallClosesOneFileLatestFirst)
     EXPECT_EQ(MemoryPeek::filesOf(memory)->hentry(), a);
     EXPECT_EQ(memory.xfclose_all(), 0);
     EXPECT_EQ(MemoryPeek::filesOf(memory), nullptr);
+    EXPECT_EQ(memory.xfclose_all(), 1);
+}
+
+TEST(KarMemory, LatestFileIsClosedFirstWhateverRecordIsEntered)
+{
+    const TestFile file("karmem_tracked_test_entered.tmp", 10);
+    karMemory memory;
+    std::FILE *const a = memory.xfopen(file.c_str(), "rb");
+    karFile_EntryZ *const older = MemoryPeek::filesOf(memory);
+    memory.xfopen(file.c_str(), "rb");
+    MemoryPeek::filesOf(memory) = older;
+    EXPECT_EQ(memory.xfclose_all(), 0);
+    EXPECT_EQ(MemoryPeek::filesOf(memory), older);
+    EXPECT_EQ(memory.xfclose(a), 0);
     EXPECT_EQ(memory.xfclose_all(), 1);
 }
 

@@ -106,6 +106,12 @@ TEST(KarPageIsValid, NoticesDamagedLinksOfFreeElements)
         const Set<karFreeElement *> shifted(PageFields::freeList(page), inside);
         EXPECT_FALSE(page.isValid());
     }
+    {
+        karFreeElement outside(nullptr);
+        const Set<karFreeElement *> foreign(PageFields::freeList(page), &outside);
+        EXPECT_FALSE(page.isValid());
+        EXPECT_EQ(page.canInsertElement(), 0);
+    }
     EXPECT_TRUE(page.isValid());
 }
 

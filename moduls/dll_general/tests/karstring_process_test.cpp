@@ -128,6 +128,7 @@ TEST(KarString, FormatCountsANullTextAsOne)
 TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
 {
     // "%lld": the second l is the conversion, the d an ordinary character; then a text counts 1 whatever it is.
+    int printed = 0;
     karString s;
     EXPECT_EQ(s.format("%lld %s", 1234567890123456789LL, "0123456789abcdef"), 36);
     EXPECT_TRUE(hasState(s, "1234567890123456789 0123456789abcdef", 36, 40)); // too small: adjust(37)
@@ -146,6 +147,17 @@ TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
     karString x;
     x.format("%Fs|%s", 1.0, "ab"); // F as a letter of length before "s"
     EXPECT_TRUE(hasState(x, "1.000000s|ab", 12, 16));
+#if defined(__linux__)
+    // Nothing behind it is read either: no width, no flag, no character.
+    karString behind;
+    behind.format("%Fs|%*d|%-5d|%c|%n", 1.0, 3, 7, 8, 'x', &printed);
+    EXPECT_EQ(behind == "1.000000s|  7|8    |x|", 1);
+    EXPECT_EQ(printed, 22);
+    printed = 0;
+    karString given;
+    given.format("%*d|%*d|%s", 0, 5, 3, 6, "ab"); // a width of 0 is none; 32 + 1 + 32 + 1 + 2
+    EXPECT_TRUE(hasState(given, "5|  6|ab", 8, 72));
+#endif
     karString y;
     y.format("%jd|%td|%s", static_cast<std::intmax_t>(1), static_cast<std::ptrdiff_t>(2), "ab");
     EXPECT_TRUE(hasState(y, "1|2|ab", 6, 16));

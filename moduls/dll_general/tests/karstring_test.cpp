@@ -609,6 +609,7 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_EQ(s.karstrchr('h', 3), 7);
     EXPECT_EQ(s.karstrchr('i', 3), -1);
     EXPECT_EQ(s.karstrchr('\0', 3), -1);
+    EXPECT_EQ(s.vstrstr(""), TextProbe::bytes(s));
     EXPECT_EQ(s.karstrstr("h", 3), 7);
     EXPECT_TRUE(hasState(karString(s), "abcdefgh", 8, 24));
     s &= 'i';

@@ -172,6 +172,7 @@ TEST(SystemReport, IsReadFromAKernelRelease)
         {"6.1-rc3", 6, 1, 0},
         {"6.x.9", 6, 0, 0},
         {"7..9", 7, 0, 0},
+        {"6rc2.1", 6, 0, 0},
     };
     for (const auto &row : rows) {
         SystemReport report = {1, 77, 77, 77};
