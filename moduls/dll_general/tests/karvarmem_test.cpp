@@ -588,6 +588,24 @@ TEST(KarVarPage, RangeInsideARunLeavesBothParts)
     EXPECT_EQ(page.runs(), Runs());
 }
 
+TEST(KarVarPage, RestTooShortForANodeIsDropped)
+{
+    Page page(1, 20);
+    page.takeRange(page.place(0), 15);
+    EXPECT_EQ(page.firstFreeElement(), nullptr);
+    EXPECT_TRUE(page.isValid());
+}
+
+TEST(KarVarPage, AssignedToItselfStays)
+{
+    Page page(8, 4);
+    EXPECT_EQ(page.take(1), 0);
+    const Page &same = page;
+    page = same;
+    EXPECT_EQ(page.elementUsed(), 1);
+    EXPECT_EQ(page.take(3), 8);
+}
+
 TEST(KarVarPage, CopyHasEveryField)
 {
     char empty[sizeof(Page)];
