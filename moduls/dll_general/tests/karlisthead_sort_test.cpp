@@ -4,6 +4,7 @@
 
 #include "karmemgb.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -528,10 +529,10 @@ public:
 
 TEST(ListSort, SortsAMillionElementsOnASmallStackWithoutMemory)
 {
-    const int count = 1000000;
+    const int count = testSteps(1000000);
     const std::uint64_t seed = 324;
     TestRandom random(seed);
-    std::vector<Element> elements(count);
+    std::vector<Element> elements(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) // in the order of their places, linked by hand
         elements[static_cast<std::size_t>(i)].key = random.between(0, 1 << 30);
     DepthHead head;

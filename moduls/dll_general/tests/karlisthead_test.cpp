@@ -6,6 +6,7 @@
 #include "karmemgb.h"
 #include "testrandom.h"
 #include "testslot.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -509,7 +510,7 @@ TEST(KarListHeadObject, RandomStepsFollowAPlainModel)
             element = element->next();
         return element;
     };
-    for (int step = 0; step < 5000; ++step) {
+    for (int step = 0, steps = testSteps(5000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed " << seed << " step " << step);
         const unsigned what = random.below(6);
         if (what < 3 && !free.empty()) {

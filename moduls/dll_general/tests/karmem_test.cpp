@@ -478,11 +478,11 @@ TEST(KarPage, ReleaseFollowsADamagedFreeListNoFurtherThanThePage)
         void *p = elements[0];
         page.deleteElement(p);
         // The only free element leads to itself, or out of the page; two live ones hold links to each other.
-        void *const damaged[2] = {nullptr, endless ? elements[0] : &page};
+        void *const damaged[2] = {endless ? elements[0] : &page, nullptr};
         std::memcpy(elements[0], damaged, sizeof damaged);
-        void *const links[2] = {elements[2], nullptr};
+        void *const links[2] = {nullptr, elements[2]};
         std::memcpy(elements[1], links, sizeof links);
-        void *const back[2] = {nullptr, elements[1]};
+        void *const back[2] = {elements[1], nullptr};
         std::memcpy(elements[2], back, sizeof back);
         p = elements[1];
         page.deleteElement(p);

@@ -4,6 +4,7 @@
 #include "failalloc.h"
 #include "mempeek.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -390,7 +391,7 @@ TEST(KarMemory, LongRandomSequenceAgreesWithAPlainList)
     long sum = 0;
     long highest = 0;
     std::size_t wanted = 0;
-    for (int step = 0; step < 300000; ++step) {
+    for (int step = 0, steps = testSteps(300000); step < steps; ++step) {
         if (step % 5000 == 0)
             wanted = random.below(60);
         void *const p = places + random.below(40); // many addresses twice
@@ -644,7 +645,7 @@ TEST(KarMemory, CopiesOverlappingRangesInBothDirections)
     karMemory memory;
     constexpr std::uint64_t seed = 7;
     TestRandom random(seed);
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0, rounds = testSteps(20000); round < rounds; ++round) {
         unsigned char bytes[96];
         unsigned char expected[96];
         for (int i = 0; i < 96; ++i)

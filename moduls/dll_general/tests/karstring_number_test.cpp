@@ -2,6 +2,7 @@
 #include "support/exactdecimal.h"
 #include "support/textprobe.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <cerrno>
 #include <climits>
@@ -176,7 +177,7 @@ TEST(KarString, WritesTheExactDigitsOfRandomNumbers)
 {
     const std::uint64_t seed = 20261;
     TestRandom random(seed);
-    for (int step = 0; step < 8000; ++step) {
+    for (int step = 0, steps = testSteps(8000); step < steps; ++step) {
         double value = random.between(-1000.0, 1000.0);
         switch (random.below(6)) {
         case 0:

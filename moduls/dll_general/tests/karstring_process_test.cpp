@@ -2,6 +2,7 @@
 // Not tested: the size that a format of more than 4 GB asks for.
 #include "support/textprobe.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <climits>
 #include <clocale>
@@ -14,6 +15,7 @@
 #include <ctime>
 #include <cwchar>
 #include <memory>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -254,7 +256,7 @@ TEST(KarString, FormatsAsTheCLibraryDoes)
 {
     const std::uint64_t seed = 20265;
     TestRandom random(seed);
-    for (int step = 0; step < 40000; ++step) {
+    for (int step = 0, steps = testSteps(40000); step < steps; ++step) {
         std::string format = "<%";
         for (unsigned flags = random.below(4); flags > 0; --flags)
             format += "-+ 0#"[random.below(5)];
@@ -333,6 +335,19 @@ TEST(KarString, FormatWritesThePointOfTheLocale)
     s.format("%7.2f|%.0f", -1.5, 2.5);
     EXPECT_EQ(s == expected, 1);
     std::setlocale(LC_NUMERIC, "C");
+}
+
+TEST(KarString, FormatRoundsAMiddleToTheEvenDigitAndNamesWhatIsNoNumber)
+{
+    karString s;
+    s.format("%.69f", 0x1p-70); // ...15625: more digits than a machine word has
+    EXPECT_EQ(s == "0.000000000000000000000847032947254300339068322500679641962051391601562", 1);
+    s.format("%.71f", 0x1p-70 + 0x1p-72); // ...953125
+    EXPECT_EQ(s == "0.00000000000000000000105879118406787542383540312584955245256423950195312", 1);
+#if defined(__linux__)
+    s.format("%f|%5.1f", std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity());
+    EXPECT_EQ(s == "inf| -inf", 1);
+#endif
 }
 
 TEST(KarString, FormatReadsItsOwnText)
