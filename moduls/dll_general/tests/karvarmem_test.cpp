@@ -772,6 +772,7 @@ TEST(KarVarPage, OverwrittenNodesNeverLeadOutOfThePage)
         Page page(8, 12);
         for (int run = 0; run < 6; ++run)
             page.take(2);
+        std::memset(page.place(0), 0x55, 96); // their owners use them all
         for (const int position : {0, 32, 64})
             page.give(position, 2);
         std::memset(page.place(32), filler, 16); // the owner writes into what it has released
