@@ -1,21 +1,33 @@
-# Installed tree: headers, library, CMake package, pkg-config module.
+# Installed tree: headers, library, CMake package, pkg-config module, and the sample programs where they are built. What a
+# program needs to run, what its maker needs and the samples are components, which a package may hold each for itself.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS krKGeneral EXPORT krKGeneralTargets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY moduls/dll_general/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krKGeneral FILES_MATCHING PATTERN "*.h")
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+install(DIRECTORY moduls/dll_general/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/krKGeneral COMPONENT development
+    FILES_MATCHING PATTERN "*.h")
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/krKGeneral)
-install(EXPORT krKGeneralTargets NAMESPACE krKGeneral:: DESTINATION ${package_dir})
+install(EXPORT krKGeneralTargets NAMESPACE krKGeneral:: DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/krKGeneralConfig.cmake.in ${CMAKE_BINARY_DIR}/krKGeneralConfig.cmake
     INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/krKGeneralConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/krKGeneralConfig.cmake ${CMAKE_BINARY_DIR}/krKGeneralConfigVersion.cmake
-    DESTINATION ${package_dir})
+    DESTINATION ${package_dir} COMPONENT development)
 
 # The module finds its tree from where it lies, so that an installed tree can be moved.
 file(RELATIVE_PATH KAR_PREFIX_FROM_PC /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 list(JOIN KAR_EXACT_FLAGS " " KAR_EXACT_FLAGS_TEXT)
 configure_file(cmake/krkgeneral.pc.in ${CMAKE_BINARY_DIR}/krkgeneral.pc @ONLY)
-install(FILES ${CMAKE_BINARY_DIR}/krkgeneral.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${CMAKE_BINARY_DIR}/krkgeneral.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(KAR_BUILD_EXAMPLES)
+    # The programs find the library beside them wherever the tree lies; packages leave that to the system.
+    file(RELATIVE_PATH KAR_LIBRARY_FROM_BIN /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(kartory-drawing kartory-gallery PROPERTIES INSTALL_RPATH "$ORIGIN/${KAR_LIBRARY_FROM_BIN}")
+    install(TARGETS kartory-drawing kartory-gallery DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT samples)
+    install(DIRECTORY examples/drawing/samples DESTINATION ${CMAKE_INSTALL_DATADIR}/kartory-drawing COMPONENT samples
+        FILES_MATCHING PATTERN "*.dxf")
+endif()

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <unistd.h>
 
@@ -13,6 +15,12 @@ std::string printable(std::string text)
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
     return text;
+}
+
+bool isAbleTerminal()
+{
+    const char *name = std::getenv("TERM");
+    return isatty(STDERR_FILENO) != 0 && name && *name != '\0' && std::strcmp(name, "dumb") != 0;
 }
 
 const char *colourOf(MsgType type)
@@ -31,11 +39,7 @@ const char *colourOf(MsgType type)
 
 } // namespace
 
-Console::Console(Loudness ownLoudness, Language ownLanguage)
-    : loudness(ownLoudness), language(ownLanguage), terminal(isatty(STDERR_FILENO) != 0)
-{
-    Stdio = this;
-}
+Console::Console(Language ownLanguage) : language(ownLanguage), terminal(isAbleTerminal()) { Stdio = this; }
 
 Console::~Console()
 {

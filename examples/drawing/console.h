@@ -17,10 +17,10 @@ enum class Loudness {
 };
 
 /// Installs itself as the library's `Stdio` for as long as it lives. Everything goes to standard error, in colours where
-/// that is a terminal; standard output is left to the report.
+/// that is a terminal that has them; standard output is left to the report.
 class Console : public karStdio {
 public:
-    Console(Loudness loudness, Language language);
+    explicit Console(Language language);
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
     ~Console() override;
@@ -40,6 +40,7 @@ public:
     /// The turn of everything that runs beside an operation: the tasks, and the progress bar of the controller, which is
     /// drawn at most ten times a second, on a terminal only and never with `Quiet`.
     void turn(karCtrl &ctrl);
+    void setLoudness(Loudness newLoudness) { loudness = newLoudness; }
     /// Takes the bar away.
     void clearBar();
     /// The figures that the bar shows.
@@ -49,9 +50,9 @@ private:
     void drawBar(int percent);
     void print(MsgType type, const std::string &text);
 
-    Loudness loudness;
+    Loudness loudness = Loudness::Usual;
     Language language;
-    bool terminal; // standard error is one
+    bool terminal; // standard error is one, and it can move back in its line
     std::vector<karTaskElem *> tasks;
     std::string status; // what is being done
     karString figures;

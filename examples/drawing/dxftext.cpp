@@ -94,9 +94,11 @@ bool isCount(std::string_view entity, int code)
 
 std::string readFile(const std::string &path)
 {
-    if (std::filesystem::is_directory(path))
+    const std::string source = path == "-" ? "/dev/stdin" : path;
+    std::error_code none;
+    if (std::filesystem::is_directory(source, none))
         throw DrawingError(text("is a directory"));
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(source, std::ios::binary);
     if (!file)
         throw DrawingError(std::strerror(errno));
     // Piece by piece: a device may have no end.

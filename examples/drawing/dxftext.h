@@ -14,7 +14,7 @@ public:
     explicit DrawingError(const karString &text) : std::runtime_error(text) {}
 };
 
-/// The whole file. Throws `DrawingError` for a missing file, a directory and an empty file.
+/// The whole file; "-" is standard input. Throws `DrawingError` for a missing file, a directory and an empty file.
 std::string readFile(const std::string &path);
 
 /// The groups of a drawing up to and including EOF, one line for each code and each value; what stands behind is dropped.

@@ -9,17 +9,33 @@
 #include "savefile.h"
 #include "svg.h"
 
+#include <csignal>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
-// Exit statuses.
-constexpr int unreadable = 2; // a drawing that can't be read
-constexpr int unwritable = 3; // a file that can't be written
-constexpr int stopped = 130;  // as a shell tells of Ctrl-C
+// A standard stream that is closed would otherwise be taken for the first file that is opened.
+void occupyStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0)
+            open("/dev/null", stream == STDERR_FILENO ? O_WRONLY : O_RDONLY); // takes the lowest number that is free
+}
+
+// Throws `OutputError` before the work is done.
+void checkPlaces(const Options &options)
+{
+    for (const std::string &place : {options.svg, options.dxf, options.json, options.csv, options.text})
+        if (!place.empty() && !isStream(place))
+            SaveFile probe(place);
+}
 
 // Each step leaves at once what is done where a break was asked for.
 void work(const Options &options, Results &results, karFilter &filter)
@@ -55,7 +71,9 @@ void writeFiles(const Options &options, const Results &results, karFilter &filte
     if (!options.dxf.empty()) {
         // The parser's writer wants a file of its own, also on the way to standard output.
         const bool stream = isStream(options.dxf);
-        const std::filesystem::path elsewhere = std::filesystem::temp_directory_path() / "kartory-drawing.dxf";
+        std::error_code none;
+        const std::filesystem::path folder = std::filesystem::temp_directory_path(none);
+        const std::filesystem::path elsewhere = (folder.empty() ? "/tmp" : folder) / "kartory-drawing.dxf";
         SaveFile file(stream ? elsewhere.string() : options.dxf);
         if (!writeDxf(file.temporary(), results.picture, results.drawing))
             throw OutputError(options.dxf + ": " + static_cast<const char *>(text("can't be written")));
@@ -68,6 +86,11 @@ void writeFiles(const Options &options, const Results &results, karFilter &filte
         saveWhole(options.json, toJson(results, filter));
     if (!options.csv.empty())
         saveWhole(options.csv, toCsv(results));
+    if (!options.text.empty()) {
+        std::ostringstream report;
+        printReport(report, results);
+        saveWhole(options.text, report.str());
+    }
 }
 
 void tell(const Results &results)
@@ -80,6 +103,7 @@ void tell(const Results &results)
 
 int run(const Options &options, Console &console)
 {
+    checkPlaces(options);
     TerminalCtrl ctrl(console);
     karFilter filter(&ctrl);
     new FiguresTask(console);
@@ -91,33 +115,38 @@ int run(const Options &options, Console &console)
     const bool filesOnly = options.svg == "-" || options.dxf == "-" || options.json == "-" || options.csv == "-";
     if (filter.getBreak() != BreakNone) { // what was done is reported, but no file is written
         tell(results);
-        return stopped;
+        return ExitStopped;
     }
-    if (!filesOnly)
-        tell(results);
     writeFiles(options, results, filter);
-    return 0;
+    // The report comes last: a reader that has seen enough of it ends the program.
+    if (!filesOnly && options.text.empty())
+        tell(results);
+    return ExitDone;
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    occupyStandardStreams();
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows beyond its limit is a file that can't be written
+    Console console(chooseLanguage(languageChoice(argc, argv)));
     Options options;
     if (const auto status = readOptions(argc, argv, options))
         return *status;
-    Console console(options.loudness, chooseLanguage(options.language));
+    console.setLoudness(options.loudness);
+    const std::string source = options.path == "-" ? std::string(text("standard input")) : options.path;
     try {
         return run(options, console);
     } catch (const DrawingError &error) {
-        errorText(0, "%s: %s", options.path.c_str(), error.what());
-        return unreadable;
+        errorText(0, "%s: %s", source.c_str(), error.what());
+        return ExitUnreadable;
     } catch (const std::bad_alloc &) {
-        errorText(0, "%s: %s", options.path.c_str(), static_cast<const char *>(text("is too large for the memory")));
-        return unreadable;
+        errorText(0, "%s: %s", source.c_str(), static_cast<const char *>(text("is too large for the memory")));
+        return ExitUnreadable;
     } catch (const OutputError &error) {
         console.clearBar();
         errorText(0, "%s", error.what());
-        return unwritable;
+        return ExitUnwritable;
     }
 }

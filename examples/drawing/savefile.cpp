@@ -1,5 +1,7 @@
 #include "savefile.h"
 
+#include "texts.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,6 +32,37 @@ SaveFile::SaveFile(const std::string &ownPath) : path(ownPath)
     target = fs::is_symlink(path, none) ? fs::weakly_canonical(path, none).string() : path;
     if (target.empty() || fs::is_directory(target, none))
         fail(target.empty() ? ENOENT : EISDIR);
+    if (!openNameless())
+        openNamed();
+    struct stat old = {}; // a file that is replaced hands over its mode
+    chmod(temporaryPath.c_str(), stat(target.c_str(), &old) == 0 ? old.st_mode & 07777 : usualMode());
+}
+
+SaveFile::~SaveFile()
+{
+    if (nameless >= 0)
+        close(nameless);
+    else if (!temporaryPath.empty())
+        unlink(temporaryPath.c_str());
+}
+
+// False where the system or the file system has no such files, and where any other fault is to be told by `openNamed`.
+bool SaveFile::openNameless()
+{
+    const fs::path directory = fs::path(target).parent_path();
+    nameless = open(directory.empty() ? "." : directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (nameless < 0)
+        return false;
+    temporaryPath = "/proc/self/fd/" + std::to_string(nameless);
+    if (access(temporaryPath.c_str(), W_OK) == 0)
+        return true;
+    close(nameless);
+    nameless = -1;
+    return false;
+}
+
+void SaveFile::openNamed()
+{
     temporaryPath = target + ".XXXXXX";
     const int descriptor = mkstemp(temporaryPath.data());
     if (descriptor < 0) {
@@ -36,15 +70,23 @@ SaveFile::SaveFile(const std::string &ownPath) : path(ownPath)
         temporaryPath.clear();
         fail(error);
     }
-    struct stat old = {}; // a file that is replaced hands over its mode
-    fchmod(descriptor, stat(target.c_str(), &old) == 0 ? old.st_mode & 07777 : usualMode());
     close(descriptor);
 }
 
-SaveFile::~SaveFile()
+// A file can be replaced only by one with a name; this one is complete.
+void SaveFile::nameIt()
 {
-    if (!temporaryPath.empty())
-        unlink(temporaryPath.c_str());
+    std::string name;
+    for (unsigned i = 0;; ++i) {
+        name = target + "." + std::to_string(getpid()) + "." + std::to_string(i);
+        if (linkat(AT_FDCWD, temporaryPath.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            break;
+        if (errno != EEXIST)
+            fail(errno);
+    }
+    close(nameless);
+    nameless = -1;
+    temporaryPath = name;
 }
 
 void SaveFile::write(const std::string &content)
@@ -59,6 +101,8 @@ void SaveFile::write(const std::string &content)
 
 void SaveFile::commit()
 {
+    if (nameless >= 0)
+        nameIt();
     if (std::rename(temporaryPath.c_str(), target.c_str()) != 0)
         fail(errno);
     temporaryPath.clear();
@@ -72,6 +116,17 @@ bool isStream(const std::string &path)
     return path == "-" || (fs::exists(path, none) && !fs::is_regular_file(path, none) && !fs::is_directory(path, none));
 }
 
+bool isStandardOutput(const std::string &path)
+{
+    struct stat file = {};
+    struct stat output = {};
+    if (path == "-")
+        return true;
+    const bool same = stat(path.c_str(), &file) == 0 && fstat(STDOUT_FILENO, &output) == 0 &&
+                      file.st_dev == output.st_dev && file.st_ino == output.st_ino;
+    return same && (!S_ISCHR(file.st_mode) || isatty(STDOUT_FILENO) != 0); // /dev/null is no one's alone
+}
+
 void saveWhole(const std::string &path, const std::string &content)
 {
     if (isStream(path)) {
@@ -83,7 +138,8 @@ void saveWhole(const std::string &path, const std::string &content)
         if (file && !standardOutput)
             std::fclose(file);
         if (!written)
-            throw OutputError(path + ": " + std::strerror(error));
+            throw OutputError((standardOutput ? std::string(text("standard output")) : path) + ": " +
+                              std::strerror(error));
         return;
     }
     SaveFile file(path);

@@ -29,6 +29,8 @@ constexpr Entry german[] = {
     {"Blocks: %d with %d entities", "Blöcke: %d mit %d Elementen"},
     {"Memory: %ld allocations, %ld heap blocks of %ld bytes now, large blocks %ld bytes now and %ld at most",
      "Speicher: %ld Anforderungen, jetzt %ld Heapblöcke mit %ld Bytes, große Blöcke jetzt %ld Bytes, höchstens %ld"},
+    {"standard input", "Standardeingabe"},
+    {"standard output", "Standardausgabe"},
     {"is a directory", "ist ein Verzeichnis"},
     {"the report can't be written", "der Bericht ist nicht schreibbar"},
     {"can't be written", "ist nicht schreibbar"},
@@ -77,16 +79,68 @@ constexpr Entry german[] = {
     {"%d more warnings like these", "%d weitere solche Warnungen"},
     {"%ld s, %ld KB", "%ld s, %ld KB"},
     {"%d entities read", "%d Elemente gelesen"},
+    // The command line.
+    {"%s (--help tells more)", "%s (mehr dazu: --help)"},
+    {"%s: \"%s\" is not %s", "%s: \"%s\" ist nicht %s"},
+    {"an angle of up to 1e6 radians", "ein Winkel bis 1e6 Radiant"},
+    {"a scale that leaves anything to see", "ein Maßstab, bei dem etwas zu sehen bleibt"},
+    {"translate=X,Y, rotate=DEGREES or scale=X[,Y] with finite numbers",
+     "translate=X,Y, rotate=GRAD oder scale=X[,Y] mit endlichen Zahlen"},
+    {"a number above 0", "eine Zahl über 0"},
+    {"a whole number from 1 to 1000000", "eine ganze Zahl von 1 bis 1000000"},
+    {"X,Y with finite numbers", "X,Y mit endlichen Zahlen"},
+    {"en or de", "en oder de"},
+    {"%s and %s exclude each other", "%s und %s schließen einander aus"},
+    {"%s: is the drawing itself", "%s: ist die Zeichnung selbst"},
+    {"%s: can't hold two results", "%s: kann nicht zwei Ergebnisse aufnehmen"},
+    {"which drawing? FILE is missing", "welche Zeichnung? FILE fehlt"},
+    {"%s: needs one value", "%s: braucht einen Wert"},
+    {"%s: no such option", "%s: diese Option gibt es nicht"},
+    {"%s: one drawing at a time", "%s: nur eine Zeichnung auf einmal"},
+    {"Reads a DXF drawing, reports on it and draws it.",
+     "Liest eine DXF-Zeichnung, berichtet über sie und zeichnet sie."},
+    {"Usage", "Aufruf"},
+    {"OPTIONS", "OPTIONEN"},
+    {"Positionals", "Eingabe"},
+    {"REQUIRED", "(nötig)"},
+    {"Results", "Ergebnisse"},
+    {"Work", "Arbeit"},
+    {"Messages", "Meldungen"},
+    {"DXF drawing, text form; \"-\" is standard input", "DXF-Zeichnung in Textform; \"-\" ist die Standardeingabe"},
+    {"Draws the picture into this file; \"-\" is standard output, here and below",
+     "Zeichnet das Bild in diese Datei; \"-\" ist die Standardausgabe, auch im Folgenden"},
+    {"Writes the picture as a drawing without blocks", "Schreibt das Bild als Zeichnung ohne Blöcke"},
+    {"Writes the report for programs", "Schreibt den Bericht für Programme"},
+    {"Writes the crossings as a table", "Schreibt die Schnittpunkte als Tabelle"},
+    {"Writes the report here and not to standard output", "Schreibt den Bericht hierhin statt auf die Standardausgabe"},
+    {"translate=X,Y, rotate=DEGREES or scale=X[,Y]; of several: scaled, turned, then moved",
+     "translate=X,Y, rotate=GRAD oder scale=X[,Y]; mehrere: skaliert, gedreht, dann verschoben"},
+    {"Blends corners of lines by arcs of this radius", "Rundet Ecken von Linien mit diesem Radius ab"},
+    {"Cuts corners of lines at this distance; not with --fillet",
+     "Fast Ecken von Linien in diesem Abstand; nicht mit --fillet"},
+    {"Finds the nearest foot of a perpendicular on every curve", "Sucht auf jeder Kurve den nächsten Lotfußpunkt"},
+    {"The most passes of an iteration for crossings and feet; otherwise 1000",
+     "Höchstzahl der Durchläufe einer Iteration für Schnitt- und Lotfußpunkte; sonst 1000"},
+    {"Language of messages and report; otherwise that of LANG",
+     "Sprache von Meldungen und Bericht; sonst die von LANG"},
+    {"No messages but errors", "Keine Meldungen außer Fehlern"},
+    {"More messages", "Mehr Meldungen"},
+    {"Shows this and ends", "Zeigt dies und endet"},
+    {"Shows the version and ends", "Zeigt die Version und endet"},
+    {"Exit status: 0 done, 1 wrong use, 2 unreadable drawing, 3 unwritable result, 130 stopped by Ctrl-C",
+     "Endestatus: 0 fertig, 1 falscher Aufruf, 2 unlesbare Zeichnung, 3 unschreibbares Ergebnis, 130 Abbruch mit "
+     "Strg-C"},
 };
 
 } // namespace
 
 Language chooseLanguage(const std::string &choice)
 {
-    const char *wanted = choice.c_str();
-    if (choice.empty())
-        wanted = std::getenv("LANG");
-    return wanted && std::strncmp(wanted, "de", 2) == 0 ? Language::German : Language::English;
+    std::string wanted = choice;
+    for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const char *value = std::getenv(name); value && wanted.empty())
+            wanted = value;
+    return wanted.compare(0, 2, "de") == 0 ? Language::German : Language::English;
 }
 
 const char *translated(Language language, const char *english)

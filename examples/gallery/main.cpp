@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -332,6 +333,13 @@ int main(int argc, char **argv)
 {
     constexpr int misused = 1;
     constexpr int unwritable = 3;
+    if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+        std::printf("Draws one picture of each geometric operation of the library into a folder.\n"
+                    "Usage: kartory-gallery FOLDER\n\n"
+                    "Options:\n"
+                    "  -h,--help                   Print this help message and exit\n");
+        return 0;
+    }
     if (argc != 2 || argv[1][0] == '-') {
         std::fprintf(stderr, "usage: kartory-gallery FOLDER\n");
         return misused;

@@ -64,8 +64,14 @@ class Gallery(unittest.TestCase):
         for p in ((0, 5.5), (4, -3)):
             self.assertAlmostEqual(math.dist((x, y), p), math.dist((x, y), (-5, 1)), 3)
 
+    def test_help_names_the_folder(self):
+        for option in ("-h", "--help"):
+            result = run(option)
+            self.assertEqual((result.returncode, result.stderr), (0, ""))
+            self.assertIn("Usage: kartory-gallery FOLDER\n", result.stdout)
+
     def test_misuse_and_a_folder_that_cannot_be_written(self):
-        for arguments in ((), ("--help",), ("a", "b")):
+        for arguments in ((), ("--colour",), ("--help", "a"), ("a", "b")):
             result = run(*arguments)
             self.assertEqual((result.returncode, result.stderr), (1, "usage: kartory-gallery FOLDER\n"))
         file = self.folder.parent / "file"

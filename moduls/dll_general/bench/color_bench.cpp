@@ -75,6 +75,12 @@ const Palette palette = makePalette();
 
 [[gnu::noinline]] long fromTable(int index) { return index >= 0 && index < 256 ? palette.packed[index] : 0; }
 
+[[gnu::noinline]] long unchanged(long value)
+{
+    benchmark::DoNotOptimize(value);
+    return value;
+}
+
 template <class Function, class Value>
 void run(benchmark::State &state, Function function, const std::vector<Value> &values)
 {
@@ -92,9 +98,17 @@ void toIndexNearest(benchmark::State &state) { run(state, nearestOf256, colors()
 void toColorOurs(benchmark::State &state) { run(state, vColor::ConvDXF2RGB, indices()); }
 void toColorTable(benchmark::State &state) { run(state, fromTable, indices()); }
 
+void call(benchmark::State &state)
+{
+    run(state, unchanged, indices());
+    state.SetLabel("one call");
+}
+
 } // namespace
 
 BENCHMARK(toIndexOurs)->Name("Color/rgb to dxf/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(toIndexNearest)->Name("Color/rgb to dxf/nearest of 256")->Unit(benchmark::kMillisecond);
 BENCHMARK(toColorOurs)->Name("Color/dxf to rgb/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(toColorTable)->Name("Color/dxf to rgb/table")->Unit(benchmark::kMillisecond);
+BENCHMARK(call)->Name("Color/rgb to dxf/limit")->Unit(benchmark::kMillisecond);
+BENCHMARK(call)->Name("Color/dxf to rgb/limit")->Unit(benchmark::kMillisecond);

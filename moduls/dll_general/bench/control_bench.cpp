@@ -77,6 +77,23 @@ void dispatchOurs(benchmark::State &state)
     state.SetLabel("the item is asked for its kind");
 }
 
+/// Nothing but a call through a table, by a kind that is known.
+void dispatchLimit(benchmark::State &state)
+{
+    std::int64_t sums[kinds] = {};
+    int (*volatile table[kinds])(std::int64_t *);
+    for (auto &entry : table)
+        entry = [](std::int64_t *sum) { return *sum += 1, 0; };
+    const std::vector<std::size_t> order = kindsInOrder();
+    for (auto _ : state) {
+        for (const std::size_t kind : order)
+            benchmark::DoNotOptimize(table[kind](&sums[kind]));
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items));
+    state.SetLabel("a call through a table by a kind that is known");
+}
+
 struct Adding {
     virtual ~Adding() = default;
     virtual int add(std::int64_t *sums) = 0;
@@ -258,6 +275,7 @@ void messageVariants(benchmark::State &state, const char *text)
 } // namespace
 
 BENCHMARK(dispatchOurs)->Name("Dispatch/25_kinds/ours");
+BENCHMARK(dispatchLimit)->Name("Dispatch/25_kinds/limit");
 BENCHMARK(dispatchVirtual)->Name("Dispatch/25_kinds/virtual_call");
 BENCHMARK(dispatchVisit)->Name("Dispatch/25_kinds/std::visit");
 

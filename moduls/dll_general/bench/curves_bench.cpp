@@ -1,5 +1,5 @@
 // Intersections of whole curves, feet of perpendiculars and extents of arcs beside Open CASCADE: time a call, known
-// crossings that are missed in a million, and the largest distance of a reported point from its curves. Pairs on which the
+// crossings that are missed in a million, points reported a call, and the largest distance of a reported point from its curves. Pairs on which the
 // iteration doesn't settle are left out.
 #include "karextent.h"
 #include "karintersect.h"
@@ -89,7 +89,8 @@ enum Kind {
     circles,
     ellipseEllipse,
     feet,
-    extent
+    extent,
+    wholeExtent
 };
 
 template <Kind kind>
@@ -123,7 +124,8 @@ struct Ours {
             for (int i = count; i < 4; ++i)
                 q[i].x = nowhere;
         } else {
-            const karD_Rect r = CalculateBoundingRect(e.cx, e.cy, e.a, e.b, e.rotation, c.start, c.end);
+            const karD_Rect r = kind == extent ? CalculateBoundingRect(e.cx, e.cy, e.a, e.b, e.rotation, c.start, c.end)
+                                               : CalculateBoundingRect(e.cx, e.cy, e.a, e.b, e.rotation);
             q[0] = {r.left(), r.bottom()};
             q[1] = {r.right(), r.top()};
         }
@@ -156,7 +158,10 @@ struct OpenCascade {
                 p.at[i] = {found.Point(i + 1).Value().X(), found.Point(i + 1).Value().Y()};
         } else {
             Bnd_Box2d box;
-            BndLib::Add(c.first.peer(), c.start, c.end, 0.0, box);
+            if constexpr (kind == extent)
+                BndLib::Add(c.first.peer(), c.start, c.end, 0.0, box);
+            else
+                BndLib::Add(c.first.peer(), 0.0, box);
             box.Get(p.at[0].x, p.at[0].y, p.at[1].x, p.at[1].y);
         }
         return 0;
@@ -222,6 +227,8 @@ const char *rule()
         return "quartic by iteration to 1e-10";
     case extent:
         return "four candidates by arctangents";
+    case wholeExtent:
+        return "361 samples, one a degree";
     default:
         return "";
     }
@@ -246,7 +253,7 @@ template <template <Kind> class Peer, Kind kind>
 void missed(benchmark::State &state)
 {
     const std::vector<Case> cases = makeCases<kind>(100000);
-    double count = 0, points = 0;
+    double count = 0;
     for (auto _ : state)
         for (const Case &c : cases) {
             Points found;
@@ -255,16 +262,31 @@ void missed(benchmark::State &state)
             for (const Point &p : found.at) {
                 if (!(p.x < nowhere))
                     continue;
-                points += 1;
                 nearest = std::min(nearest, std::max(std::fabs(p.x - c.known.x), std::fabs(p.y - c.known.y)));
             }
             count += nearest <= 1e-6 ? 0 : 1;
         }
     state.counters["value"] = count * 1e6 / static_cast<double>(cases.size());
-    state.counters["points"] = points;
     state.SetLabel(kind == lineArc || kind == lineEllipse ? ""
                    : kind == feet                         ? "squared modulus within 1e-10 of 1"
                                                           : "t = pi is lost");
+}
+
+/// Points reported a call: how many there are is the same for all.
+template <template <Kind> class Peer, Kind kind>
+void reported(benchmark::State &state)
+{
+    const std::vector<Case> cases = makeCases<kind>(100000);
+    double count = 0;
+    for (auto _ : state)
+        for (const Case &c : cases) {
+            Points found;
+            Peer<kind>::solve(c, found);
+            for (const Point &p : found.at)
+                count += p.x < nowhere ? 1 : 0;
+        }
+    state.counters["value"] = count / static_cast<double>(cases.size());
+    state.SetLabel("points: more is better");
 }
 
 /// The largest distance of a reported point from its curves in units of 1e-12.
@@ -302,6 +324,8 @@ void distance(benchmark::State &state)
 #define CURVE_POINTS(kind, name)                                                                                       \
     BENCHMARK(missed<Ours, kind>)->Name("Curves/" name "_missed/ours")->Iterations(1);                                 \
     BENCHMARK(missed<OpenCascade, kind>)->Name("Curves/" name "_missed/occt")->Iterations(1);                          \
+    BENCHMARK(reported<Ours, kind>)->Name("Curves/" name "_points/ours")->Iterations(1);                               \
+    BENCHMARK(reported<OpenCascade, kind>)->Name("Curves/" name "_points/occt")->Iterations(1);                        \
     BENCHMARK(distance<Ours, kind>)->Name("Curves/" name "_distance/ours")->Iterations(1);                             \
     BENCHMARK(distance<OpenCascade, kind>)->Name("Curves/" name "_distance/occt")->Iterations(1)
 
@@ -312,6 +336,7 @@ CURVES(circles, "arc_arc_four_slots");
 CURVES(ellipseEllipse, "ellipse_ellipse");
 CURVES(feet, "feet");
 CURVES(extent, "arc_extent");
+CURVES(wholeExtent, "whole_extent");
 CURVE_POINTS(lineArc, "line_arc");
 CURVE_POINTS(lineEllipse, "line_ellipse");
 CURVE_POINTS(circles, "arc_arc_four_slots");

@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 #include <boost/intrusive/list.hpp>
 
+#include <cmath>
 #include <cstdint>
 #include <list>
 #include <string>
@@ -133,6 +134,30 @@ void boostIntrusive(benchmark::State &state, int length)
     sortPeer<List, Hooked>(state, lists, length);
 }
 
+/// The fewest comparisons that a sort can do with, log2 of the factorial, each of two neighbours in memory.
+void limit(benchmark::State &state, int length)
+{
+    std::vector<Element> elements(10000);
+    Random random;
+    for (Element &element : elements)
+        element.key = random.key();
+    Head head;
+    volatile OursMethod kept = static_cast<OursMethod>(&Head::smallerFirst);
+    const OursMethod method = kept;
+    const auto comparisons = static_cast<std::int64_t>(std::lgamma(length + 1.0) / std::log(2.0));
+    for (auto _ : state) {
+        int sum = 0;
+        std::size_t i = 0;
+        for (std::int64_t comparison = 0; comparison < comparisons; ++comparison) {
+            sum += (head.*method)(&elements[i], &elements[i + 1]);
+            i = i + 2 < elements.size() ? i + 1 : 0;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * length);
+    state.SetLabel("log2(n!) comparisons of neighbours in memory");
+}
+
 struct Sort {
     const char *name;
     void (*run)(benchmark::State &, int);
@@ -143,8 +168,8 @@ struct Sort {
 int main(int argc, char **argv)
 {
     for (const int length : {100, 10000, 1000000})
-        for (const Sort &sort :
-             {Sort{"ours", ours}, Sort{"std::list", standard}, Sort{"boost::intrusive", boostIntrusive}}) {
+        for (const Sort &sort : {Sort{"ours", ours}, Sort{"std::list", standard},
+                                 Sort{"boost::intrusive", boostIntrusive}, Sort{"limit", limit}}) {
             const std::string row = "ListSort/" + std::to_string(length) + "/" + sort.name;
             benchmark::RegisterBenchmark(row.c_str(), [=](benchmark::State &state) { sort.run(state, length); });
         }

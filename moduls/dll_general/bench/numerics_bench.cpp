@@ -265,6 +265,20 @@ struct GslLengths {
     }
 };
 
+/// The values of the integrand alone.
+void lengthLimit(benchmark::State &state)
+{
+    const double parameters[4] = {3, 0, 0, 2};
+    for (auto _ : state) {
+        double sum = 0;
+        for (int i = 0; i < 65; ++i)
+            sum += normDerivedElliptical(i * 0.1, parameters);
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.SetLabel("65 times sine, cosine and root");
+}
+
 template <class Method>
 void lengthTime(benchmark::State &state)
 {
@@ -311,6 +325,7 @@ BENCHMARK(quarticError<EigenQuartics, true>)->Name("Numerics/quartic_largest_err
 BENCHMARK(quadraticTime<OurQuadratics>)->Name("Numerics/quadratic/ours");
 BENCHMARK(quadraticTime<GslQuadratics>)->Name("Numerics/quadratic/gsl");
 BENCHMARK(lengthTime<OurLengths>)->Name("Numerics/arc_length/ours");
+BENCHMARK(lengthLimit)->Name("Numerics/arc_length/limit");
 BENCHMARK(lengthTime<BoostLengths>)->Name("Numerics/arc_length/boost");
 BENCHMARK(lengthTime<GslLengths>)->Name("Numerics/arc_length/gsl");
 BENCHMARK(lengthError<OurLengths>)->Name("Numerics/arc_length_largest_error/ours")->Iterations(1);

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <random>
 #include <vector>
 
@@ -147,6 +148,35 @@ void rotateAndBox(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
 }
 
+/// Each coordinate read, changed and written once.
+template <class Coordinate>
+void rotateLimit(benchmark::State &state)
+{
+    std::vector<Coordinate> all(2 * count, 1);
+    for (auto _ : state) {
+        for (Coordinate &value : all)
+            value += 1;
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
+    state.SetLabel("each coordinate read and written");
+}
+
+/// Each coordinate read once, as whole numbers whose sum may be taken in any order.
+template <class Word>
+void boxLimit(benchmark::State &state)
+{
+    const std::vector<Word> all(2 * count, 1);
+    for (auto _ : state) {
+        Word sum = 0;
+        for (const Word value : all)
+            sum += value;
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
+    state.SetLabel("each coordinate read");
+}
+
 } // namespace
 
 BENCHMARK(rotate<karD_Point>)->Name("Plane/rotate_1e6_real/ours")->Unit(benchmark::kMillisecond);
@@ -159,3 +189,8 @@ BENCHMARK(box<karPoint>)->Name("Plane/box_1e6_int/ours")->Unit(benchmark::kMilli
 BENCHMARK(box<Eigen::Vector2i>)->Name("Plane/box_1e6_int/eigen")->Unit(benchmark::kMillisecond);
 BENCHMARK(rotateAndBox<karD_Point>)->Name("Plane/rotate_box_1e6_real/ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(rotateAndBox<Eigen::Vector2d>)->Name("Plane/rotate_box_1e6_real/eigen")->Unit(benchmark::kMillisecond);
+BENCHMARK(rotateLimit<double>)->Name("Plane/rotate_1e6_real/limit")->Unit(benchmark::kMillisecond);
+BENCHMARK(rotateLimit<int>)->Name("Plane/rotate_1e6_int/limit")->Unit(benchmark::kMillisecond);
+BENCHMARK(boxLimit<std::uint64_t>)->Name("Plane/box_1e6_real/limit")->Unit(benchmark::kMillisecond);
+BENCHMARK(boxLimit<std::uint32_t>)->Name("Plane/box_1e6_int/limit")->Unit(benchmark::kMillisecond);
+BENCHMARK(rotateLimit<double>)->Name("Plane/rotate_box_1e6_real/limit")->Unit(benchmark::kMillisecond);

@@ -112,6 +112,20 @@ void applyGlm(benchmark::State &state)
     counted(state, Count);
 }
 
+/// Each coordinate read, changed and written once.
+template <std::size_t Count>
+void applyLimit(benchmark::State &state)
+{
+    std::vector<double> coordinates(3 * Count, 1.0);
+    for (auto _ : state) {
+        for (double &value : coordinates)
+            value += 1;
+        benchmark::ClobberMemory();
+    }
+    counted(state, Count);
+    state.SetLabel("24 bytes a point read and written");
+}
+
 void productOurs(benchmark::State &state)
 {
     const karMatrix a = transformation(), b = GetRotateMatrix(0.3, 0.2, 0.1);
@@ -170,6 +184,7 @@ APPLY(applyOurs, "ours");
 APPLY(applyEigen, "eigen affine");
 APPLY(applyEigenHomogeneous, "eigen");
 APPLY(applyGlm, "glm");
+APPLY(applyLimit, "limit");
 BENCHMARK(productOurs)->Name("Space/product 4x4/ours");
 BENCHMARK(productEigen)->Name("Space/product 4x4/eigen");
 BENCHMARK(productInPlaceOurs)->Name("Space/product in place 4x4/ours");

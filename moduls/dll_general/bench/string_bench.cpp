@@ -1,4 +1,5 @@
 // Texts beside std::string; number formatting and parsing beside the C library, fmt and std::from_chars.
+#include "karmemgb.h"
 #include "karstring.h"
 
 #include <benchmark/benchmark.h>
@@ -8,6 +9,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -322,6 +324,20 @@ void addGrowing(const std::string &row, Body body)
     });
 }
 
+/// A buffer of the allocator, filled and given back: what each text of its own costs at least.
+void bufferOf(benchmark::State &state, std::size_t length)
+{
+    const std::string source = sample(length);
+    for (auto _ : state) {
+        void *const buffer = KarAllocMemory(static_cast<unsigned>(length + 8));
+        std::memcpy(buffer, source.c_str(), length + 1);
+        benchmark::DoNotOptimize(buffer);
+        benchmark::ClobberMemory();
+        KarDellocMemory(buffer);
+    }
+    state.SetLabel("a buffer of the allocator, filled");
+}
+
 int registerAll()
 {
     for (const std::size_t length : {5u, 20u, 80u}) {
@@ -336,6 +352,8 @@ int registerAll()
             s.SetLabel(length < 16 ? "every text has a buffer of the allocator" : "");
         });
         add("String/copy/" + size + "/std", [=](benchmark::State &s) { copy<std::string>(s, length); });
+        add("String/construct/" + size + "/limit", [=](benchmark::State &s) { bufferOf(s, length); });
+        add("String/copy/" + size + "/limit", [=](benchmark::State &s) { bufferOf(s, length); });
         add("String/compare/" + size + "/ours", [=](benchmark::State &s) { compare<karString>(s, length); });
         add("String/compare/" + size + "/std", [=](benchmark::State &s) { compare<std::string>(s, length); });
     }

@@ -1,4 +1,5 @@
-// A plane in coefficient form, a user coordinate system in space, and the axes of object coordinate systems.
+/// \file
+/// A plane in coefficient form, a user coordinate system in space, and the axes of object coordinate systems.
 #ifndef KAR_3DBKS_H
 #define KAR_3DBKS_H
 
@@ -23,13 +24,15 @@ public:
     karPlane(const double &a = 0.0, const double &b = 0.0, const double &c = 1.0, const double &d = 0.0)
         : A(a), B(b), C(c), D(d)
     {}
-    karPlane(const karPlane &) = default;
+    karPlane(const karPlane &) = default; ///< Copies the coefficients.
     /// \}
 
-    karPlane &operator=(const karPlane &) = default;
+    karPlane &operator=(const karPlane &) = default; ///< Copies the coefficients.
 
     /// \name Reading
     /// \{
+
+    /// The coefficient as stored.
     double GetA() const { return A; }
     double GetB() const { return B; }
     double GetC() const { return C; }
@@ -40,25 +43,31 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores all four as they are.
     karPlane &Set(const double &a, const double &b, const double &c, const double &d)
     {
         return SetA(a).SetB(b).SetC(c).SetD(d);
     }
+    /// Stores one coefficient; the others stay.
     karPlane &SetA(const double &a)
     {
         A = a;
         return *this;
     }
+    /// \overload
     karPlane &SetB(const double &b)
     {
         B = b;
         return *this;
     }
+    /// \overload
     karPlane &SetC(const double &c)
     {
         C = c;
         return *this;
     }
+    /// \overload
     karPlane &SetD(const double &d)
     {
         D = d;
@@ -89,18 +98,19 @@ public:
     kar3DBKS(const kar3D_Point &origin, const kar3D_Point &px, const kar3D_Point &py)
         : origin_(origin), axisX(origin, px, true), axisY(origin, py, true)
     {}
+    /// The axes point along `x` and `y`.
     kar3DBKS(const kar3D_Point &origin, const kar3DVector &x, const kar3DVector &y)
         : origin_(origin), axisX(x, true), axisY(y, true)
     {}
-    kar3DBKS(const kar3DBKS &) = default;
+    kar3DBKS(const kar3DBKS &) = default; ///< Copies origin and axes as they are.
     /// \}
 
-    kar3DBKS &operator=(const kar3DBKS &) = default;
+    kar3DBKS &operator=(const kar3DBKS &) = default; ///< Copies origin and axes as they are.
 
     /// \name Reading
     /// \{
-    kar3DVector GetVectorAxisX() const { return axisX; }
-    kar3DVector GetVectorAxisY() const { return axisY; }
+    kar3DVector GetVectorAxisX() const { return axisX; } ///< The x axis, as a rule of unit length.
+    kar3DVector GetVectorAxisY() const { return axisY; } ///< The y axis, as a rule of unit length.
     /// x axis by y axis, normalised; (near) zero for parallel axes.
     kar3DVector GetVectorAxisZ() const { return axisX.OuterProduct(axisY); }
     /// The plane through three points: the origin and the tips of the two axes, not normalised.
@@ -113,11 +123,13 @@ public:
     /// \{
     kar3DVector &GetVectorAxisX() { return axisX; } ///< Note: what is written here is not normalised.
     kar3DVector &GetVectorAxisY() { return axisY; } ///< \overload
+    /// Stores the origin; the axes stay.
     kar3DBKS &SetOrigin(const kar3D_Point &origin)
     {
         origin_ = origin;
         return *this;
     }
+    /// Both axes, each normalised.
     kar3DBKS &SetAxis(const kar3DVector &x, const kar3DVector &y)
     {
         const kar3DVector newY(y, true); // y may be the x axis of this system
@@ -125,11 +137,13 @@ public:
         axisY = newY;
         return *this;
     }
+    /// One axis, normalised; the other stays.
     kar3DBKS &SetAxisX(const kar3DVector &x)
     {
         axisX = kar3DVector(x, true);
         return *this;
     }
+    /// \overload
     kar3DBKS &SetAxisY(const kar3DVector &y)
     {
         axisY = kar3DVector(y, true);
@@ -140,7 +154,8 @@ public:
     /// \name From the plane to space
     /// Note: these add a z of 0 and look neither at the origin nor at the axes.
     /// \{
-    kar3D_Point Get3DPoint(const karD_Point &p) const { return kar3D_Point(p.x(), p.y(), 0.0); }
+    kar3D_Point Get3DPoint(const karD_Point &p) const { return kar3D_Point(p.x(), p.y(), 0.0); } ///< (x, y, 0).
+    /// (width, height, 0).
     kar3D_Dimension Get3DDimension(const karD_Dimension &d) const
     {
         return kar3D_Dimension(d.width(), d.height(), 0.0);

@@ -1,4 +1,5 @@
-// Positions and extents in space, and an interval that keeps the same shape of three values.
+/// \file
+/// Positions and extents in space, and an interval that keeps the same shape of three values.
 #ifndef KAR_3DPOINT_H
 #define KAR_3DPOINT_H
 
@@ -17,20 +18,22 @@ class kar3D_Pair {
 public:
     /// \name Construction
     /// \{
-    kar3D_Pair() = default; ///< (0, 0, 0).
-    kar3D_Pair(const double &x, const double &y, const double &z) : x_(x), y_(y), z_(z) {}
-    kar3D_Pair(const kar3D_Pair &) = default;
+    kar3D_Pair() = default;                                                                ///< (0, 0, 0).
+    kar3D_Pair(const double &x, const double &y, const double &z) : x_(x), y_(y), z_(z) {} ///< x, y and z as given.
+    kar3D_Pair(const kar3D_Pair &) = default;                                              ///< Copies x, y and z.
     /// \}
 
 protected:
     /// \name Assignment
     /// \{
-    kar3D_Pair &operator=(const kar3D_Pair &) = default;
+    kar3D_Pair &operator=(const kar3D_Pair &) = default;                    ///< Copies x, y and z.
     const kar3D_Pair &operator=(const double &v) { return store(v, v, v); } ///< All three places become `v`.
     /// \}
 
     /// \name Reading
     /// \{
+
+    /// The coordinate as stored.
     const double &x() const { return x_; }
     const double &y() const { return y_; }
     const double &z() const { return z_; }
@@ -38,6 +41,8 @@ protected:
 
     /// \name Changing
     /// \{
+
+    /// Stores one coordinate; the others stay.
     void x(const double &v) { x_ = v; }
     void y(const double &v) { y_ = v; }
     void z(const double &v) { z_ = v; }
@@ -49,16 +54,18 @@ protected:
     /// and no complements of each other.
     /// Note: infinities are not equal to each other, since their difference is not a number.
     /// \{
+
+    /// Equal within the tolerance in all three places.
     bool operator==(const kar3D_Pair &o) const
     {
         return std::fabs(o.x_ - x_) < kar::lengthTolerance && std::fabs(o.y_ - y_) < kar::lengthTolerance &&
                std::fabs(o.z_ - z_) < kar::lengthTolerance;
     }
-    bool operator!=(const kar3D_Pair &o) const { return !(*this == o); }
-    bool operator>=(const kar3D_Pair &o) const { return x_ >= o.x_ && y_ >= o.y_ && z_ >= o.z_; }
-    bool operator<=(const kar3D_Pair &o) const { return x_ <= o.x_ && y_ <= o.y_ && z_ <= o.z_; }
-    bool operator>(const kar3D_Pair &o) const { return x_ > o.x_ && y_ > o.y_ && z_ > o.z_; }
-    bool operator<(const kar3D_Pair &o) const { return x_ < o.x_ && y_ < o.y_ && z_ < o.z_; }
+    bool operator!=(const kar3D_Pair &o) const { return !(*this == o); } ///< The negation of `==`.
+    bool operator>=(const kar3D_Pair &o) const { return x_ >= o.x_ && y_ >= o.y_ && z_ >= o.z_; } ///< In all three.
+    bool operator<=(const kar3D_Pair &o) const { return x_ <= o.x_ && y_ <= o.y_ && z_ <= o.z_; } ///< In all three.
+    bool operator>(const kar3D_Pair &o) const { return x_ > o.x_ && y_ > o.y_ && z_ > o.z_; }     ///< In all three.
+    bool operator<(const kar3D_Pair &o) const { return x_ < o.x_ && y_ < o.y_ && z_ < o.z_; }     ///< In all three.
     /// The total order, y before x before z: -1, 0 or 1; 0 if the deciding difference is not a number.
     int Cmp(const kar3D_Pair &o) const
     {
@@ -76,6 +83,8 @@ protected:
     /// \name Arithmetic, place by place, also of products and quotients
     /// A number is applied to each place, in sums too.
     /// \{
+
+    /// Each place by itself, in double arithmetic.
     const kar3D_Pair &operator+=(const kar3D_Pair &o) { return store(x_ + o.x_, y_ + o.y_, z_ + o.z_); }
     const kar3D_Pair &operator-=(const kar3D_Pair &o) { return store(x_ - o.x_, y_ - o.y_, z_ - o.z_); }
     const kar3D_Pair &operator*=(const kar3D_Pair &o) { return store(x_ * o.x_, y_ * o.y_, z_ * o.z_); }
@@ -98,10 +107,13 @@ protected:
     /// \name Lesser and greater value of each place
     /// A place that can't be compared, not being a number, stays that of the receiver.
     /// \{
+
+    /// The lesser x, the lesser y and the lesser z.
     kar3D_Pair Min(const kar3D_Pair &o) const
     {
         return kar3D_Pair(o.x_ < x_ ? o.x_ : x_, o.y_ < y_ ? o.y_ : y_, o.z_ < z_ ? o.z_ : z_);
     }
+    /// The greater x, the greater y and the greater z.
     kar3D_Pair Max(const kar3D_Pair &o) const
     {
         return kar3D_Pair(o.x_ > x_ ? o.x_ : x_, o.y_ > y_ ? o.y_ : y_, o.z_ > z_ ? o.z_ : z_);
@@ -141,6 +153,7 @@ protected:
     double AngleX(const kar3D_Pair &o) const { return std::atan2(o.y_ - y_, o.x_ - x_); }
     /// \}
 
+    /// Stores all three places and gives the object.
     const kar3D_Pair &store(double newX, double newY, double newZ)
     {
         x_ = newX;
@@ -163,9 +176,10 @@ template <class Self, class Truth>
 class SpaceTriple : public kar3D_Pair {
 public:
     using kar3D_Pair::kar3D_Pair;
-    SpaceTriple() = default;
-    SpaceTriple(const kar3D_Pair &o) : kar3D_Pair(o) {}
+    SpaceTriple() = default;                            ///< (0, 0, 0).
+    SpaceTriple(const kar3D_Pair &o) : kar3D_Pair(o) {} ///< Copies x, y and z.
 
+    /// All three places become `v`.
     const Self &operator=(const double &v)
     {
         kar3D_Pair::operator=(v);
@@ -174,17 +188,21 @@ public:
 
     /// \name Relations, as in `kar3D_Pair`
     /// \{
+
+    /// As the operator of `kar3D_Pair`.
     Truth operator==(const Self &o) const { return kar3D_Pair::operator==(o); }
     Truth operator!=(const Self &o) const { return kar3D_Pair::operator!=(o); }
     Truth operator>=(const Self &o) const { return kar3D_Pair::operator>=(o); }
     Truth operator<=(const Self &o) const { return kar3D_Pair::operator<=(o); }
     Truth operator>(const Self &o) const { return kar3D_Pair::operator>(o); }
     Truth operator<(const Self &o) const { return kar3D_Pair::operator<(o); }
-    int Cmp(const Self &o) const { return kar3D_Pair::Cmp(o); }
+    int Cmp(const Self &o) const { return kar3D_Pair::Cmp(o); } ///< As `kar3D_Pair::Cmp`.
     /// \}
 
     /// \name Arithmetic, place by place
     /// \{
+
+    /// As the operator of `kar3D_Pair`.
     const Self &operator+=(const Self &o) { return self(kar3D_Pair::operator+=(o)); }
     const Self &operator-=(const Self &o) { return self(kar3D_Pair::operator-=(o)); }
     const Self &operator*=(const Self &o) { return self(kar3D_Pair::operator*=(o)); }
@@ -206,6 +224,8 @@ public:
 
     /// \name Lesser and greater value of each place, distances
     /// \{
+
+    /// As the operation of the same name in `kar3D_Pair`.
     Self Min(const Self &o) const { return Self(kar3D_Pair::Min(o)); }
     Self Max(const Self &o) const { return Self(kar3D_Pair::Max(o)); }
     double DistAbs(const Self &o) const { return kar3D_Pair::DistAbs(o); }
@@ -215,10 +235,11 @@ public:
     /// \}
 
 protected:
-    SpaceTriple(const SpaceTriple &) = default;
-    SpaceTriple &operator=(const SpaceTriple &) = default;
+    SpaceTriple(const SpaceTriple &) = default;            ///< Copies x, y and z.
+    SpaceTriple &operator=(const SpaceTriple &) = default; ///< Copies x, y and z.
 
-    const Self &self() const { return static_cast<const Self &>(*this); }
+    const Self &self() const { return static_cast<const Self &>(*this); } ///< The object in its own type.
+    /// The triple in the type that it is part of.
     static const Self &self(const kar3D_Pair &triple) { return static_cast<const Self &>(triple); }
 };
 
@@ -230,22 +251,26 @@ public:
     /// \name Construction
     /// \{
     kar3D_Dimension() = default; ///< (0, 0, 0).
+    /// Width, height and deep as given.
     kar3D_Dimension(const double &width, const double &height, const double &deep) : SpaceTriple(width, height, deep) {}
-    kar3D_Dimension(const kar3D_Dimension &) = default;
-    kar3D_Dimension(const kar3D_Pair &o) : SpaceTriple(o) {}
+    kar3D_Dimension(const kar3D_Dimension &) = default;      ///< Copies the three places.
+    kar3D_Dimension(const kar3D_Pair &o) : SpaceTriple(o) {} ///< Width from x, height from y, deep from z.
     /// A copy of `p`. Note: `matrix` is ignored, and `_notready` is called.
     KAR_API kar3D_Dimension(const kar3D_Dimension &p, const karMatrix *matrix);
     /// \}
 
     /// \name Assignment
     /// \{
-    kar3D_Dimension &operator=(const kar3D_Dimension &) = default;
+    kar3D_Dimension &operator=(const kar3D_Dimension &) = default; ///< Copies the three places.
     // Declared here: the assignment of the base beside it would make that of a triple or a position ambiguous.
+    /// All three places become `v`.
     const kar3D_Dimension &operator=(const double &v) { return SpaceTriple::operator=(v); }
     /// \}
 
     /// \name Reading
     /// \{
+
+    /// Width, height and deep as stored; the forms with `Val` are the same.
     const double &width() const { return x(); }
     const double &height() const { return y(); }
     const double &deep() const { return z(); }
@@ -256,6 +281,8 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores one of the three; the others stay.
     void width(const double &v) { x(v); }
     void height(const double &v) { y(v); }
     void deep(const double &v) { z(v); }
@@ -266,8 +293,8 @@ public:
     /// \{
     using SpaceTriple::operator*=;
     using SpaceTriple::operator*;
-    KAR_API const kar3D_Dimension &operator*=(const karMatrix &matrix);
-    KAR_API kar3D_Dimension operator*(const karMatrix &matrix) const;
+    KAR_API const kar3D_Dimension &operator*=(const karMatrix &matrix); ///< Changes nothing.
+    KAR_API kar3D_Dimension operator*(const karMatrix &matrix) const;   ///< (0, 0, 0).
     /// \}
 };
 
@@ -278,16 +305,18 @@ class kar3D_Point : public kar::SpaceTriple<kar3D_Point, bool> {
 public:
     /// \name Construction
     /// \{
-    kar3D_Point() = default; ///< (0, 0, 0).
-    kar3D_Point(const double &x, const double &y, const double &z) : SpaceTriple(x, y, z) {}
-    kar3D_Point(const kar3D_Point &) = default;
-    kar3D_Point(const kar3D_Pair &o) : SpaceTriple(o) {}
+    kar3D_Point() = default;                                                                 ///< (0, 0, 0).
+    kar3D_Point(const double &x, const double &y, const double &z) : SpaceTriple(x, y, z) {} ///< x, y and z as given.
+    kar3D_Point(const kar3D_Point &) = default;                                              ///< Copies x, y and z.
+    kar3D_Point(const kar3D_Pair &o) : SpaceTriple(o) {}                                     ///< Copies x, y and z.
     /// `p` transformed by `matrix`, see `operator*=`; a copy of `p` if `matrix` is null or not 4 by 4.
     inline kar3D_Point(const kar3D_Point &p, const karMatrix *matrix);
     /// \}
 
     /// \name Assignment
     /// \{
+
+    /// Copies the three places: of an extent width, height and deep.
     kar3D_Point &operator=(const kar3D_Point &) = default;
     kar3D_Point &operator=(const kar3D_Pair &o) { return *this = kar3D_Point(o); }
     kar3D_Point &operator=(const kar3D_Dimension &d) { return *this = kar3D_Point(d); }
@@ -296,6 +325,8 @@ public:
 
     /// \name Reading
     /// \{
+
+    /// The coordinate as stored; `GetX` is the same as `x`, and so on.
     const double &x() const { return kar3D_Pair::x(); }
     const double &y() const { return kar3D_Pair::y(); }
     const double &z() const { return kar3D_Pair::z(); }
@@ -306,12 +337,15 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores one coordinate; the others stay.
     void x(const double &v) { kar3D_Pair::x(v); }
     void y(const double &v) { kar3D_Pair::y(v); }
     void z(const double &v) { kar3D_Pair::z(v); }
     void SetX(const double &v) { x(v); }
     void SetY(const double &v) { y(v); }
     void SetZ(const double &v) { z(v); }
+    /// Stores all three.
     void Set(const double &newX, const double &newY, const double &newZ) { store(newX, newY, newZ); }
     /// Stores the new position. Note: it does not add.
     kar3D_Point &move(const double &newX, const double &newY, const double &newZ)
@@ -319,7 +353,7 @@ public:
         store(newX, newY, newZ);
         return *this;
     }
-    void setNull() { store(0.0, 0.0, 0.0); }
+    void setNull() { store(0.0, 0.0, 0.0); } ///< To (0, 0, 0).
     /// \}
 
     /// \name Relations, also with an extent
@@ -330,6 +364,7 @@ public:
     using SpaceTriple::operator<=;
     using SpaceTriple::operator>;
     using SpaceTriple::operator<;
+    /// As the operator of `kar3D_Pair`: x with width, y with height, z with deep.
     bool operator==(const kar3D_Dimension &d) const { return kar3D_Pair::operator==(d); }
     bool operator!=(const kar3D_Dimension &d) const { return kar3D_Pair::operator!=(d); }
     bool operator>=(const kar3D_Dimension &d) const { return kar3D_Pair::operator>=(d); }
@@ -348,6 +383,7 @@ public:
     using SpaceTriple::operator-;
     using SpaceTriple::operator*;
     using SpaceTriple::operator/;
+    /// As the operator of `kar3D_Pair`: x with width, y with height, z with deep.
     const kar3D_Point &operator+=(const kar3D_Dimension &d) { return self(kar3D_Pair::operator+=(d)); }
     const kar3D_Point &operator-=(const kar3D_Dimension &d) { return self(kar3D_Pair::operator-=(d)); }
     const kar3D_Point &operator*=(const kar3D_Dimension &d) { return self(kar3D_Pair::operator*=(d)); }
@@ -365,8 +401,8 @@ public:
 
     /// \name Distance from the origin and direction, as in `kar3D_Pair`
     /// \{
-    double Distance() const { return kar3D_Pair::Distance(); }
-    double AngleX(const kar3D_Point &o) const { return kar3D_Pair::AngleX(o); }
+    double Distance() const { return kar3D_Pair::Distance(); }                  ///< As `kar3D_Pair::Distance`.
+    double AngleX(const kar3D_Point &o) const { return kar3D_Pair::AngleX(o); } ///< As `kar3D_Pair::AngleX`.
     /// \}
 
     /// \name Transformation
@@ -376,8 +412,8 @@ public:
     /// Note: the linear block is applied to a column vector, the translation is read from the last row. The fourth column
     /// is never read: there is no projective division.
     /// \{
-    inline kar3D_Point &operator*=(const karMatrix &matrix);
-    inline kar3D_Point operator*(const karMatrix &matrix) const;
+    inline kar3D_Point &operator*=(const karMatrix &matrix);     ///< Unchanged by a matrix of another size.
+    inline kar3D_Point operator*(const karMatrix &matrix) const; ///< (0, 0, 0) with a matrix of another size.
     /// \}
 };
 
@@ -390,15 +426,15 @@ public:
     kar3D_Range() = default; ///< All three values 0.
     /// From the lesser to the greater of `a` and `b`; the third value is `c`.
     kar3D_Range(double a, double b, double c) : lo_(b < a ? b : a), hi_(b > a ? b : a), third(c) {}
-    kar3D_Range(const kar3D_Range &) = default;
+    kar3D_Range(const kar3D_Range &) = default; ///< Copies all three values.
     /// \}
 
-    kar3D_Range &operator=(const kar3D_Range &) = default;
+    kar3D_Range &operator=(const kar3D_Range &) = default; ///< Copies all three values.
 
     /// \name Reading
     /// \{
-    double lo() const { return lo_; }
-    double hi() const { return hi_; }
+    double lo() const { return lo_; }                               ///< The lower end as stored.
+    double hi() const { return hi_; }                               ///< The upper end as stored.
     double isNull() const { return lo_ < hi_ ? 0.0 : 1.0; }         ///< 1.0 if `lo` is not less than `hi`, else 0.0.
     operator double() const { return lo_ < hi_ ? hi_ - lo_ : 0.0; } ///< The length, 0.0 of a null range.
     bool in(double v) const { return lo_ <= v && v <= hi_; }        ///< Both ends included.
@@ -423,11 +459,15 @@ public:
     /// Note: `+` puts the two in order and the third value to 0, `+=` does neither. So the sum of two null ranges goes from
     /// 0.0 to 32767.0.
     /// \{
+
+    /// With the single value `v`.
     kar3D_Range operator+(double v) const { return kar3D_Range(v < lo_ ? v : lo_, v > hi_ ? v : hi_, 0.0); }
+    /// The union of both, put in order.
     kar3D_Range operator+(const kar3D_Range &o) const
     {
         return kar3D_Range(o.lo_ < lo_ ? o.lo_ : lo_, o.hi_ > hi_ ? o.hi_ : hi_, 0.0);
     }
+    /// The union of both as it comes out; the third value stays.
     kar3D_Range &operator+=(const kar3D_Range &o)
     {
         lo_ = o.lo_ < lo_ ? o.lo_ : lo_;

@@ -1,4 +1,5 @@
-// The allocation pair behind every object of the library, and `new` and `delete` over it.
+/// \file
+/// The allocation pair behind every object of the library, and `new` and `delete` over it.
 #ifndef KAR_ALLOC_H
 #define KAR_ALLOC_H
 
@@ -23,6 +24,7 @@ namespace kar {
 /// Largest size whose block, with its two guards, has a length in 32 bits.
 constexpr std::size_t largestObject = 0xfffffff7u;
 
+/// A block for an object of `size` bytes; null on failure and for a size above `largestObject`.
 inline void *allocObject(std::size_t size) noexcept
 {
     return size > largestObject ? nullptr : KarAllocMemory(static_cast<unsigned>(size));

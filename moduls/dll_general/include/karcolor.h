@@ -1,4 +1,5 @@
-// The colour value: red, green, blue, and a fourth byte for colours that are inherited or symbolic.
+/// \file
+/// The colour value: red, green, blue, and a fourth byte for colours that are inherited or symbolic.
 #ifndef KAR_COLOR_H
 #define KAR_COLOR_H
 
@@ -15,18 +16,18 @@ enum FARBWERTE_SPECIAL : int {
 
 /// The DXF colour index, 0 to 255. Indices without a name here lie on the colour wheel or the ramp of greys.
 enum ACAD_Color : int {
-    ACAD_COLOR_NONE = 0, ///< black
-    ACAD_COLOR_RED = 1,
-    ACAD_COLOR_YELLOW = 2,
-    ACAD_COLOR_GREEN = 3,
-    ACAD_COLOR_CYAN = 4,
-    ACAD_COLOR_BLUE = 5,
-    ACAD_COLOR_MAGENTA = 6,
-    ACAD_COLOR_WHITE = 7, ///< white; what `karColor::acad` gives for black as well
+    ACAD_COLOR_NONE = 0,    ///< black
+    ACAD_COLOR_RED = 1,     ///< (255, 0, 0)
+    ACAD_COLOR_YELLOW = 2,  ///< (255, 255, 0)
+    ACAD_COLOR_GREEN = 3,   ///< (0, 255, 0)
+    ACAD_COLOR_CYAN = 4,    ///< (0, 255, 255)
+    ACAD_COLOR_BLUE = 5,    ///< (0, 0, 255)
+    ACAD_COLOR_MAGENTA = 6, ///< (255, 0, 255)
+    ACAD_COLOR_WHITE = 7,   ///< white; what `karColor::acad` gives for black as well
     ACAD_COLOR_DARK_GRAY = 8,
     ACAD_COLOR_GRAY = 9,
-    ACAD_COLOR_WHEEL_FIRST = 10,
-    ACAD_COLOR_WHEEL_LAST = 249,
+    ACAD_COLOR_WHEEL_FIRST = 10, ///< 24 hues of ten colours each from here
+    ACAD_COLOR_WHEEL_LAST = 249, ///< the last of them
     ACAD_COLOR_RAMP_FIRST = 250, ///< darkest of six greys
     ACAD_COLOR_RAMP_LAST = 255,  ///< lightest of six greys
 };
@@ -50,18 +51,20 @@ public:
     /// The plain colour of a DXF index; outside 0 to 255 black with the mark of the layer's colour.
     /// Note: the assignment from such an index gives plain black.
     karColor(ACAD_Color c) { init(c); }
-    karColor(const karColor &) = default;
+    karColor(const karColor &) = default; ///< Copies all four bytes.
     /// \}
 
     /// \name Assignment
     /// \{
-    karColor &operator=(const karColor &) = default;
+    karColor &operator=(const karColor &) = default; ///< Copies all four bytes.
     /// The plain colour of a DXF index; outside 0 to 255 plain black.
     KAR_API karColor &operator=(ACAD_Color c);
     /// \}
 
     /// \name Reading
     /// \{
+
+    /// One byte as stored, 0 to 255.
     unsigned char red() const { return red_; }
     unsigned char green() const { return green_; }
     unsigned char blue() const { return blue_; }
@@ -74,6 +77,8 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores one byte; the others stay.
     void red(unsigned char value) { red_ = value; }
     void green(unsigned char value) { green_ = value; }
     void blue(unsigned char value) { blue_ = value; }
@@ -97,15 +102,16 @@ public:
 
     /// \name Relations: all four bytes
     /// \{
-    bool operator==(const karColor &o) const { return rgbs() == o.rgbs(); }
-    bool operator!=(const karColor &o) const { return rgbs() != o.rgbs(); }
+    bool operator==(const karColor &o) const { return rgbs() == o.rgbs(); } ///< All four bytes are equal.
+    bool operator!=(const karColor &o) const { return rgbs() != o.rgbs(); } ///< A byte differs.
     /// \}
 
     /// \name Arithmetic, part by part; `special` of the result is 0
     /// \{
     karColor invers() const { return parts(255 - red_, 255 - green_, 255 - blue_); } ///< The complement.
+    /// Exclusive or.
     karColor operator^(const karColor &o) const { return parts(red_ ^ o.red_, green_ ^ o.green_, blue_ ^ o.blue_); }
-    karColor &operator^=(const karColor &o) { return *this = *this ^ o; }
+    karColor &operator^=(const karColor &o) { return *this = *this ^ o; } ///< Exclusive or.
     /// 255 for a part below 128, otherwise 0.
     karColor contrast() const { return parts(contrastOf(red_), contrastOf(green_), contrastOf(blue_)); }
     /// The mean of both, truncated.

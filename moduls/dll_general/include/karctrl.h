@@ -1,4 +1,5 @@
-// What a long-running operation and its client exchange: typed values, messages, break and progress.
+/// \file
+/// What a long-running operation and its client exchange: typed values, messages, break and progress.
 #ifndef KAR_CTRL_H
 #define KAR_CTRL_H
 
@@ -39,7 +40,7 @@ public:
 
     /// \name Virtual operations, in slot order
     /// \{
-    virtual ~karDataBase();
+    virtual ~karDataBase();                          ///< A host may delete by this class.
     virtual CtrlType getType() const;                ///< 0.
     virtual int getId() const;                       ///< -1.
     virtual karString getText() const;               ///< Empty.
@@ -48,8 +49,8 @@ public:
     virtual karVectorizeParameter *getParam() const; ///< Null.
     /// \}
 
-    karDataBase() = default;
-    karDataBase(const karDataBase &) {}
+    karDataBase() = default;                                      ///< Holds nothing.
+    karDataBase(const karDataBase &) {}                           ///< Copies nothing.
     karDataBase &operator=(const karDataBase &) { return *this; } ///< Does nothing.
 };
 
@@ -59,16 +60,16 @@ public:
     /// \name Virtual operations, in slot order
     /// \{
     CtrlType getType() const override; ///< 1.
-    int getId() const override;
-    virtual void setId(int newId);
+    int getId() const override;        ///< The id as stored.
+    virtual void setId(int newId);     ///< Stores another id.
     /// \}
 
-    explicit karDataId(int value = 0) : id(value) {}
-    karDataId(const karDataId &) = default;
-    karDataId &operator=(const karDataId &) = default;
+    explicit karDataId(int value = 0) : id(value) {}   ///< Holds `value`.
+    karDataId(const karDataId &) = default;            ///< Copies the id.
+    karDataId &operator=(const karDataId &) = default; ///< Copies the id.
 
 protected:
-    int id;
+    int id; ///< as `getId` gives it
 };
 
 /// A text.
@@ -76,17 +77,17 @@ class KAR_API karDataText : public karDataBase {
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    CtrlType getType() const override;  ///< 2.
-    karString getText() const override; ///< A copy.
-    virtual void setText(const karString &newText);
+    CtrlType getType() const override;              ///< 2.
+    karString getText() const override;             ///< A copy.
+    virtual void setText(const karString &newText); ///< A copy replaces the text.
     /// \}
 
-    explicit karDataText(const karString &value = karString());
-    karDataText(const karDataText &) = default;
-    karDataText &operator=(const karDataText &) = default;
+    explicit karDataText(const karString &value = karString()); ///< Holds a copy of `value`.
+    karDataText(const karDataText &) = default;                 ///< Copies the text.
+    karDataText &operator=(const karDataText &) = default;      ///< Copies the text.
 
 protected:
-    karString text;
+    karString text; ///< a copy of its own
 };
 
 /// An integer.
@@ -94,17 +95,17 @@ class KAR_API karDataInteger : public karDataBase {
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    CtrlType getType() const override; ///< 3.
-    int getInteger() const override;
-    virtual void setInteger(int newValue);
+    CtrlType getType() const override;     ///< 3.
+    int getInteger() const override;       ///< The number as stored.
+    virtual void setInteger(int newValue); ///< Stores another number.
     /// \}
 
-    explicit karDataInteger(int number = 0) : value(number) {}
-    karDataInteger(const karDataInteger &) = default;
-    karDataInteger &operator=(const karDataInteger &) = default;
+    explicit karDataInteger(int number = 0) : value(number) {}   ///< Holds `number`.
+    karDataInteger(const karDataInteger &) = default;            ///< Copies the number.
+    karDataInteger &operator=(const karDataInteger &) = default; ///< Copies the number.
 
 protected:
-    int value;
+    int value; ///< as `getInteger` gives it
 };
 
 /// A real.
@@ -112,17 +113,17 @@ class KAR_API karDataDouble : public karDataBase {
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    CtrlType getType() const override; ///< 4.
-    double getDouble() const override;
+    CtrlType getType() const override;       ///< 4.
+    double getDouble() const override;       ///< The number as stored.
     virtual void getDouble(double newValue); ///< Stores. Note: this is the setter, under this name.
     /// \}
 
-    explicit karDataDouble(double number = 0.0) : value(number) {}
-    karDataDouble(const karDataDouble &) = default;
-    karDataDouble &operator=(const karDataDouble &) = default;
+    explicit karDataDouble(double number = 0.0) : value(number) {} ///< Holds `number`.
+    karDataDouble(const karDataDouble &) = default;                ///< Copies the number.
+    karDataDouble &operator=(const karDataDouble &) = default;     ///< Copies the number.
 
 protected:
-    double value;
+    double value; ///< as `getDouble` gives it
 };
 
 /// A parameter set of the host.
@@ -132,18 +133,18 @@ class KAR_API karDataParam : public karDataBase {
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    ~karDataParam() override;
-    CtrlType getType() const override; ///< 5.
-    karVectorizeParameter *getParam() const override;
-    virtual void setParam(const karVectorizeParameter *newParam);
+    ~karDataParam() override;                         ///< Deletes nothing.
+    CtrlType getType() const override;                ///< 5.
+    karVectorizeParameter *getParam() const override; ///< As stored: null unless a class of the host has set one.
+    virtual void setParam(const karVectorizeParameter *newParam); ///< Stores nothing.
     /// \}
 
-    explicit karDataParam(const karVectorizeParameter *value = nullptr);
-    karDataParam(const karDataParam &) = default;            ///< Copies the pointer.
-    karDataParam &operator=(const karDataParam &) = default; ///< Copies the pointer.
+    explicit karDataParam(const karVectorizeParameter *value = nullptr); ///< Holds null, whatever `value` is.
+    karDataParam(const karDataParam &) = default;                        ///< Copies the pointer.
+    karDataParam &operator=(const karDataParam &) = default;             ///< Copies the pointer.
 
 protected:
-    karVectorizeParameter *param = nullptr;
+    karVectorizeParameter *param = nullptr; ///< not owned
 };
 
 /// An id and a fixed number of numbered parameters, which the message owns. A parameter that isn't set is empty.
@@ -159,9 +160,9 @@ public:
 
     /// \name Virtual operations, in slot order
     /// \{
-    virtual ~karMessageBase();
-    virtual EnumMessageID getMessageID() const;
-    virtual int getParamCount() const;
+    virtual ~karMessageBase();                            ///< Deletes the parameters.
+    virtual EnumMessageID getMessageID() const;           ///< The id given at construction.
+    virtual int getParamCount() const;                    ///< Parameters that there are, set or empty.
     virtual karMessageBase &setParamCount(int count);     ///< Leaves `count` empty parameters.
     virtual const karDataBase *getParam(int index) const; ///< On loan; null if empty or out of range.
     virtual CtrlType getParamType(int index) const;       ///< 0 if empty or out of range.
@@ -179,14 +180,14 @@ public:
     virtual karMessageBase &setDouble(int index, double value); ///< As `setId`.
     /// \}
 
-    explicit karMessageBase(EnumMessageID ownId = MessageNone, int count = 2);
+    explicit karMessageBase(EnumMessageID ownId = MessageNone, int count = 2); ///< `count` empty parameters.
     karMessageBase(const karMessageBase &) = default; ///< Note: both messages then hold, and release, one array.
     karMessageBase &operator=(const karMessageBase &) = default; ///< Note: as the copy; old parameters aren't released.
 
 protected:
-    EnumMessageID id;
+    EnumMessageID id;               ///< as constructed
     karDataBase **params = nullptr; ///< `paramCount` values, null without an array
-    int paramCount = 0;
+    int paramCount = 0;             ///< length of `params`
 
 private:
     void Delete(int index);
@@ -200,8 +201,8 @@ class KAR_API karMessageLBase : public karListTyped<karMessageLBase, karListObje
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    int ListObjectOk() override; ///< 1.
-    virtual karMessageBase *getMessage();
+    int ListObjectOk() override;          ///< 1.
+    virtual karMessageBase *getMessage(); ///< The message in the element, never null; on loan.
     /// \}
 
     /// Behind the end of `chain`, or alone with null.
@@ -212,7 +213,7 @@ public:
     karMessageLBase &operator=(const karMessageLBase &) = default; ///< Note: as the copy.
 
 protected:
-    karMessageBase message;
+    karMessageBase message; ///< part of the element, gone with it
 };
 
 /// A list of messages, which it owns. Removing an element deletes its message and the message's parameters.
@@ -224,12 +225,13 @@ public:
     ~karMessage() override;          ///< Deletes the messages.
     /// \}
 
-    karMessage() : karListHeadTyped(ObjektIdies(0)) {}
-    karMessage(const karMessage &) = default; ///< Note: shares the elements with its source; both delete them.
+    karMessage() : karListHeadTyped(ObjektIdies(0)) {} ///< Empty.
+    karMessage(const karMessage &) = default;          ///< Note: shares the elements with its source; both delete them.
     karMessage &operator=(const karMessage &) = default; ///< Note: as the copy.
 
     /// \name Adding and removing
     /// \{
+
     /// A new message at the end; null for the id 8 and if memory ends.
     karMessageLBase *addMessage(EnumMessageID id, int paramCount);
     /// Appends the element if it isn't in the list yet, and gives it back; null stays null. Linear.
@@ -244,8 +246,12 @@ public:
     /// \name Searching
     /// Linear, from the first element; null if nothing is found. Here 0 is an id like any other.
     /// \{
+
+    /// The element itself, if it stands in the list.
     karMessageLBase *searchMessage(karMessageLBase *element);
+    /// The element that holds the message.
     karMessageLBase *searchMessage(karMessageBase *message);
+    /// The first element whose message has that id.
     karMessageLBase *searchMessage(EnumMessageID id);
     /// The first element of that id from the one that holds `message` on; id 0 is any.
     /// Note: the search begins at the message itself, so a message of the id gives itself. To walk a list, go on with
@@ -264,37 +270,37 @@ public:
 
     /// \name Virtual operations, in slot order
     /// \{
-    virtual ~karCtrl();
+    virtual ~karCtrl(); ///< Deletes percentage and messages.
     /// True once a break was asked for. Note: the first call that tells it turns `BreakRequested` into `BreakSeen`.
     virtual bool isBreak();
-    virtual void SetBreak();
-    virtual void ResetBreak();
-    virtual BreakState getBreak(); ///< The state, unchanged.
-    virtual void resetPercent();
-    virtual void setGlobalPercent(int value);
-    virtual int getGlobalPercent();
-    virtual void setLayerPercent(int value);
-    virtual int getLayerPercent();
-    virtual void addPercentLayer();
-    virtual void removePercentLayer();
-    virtual void setPercentStartEnd(int start, int end);
-    virtual karMessage *getMessageList();
+    virtual void SetBreak();                             ///< To `BreakRequested`, also from `BreakSeen`.
+    virtual void ResetBreak();                           ///< To `BreakNone`.
+    virtual BreakState getBreak();                       ///< The state, unchanged.
+    virtual void resetPercent();                         ///< As `karPercent::reset`.
+    virtual void setGlobalPercent(int value);            ///< As `karPercent::setPercent`.
+    virtual int getGlobalPercent();                      ///< As `karPercent::getPercent`.
+    virtual void setLayerPercent(int value);             ///< As `karPercent::setLayerPercent(int)`.
+    virtual int getLayerPercent();                       ///< As `karPercent::getLayerPercent`.
+    virtual void addPercentLayer();                      ///< As `karPercent::addLayer`.
+    virtual void removePercentLayer();                   ///< As `karPercent::removeLayer`.
+    virtual void setPercentStartEnd(int start, int end); ///< As `karPercent::setStartEnd`.
+    virtual karMessage *getMessageList();                ///< The list itself, owned by the controller.
     virtual karMessageBase *addMessage(EnumMessageID id, int paramCount); ///< Null for the id 8 and if memory ends.
     virtual karMessageBase *getMessage(EnumMessageID id);                 ///< The first of that id, or null.
     virtual karMessageBase *getMessage();                                 ///< The first of all, or null.
     virtual karMessageBase *nextMessage(karMessageBase *message, EnumMessageID id); ///< As `karMessage::nextMessage`.
     virtual karMessageBase *prevMessage(karMessageBase *message, EnumMessageID id); ///< As `karMessage::prevMessage`.
-    virtual void removeMessage(karMessageBase *message);
+    virtual void removeMessage(karMessageBase *message); ///< Deletes the message, if the list holds it.
     /// \}
 
-    karCtrl();
+    karCtrl();                          ///< No break, one layer of 0 to 100, no messages.
     karCtrl(const karCtrl &) = default; ///< Note: shares percentage and messages with its source; both delete them.
     karCtrl &operator=(const karCtrl &) = default; ///< Note: as the copy; what was held isn't deleted.
 
 protected:
-    BreakState breakState = BreakNone;
-    karPercent *percent;
-    karMessage *messages;
+    BreakState breakState = BreakNone; ///< as `getBreak` gives it
+    karPercent *percent;               ///< owned
+    karMessage *messages;              ///< owned
 };
 
 /// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every operation
@@ -312,40 +318,45 @@ public:
     /// Uses another controller, null included; deletes the present one if the filter made it. None is made for null.
     /// Note: deletes it also where it is the argument itself, which must not be used any more then.
     void setCtrl(karCtrl *newCtrl);
-    karCtrl *getCtrl() { return ctrl; }
-    bool isOwnCtrlUsed() { return ownCtrl; }
+    karCtrl *getCtrl() { return ctrl; }      ///< The controller in use, whoever owns it.
+    bool isOwnCtrlUsed() { return ownCtrl; } ///< True if the filter made its controller and will delete it.
 
     /// \name Break
     /// \{
+
+    /// True once a break was asked for; the first call that tells it marks it as seen.
     bool isBreak() { return ctrl->isBreak(); }
-    void setBreak(bool on); ///< `SetBreak` or `ResetBreak`.
-    BreakState getBreak() { return ctrl->getBreak(); }
+    void setBreak(bool on);                            ///< `SetBreak` or `ResetBreak`.
+    BreakState getBreak() { return ctrl->getBreak(); } ///< The state, unchanged.
     /// \}
 
     /// \name Progress
     /// \{
-    void resetPercent() { ctrl->resetPercent(); }
+    void resetPercent() { ctrl->resetPercent(); } ///< One layer of 0 to 100 again.
+    /// Stores the percentage of the whole, past all layers.
     void setGlobalPercent(int value) { ctrl->setGlobalPercent(value); }
-    int getGlobalPercent() { return ctrl->getGlobalPercent(); }
+    int getGlobalPercent() { return ctrl->getGlobalPercent(); }  ///< The percentage of the whole, or -1.
     void setPercent(int value) { ctrl->setLayerPercent(value); } ///< Note: that of the innermost layer.
     int getPercent() { return ctrl->getLayerPercent(); }         ///< Note: that of the innermost layer.
-    void addPercentLayer() { ctrl->addPercentLayer(); }
-    void removePercentLayer() { ctrl->removePercentLayer(); }
+    void addPercentLayer() { ctrl->addPercentLayer(); }          ///< A layer for a sub-phase.
+    void removePercentLayer() { ctrl->removePercentLayer(); }    ///< The sub-phase is over.
+    /// The stretch of the next outer layer that the innermost one covers.
     void setPercentStartEnd(int start, int end) { ctrl->setPercentStartEnd(start, end); }
     /// \}
 
     /// \name Messages
     /// \{
-    karMessage *getMessageList() { return ctrl->getMessageList(); }
+    karMessage *getMessageList() { return ctrl->getMessageList(); } ///< All messages; the controller owns them.
+    /// A new message at the end; null for the id 8 and if memory ends.
     karMessageBase *addMessage(EnumMessageID id, int paramCount) { return ctrl->addMessage(id, paramCount); }
-    karMessageBase *getMessage() { return ctrl->getMessage(); }
-    karMessageBase *getMessage(EnumMessageID id) { return ctrl->getMessage(id); }
-    void removeMessage(karMessageBase *message) { ctrl->removeMessage(message); }
+    karMessageBase *getMessage() { return ctrl->getMessage(); }                   ///< The first of all, or null.
+    karMessageBase *getMessage(EnumMessageID id) { return ctrl->getMessage(id); } ///< The first of that id, or null.
+    void removeMessage(karMessageBase *message) { ctrl->removeMessage(message); } ///< Deletes it if it is there.
     /// \}
 
 protected:
-    karCtrl *ctrl;
-    bool ownCtrl;
+    karCtrl *ctrl; ///< in use, null after `setCtrl(nullptr)`
+    bool ownCtrl;  ///< the filter made it and deletes it
 };
 
 #endif

@@ -1,4 +1,5 @@
-// Positions and extents of the drawing plane, and the way between them and the pixel grid.
+/// \file
+/// Positions and extents of the drawing plane, and the way between them and the pixel grid.
 #ifndef KAR_DPOINT_H
 #define KAR_DPOINT_H
 
@@ -19,9 +20,9 @@ public:
 
     /// \name Type identity, of the class alone and not virtual
     /// \{
-    ObjektIdies GetType() const { return Id; }
-    int IsType(ObjektIdies id) const { return id == Id; }
-    int CanCast(ObjektIdies id) const { return id == Id; }
+    ObjektIdies GetType() const { return Id; }             ///< `Id`.
+    int IsType(ObjektIdies id) const { return id == Id; }  ///< Equality with `Id`.
+    int CanCast(ObjektIdies id) const { return id == Id; } ///< Equality with `Id`.
     /// \}
 
     /// \name Relations: 1 or 0
@@ -29,16 +30,18 @@ public:
     /// Note: the four relations hold only if they hold for x and for y. They are no order and no complements of each
     /// other.
     /// \{
-    int operator==(const Self &o) const { return x() == o.x() && y() == o.y(); }
-    int operator!=(const Self &o) const { return x() != o.x() || y() != o.y(); }
-    int operator>=(Self o) const { return x() >= o.x() && y() >= o.y(); }
-    int operator<=(Self o) const { return x() <= o.x() && y() <= o.y(); }
-    int operator>(Self o) const { return x() > o.x() && y() > o.y(); }
-    int operator<(Self o) const { return x() < o.x() && y() < o.y(); }
+    int operator==(const Self &o) const { return x() == o.x() && y() == o.y(); } ///< Both places are equal.
+    int operator!=(const Self &o) const { return x() != o.x() || y() != o.y(); } ///< A place differs.
+    int operator>=(Self o) const { return x() >= o.x() && y() >= o.y(); }        ///< It holds for x and for y.
+    int operator<=(Self o) const { return x() <= o.x() && y() <= o.y(); }        ///< It holds for x and for y.
+    int operator>(Self o) const { return x() > o.x() && y() > o.y(); }           ///< It holds for x and for y.
+    int operator<(Self o) const { return x() < o.x() && y() < o.y(); }           ///< It holds for x and for y.
     /// \}
 
     /// \name Arithmetic, place by place
     /// \{
+
+    /// Each place by itself, in double arithmetic.
     Self operator-() const { return Self(-x(), -y()); }
     Self operator*(double factor) const { return Self(x() * factor, y() * factor); }
     Self operator/(double divisor) const { return Self(x() / divisor, y() / divisor); }
@@ -55,7 +58,10 @@ public:
     /// \name Lesser and greater value of each place
     /// A place that can't be compared, not being a number, stays that of the receiver.
     /// \{
+
+    /// The lesser x and the lesser y.
     Self Min(const Self &o) const { return Self(o.x() < x() ? o.x() : x(), o.y() < y() ? o.y() : y()); }
+    /// The greater x and the greater y.
     Self Max(const Self &o) const { return Self(o.x() > x() ? o.x() : x(), o.y() > y() ? o.y() : y()); }
     /// \}
 
@@ -80,6 +86,7 @@ public:
     /// \}
 
 protected:
+    /// Stores both places and gives the object in its own type.
     Self &store(double newX, double newY)
     {
         x(newX);
@@ -96,20 +103,22 @@ class karD_Dimension : public kar::RealPlanePair<karD_Dimension, KAR_ID_D_DIMENS
 public:
     /// \name Construction
     /// \{
-    karD_Dimension() = default;                       ///< (0, 0).
-    karD_Dimension(double v) : RealPlanePair(v, v) {} ///< (v, v).
-    karD_Dimension(double a, double b) : RealPlanePair(a, b) {}
-    karD_Dimension(const karD_Dimension &) = default;
+    karD_Dimension() = default;                                 ///< (0, 0).
+    karD_Dimension(double v) : RealPlanePair(v, v) {}           ///< (v, v).
+    karD_Dimension(double a, double b) : RealPlanePair(a, b) {} ///< Width `a`, height `b`.
+    karD_Dimension(const karD_Dimension &) = default;           ///< Copies width and height.
     /// \}
 
     /// \name Assignment
     /// \{
-    karD_Dimension &operator=(const karD_Dimension &) = default;
-    karD_Dimension &operator=(double v) { return store(v, v); } ///< Both places become `v`.
+    karD_Dimension &operator=(const karD_Dimension &) = default; ///< Copies width and height.
+    karD_Dimension &operator=(double v) { return store(v, v); }  ///< Both places become `v`.
     /// \}
 
     /// \name Reading
     /// \{
+
+    /// Width and height as stored; the forms with `Val` are the same.
     double width() const { return First(); }
     double widthVal() const { return First(); }
     double height() const { return Second(); }
@@ -118,6 +127,8 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores one of the two; the other stays.
     void width(double value) { First(value); }
     void height(double value) { Second(value); }
     /// \}
@@ -136,6 +147,7 @@ public:
     /// \name Arithmetic
     /// \{
     using RealPlanePair::operator-;
+    /// Width with width, height with height.
     karD_Dimension operator+(karD_Dimension o) const { return karD_Dimension(x() + o.x(), y() + o.y()); }
     karD_Dimension operator-(karD_Dimension o) const { return karD_Dimension(x() - o.x(), y() - o.y()); }
     /// \}
@@ -149,10 +161,10 @@ class karD_Point : public kar::RealPlanePair<karD_Point, KAR_ID_D_POINT> {
 public:
     /// \name Construction
     /// \{
-    karD_Point() = default;                       ///< (0, 0).
-    karD_Point(double v) : RealPlanePair(v, v) {} ///< (v, v).
-    karD_Point(double a, double b) : RealPlanePair(a, b) {}
-    karD_Point(const karD_Point &) = default;
+    karD_Point() = default;                                        ///< (0, 0).
+    karD_Point(double v) : RealPlanePair(v, v) {}                  ///< (v, v).
+    karD_Point(double a, double b) : RealPlanePair(a, b) {}        ///< x is `a`, y is `b`.
+    karD_Point(const karD_Point &) = default;                      ///< Copies x and y.
     karD_Point(const karPoint &p) : RealPlanePair(p.x(), p.y()) {} ///< Exact.
     /// The placed copy of `p`: see `karparamblock.h`.
     KAR_API karD_Point(const karD_Point &p, karParamBlock *block);
@@ -160,11 +172,11 @@ public:
 
     /// \name Assignment
     /// \{
-    karD_Point &operator=(const karD_Point &) = default;
+    karD_Point &operator=(const karD_Point &) = default;                     ///< Copies x and y.
     karD_Point &operator=(const karPoint &p) { return store(p.x(), p.y()); } ///< Exact.
     karD_Point &operator=(const double &v) { return store(v, v); }           ///< Both places become `v`.
     karD_Point &operator=(const int &v) { return store(v, v); }              ///< \overload
-    karD_Point &Set(double newX, double newY) { return store(newX, newY); }
+    karD_Point &Set(double newX, double newY) { return store(newX, newY); }  ///< Stores both places.
     /// \}
 
     /// Rounds half away from zero: trunc(v - 0.5) for a place below 0, otherwise trunc(v + 0.5). Beyond the `int`
@@ -190,6 +202,7 @@ public:
     using RealPlanePair::operator-=;
     using RealPlanePair::operator*=;
     using RealPlanePair::operator/=;
+    /// Each place by itself, in double arithmetic.
     karD_Point operator+(const karD_Point &o) const { return karD_Point(x() + o.x(), y() + o.y()); }
     karD_Point operator-(const karD_Point &o) const { return karD_Point(x() - o.x(), y() - o.y()); }
     karD_Point operator+(const karD_Dimension &d) const { return karD_Point(x() + d.x(), y() + d.y()); }
@@ -215,8 +228,8 @@ public:
     /// \{
     using RealPlanePair::Max;
     using RealPlanePair::Min;
-    karD_Point Min(const karPoint &o) const { return Min(karD_Point(o)); }
-    karD_Point Max(const karPoint &o) const { return Max(karD_Point(o)); }
+    karD_Point Min(const karPoint &o) const { return Min(karD_Point(o)); } ///< The lesser x and the lesser y.
+    karD_Point Max(const karPoint &o) const { return Max(karD_Point(o)); } ///< The greater x and the greater y.
     /// \}
 
     /// \name Distances and direction
@@ -231,14 +244,16 @@ public:
 
     /// \name Changing
     /// \{
-    void setNull() { store(0.0, 0.0); }
-    void MoveElement(double dx, double dy) { store(x() + dx, y() + dy); }
+    void setNull() { store(0.0, 0.0); }                                   ///< To (0, 0).
+    void MoveElement(double dx, double dy) { store(x() + dx, y() + dy); } ///< Adds (dx, dy).
     /// \}
 
     /// \name Rotation about the origin or (cx, cy), by an angle in radians or by its cosine and sine
     /// With dx, dy the difference from the centre, x becomes (cx + dx * c) - dy * s and y becomes
     /// (cy + dx * s) + dy * c. Nothing is rounded.
     /// \{
+
+    /// Turns the point where it stands.
     KAR_API void RotateElement(double angle);
     void RotateElement(double cosine, double sine) { RotateElement(cosine, sine, 0.0, 0.0); }
     KAR_API void RotateElement(double angle, double cx, double cy);

@@ -1,4 +1,9 @@
-// The mark of every exported declaration.
+/// \file
+/// The mark of every exported declaration.
+
+/// \def KAR_API
+/// Stands in front of what the library exports: everything else is hidden in it.
+
 #ifndef KAR_EXPORT_H
 #define KAR_EXPORT_H
 

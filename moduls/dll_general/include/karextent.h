@@ -1,4 +1,5 @@
-// Extents of point arrays, ellipses and elliptical arcs, and an ellipse solved for one coordinate.
+/// \file
+/// Extents of point arrays, ellipses and elliptical arcs, and an ellipse solved for one coordinate.
 #ifndef KAR_EXTENT_H
 #define KAR_EXTENT_H
 
@@ -9,8 +10,8 @@
 /// An array of the host: its elements and how many there are.
 template <class T>
 struct karArrayT {
-    T *elements;
-    unsigned count;
+    T *elements;    ///< the first of `count`, not looked at where that is 0
+    unsigned count; ///< how many there are
 };
 
 /// \name Extents

@@ -1,4 +1,5 @@
-// Fillet and chamfer: the corner of two lines blended by an arc or cut straight.
+/// \file
+/// Fillet and chamfer: the corner of two lines blended by an arc or cut straight.
 #ifndef KAR_FILLET_H
 #define KAR_FILLET_H
 

@@ -1,4 +1,5 @@
-// Dispatch by kind: a table of 25 handlers, chosen by the number that an object answers.
+/// \file
+/// Dispatch by kind: a table of 25 handlers, chosen by the number that an object answers.
 #ifndef KAR_FILTER_ID_H
 #define KAR_FILTER_ID_H
 
@@ -19,8 +20,8 @@ public:
     virtual filterObjectID getFilterId(); ///< The slot of the handler; 0 unless a class overrides it.
     /// \}
 
-    karFilterObject() = default;
-    karFilterObject(const karFilterObject &) {}
+    karFilterObject() = default;                                          ///< Holds nothing.
+    karFilterObject(const karFilterObject &) {}                           ///< Copies nothing.
     karFilterObject &operator=(const karFilterObject &) { return *this; } ///< Does nothing.
     errorCodesKARTORY copy(karFilterObject &) { return KAR_SUCCESS; }     ///< Does nothing and gives 0.
 };
@@ -31,10 +32,12 @@ using FilterMethod = errorCodesKARTORY (karFilterIdBase::*)(karFilterObject *ite
 /// One slot: a handler and the object that it runs on.
 class KAR_API FilterMObject {
 public:
+    /// A slot; without arguments an empty one, for which `filter` gives -251.
     explicit FilterMObject(void *ownObject = nullptr, FilterMethod ownMethod = nullptr)
         : method(ownMethod), object(ownObject)
     {}
 
+    /// Stores both, as `setObject` and `setMethod`.
     void set(void *newObject, FilterMethod newMethod)
     {
         setObject(newObject);
@@ -44,16 +47,17 @@ public:
     /// object only if its class has that one as its first base and has no virtual operation of its own. Elsewhere a plain
     /// `this` is another address; `karFilterIdBase::setFilterHandler` finds the right one.
     void setObject(void *newObject) { object = newObject; }
+    /// The address as stored, read as that of a dispatcher.
     karFilterIdBase *getObject() { return static_cast<karFilterIdBase *>(object); }
-    void setMethod(FilterMethod newMethod) { method = newMethod; }
-    FilterMethod getMethod() { return method; }
+    void setMethod(FilterMethod newMethod) { method = newMethod; } ///< Stores the handler; the object stays.
+    FilterMethod getMethod() { return method; }                    ///< The handler as stored.
 
     /// Runs the handler and passes its result through; -251 without an object or without a handler.
     errorCodesKARTORY filter(karFilterObject *item);
 
 protected:
-    FilterMethod method;
-    void *object;
+    FilterMethod method; ///< null in an empty slot
+    void *object;        ///< see `setObject`
 };
 
 /// A dispatcher. A host derives its own from it and stores a handler for each kind:
@@ -76,11 +80,12 @@ public:
 
     /// \name Construction
     /// \{
+
     /// All slots get `object` and `method`, as by `filterInit`.
     /// Note: built with the defaults, every slot has a null object, so `filterObject` gives -251 and not -252.
     explicit karFilterIdBase(void *object = nullptr, FilterMethod method = &karFilterIdBase::filterUnknownMethod);
     karFilterIdBase(const karFilterIdBase &) = default; ///< Note: both objects then hold, and release, one table.
-    ~karFilterIdBase();
+    ~karFilterIdBase();                                 ///< Releases the table.
     karFilterIdBase &operator=(const karFilterIdBase &) = default; ///< Note: as the copy; the old table isn't released.
     /// \}
 
@@ -110,7 +115,7 @@ protected:
     errorCodesKARTORY filterNoAction(karFilterObject *item);      ///< Handler for kinds to be skipped: 0.
     errorCodesKARTORY filterUnknownMethod(karFilterObject *item); ///< Handler of unknown kinds: -252.
 
-    FilterMObject *methods = nullptr;
+    FilterMObject *methods = nullptr; ///< `slotCount` slots, null without a table
 };
 
 #endif

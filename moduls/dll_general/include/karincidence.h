@@ -1,4 +1,16 @@
-// Lines, circles, arcs and ellipses: directions, which side, on or off, how far, where the foot falls.
+/// \file
+/// Lines, circles, arcs and ellipses: directions, which side, on or off, how far, where the foot falls.
+///
+/// Angles are radians, counter-clockwise from the positive x axis, unless a function says otherwise. A normalised angle is
+/// one from atan2 or atan to which 6.283185307179586 is added when it is negative.
+///
+/// A line goes through points 1 and 2. An arc has a centre, a radius and two angles and runs counter-clockwise from `start`
+/// to `end`; start > end passes through angle 0. A point of an ellipse with centre, semi-axes a and b and rotation r is
+/// (cx + a*cos r*cos t - b*sin r*sin t, cy + a*sin r*cos t + b*cos r*sin t); `start` and `end` of an elliptical arc are
+/// values of the parameter t, not polar angles.
+///
+/// What is not guarded below divides by zero or takes the arc cosine of more than 1, and the infinities and
+/// not-a-numbers pass on.
 #ifndef KAR_INCIDENCE_H
 #define KAR_INCIDENCE_H
 
@@ -7,17 +19,6 @@
 
 class kar3D_Point;
 class kar3DVector;
-
-// Angles are radians, counter-clockwise from the positive x axis, unless a function says otherwise. A normalised angle is
-// one from atan2 or atan to which 6.283185307179586 is added when it is negative.
-//
-// A line goes through points 1 and 2. An arc has a centre, a radius and two angles and runs counter-clockwise from `start`
-// to `end`; start > end passes through angle 0. A point of an ellipse with centre, semi-axes a and b and rotation r is
-// (cx + a*cos r*cos t - b*sin r*sin t, cy + a*sin r*cos t + b*cos r*sin t); `start` and `end` of an elliptical arc are
-// values of the parameter t, not polar angles.
-//
-// What is not guarded below divides by zero or takes the arc cosine of more than 1, and the infinities and
-// not-a-numbers pass on.
 
 /// \name Angles
 /// \{
@@ -139,9 +140,9 @@ KAR_API bool Calculate_Centrepoint_Of_Arc(const double &x1, const double &y1, co
 /// Plane geometry in points. It has no fields.
 class karCalculator2D {
 public:
-    karCalculator2D() = default;
-    karCalculator2D(const karCalculator2D &) = default;
-    karCalculator2D &operator=(const karCalculator2D &) { return *this; }
+    karCalculator2D() = default;                                          ///< Does nothing, as there are no fields.
+    karCalculator2D(const karCalculator2D &) = default;                   ///< \overload
+    karCalculator2D &operator=(const karCalculator2D &) { return *this; } ///< \overload
 
     /// Centre of the arc from `p1` to `p2` that spans the signed angle `angle`.
     KAR_API karD_Point GetArcCentrePoint(const karD_Point &p1, const karD_Point &p2, const double &angle) const;
@@ -154,9 +155,9 @@ public:
 /// Space geometry in points and vectors. It has no fields.
 class karCalculator3D {
 public:
-    karCalculator3D() = default;
-    karCalculator3D(const karCalculator3D &) = default;
-    karCalculator3D &operator=(const karCalculator3D &) { return *this; }
+    karCalculator3D() = default;                                          ///< Does nothing, as there are no fields.
+    karCalculator3D(const karCalculator3D &) = default;                   ///< \overload
+    karCalculator3D &operator=(const karCalculator3D &) { return *this; } ///< \overload
 
     /// `GetAngle` of the coordinates, `a` being the vertex.
     KAR_API double GetAngle(const kar3D_Point &a, const kar3D_Point &b, const kar3D_Point &c) const;

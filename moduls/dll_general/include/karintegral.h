@@ -1,4 +1,5 @@
-// Numerical integration, and the length of elliptical arcs.
+/// \file
+/// Numerical integration, and the length of elliptical arcs.
 #ifndef KAR_INTEGRAL_H
 #define KAR_INTEGRAL_H
 
@@ -27,8 +28,8 @@ KAR_API void Romberg(double lower, double upper, double (*const tableau)[7], kar
 
 /// Fills row 0 from column 0 on, each column with twice the intervals of the one before, until two neighbours differ by
 /// at most `eps` or column 6 is done. Columns above the last one reached are left alone.
-/// Note: eps = 0 fills column 0 only, and so does an infinite one. An integrand that is periodic over the interval, or 0 at all points asked for,
-/// stops at column 1. A difference that is not a number doesn't stop.
+/// Note: eps = 0 fills column 0 only, and so does an infinite one. An integrand that is periodic over the interval, or 0
+/// at all points asked for, stops at column 1. A difference that is not a number doesn't stop.
 KAR_API void TrapezesAdapt(double lower, double upper, double eps, double (*const tableau)[7], karIntegrand integrand,
                            const double *const parameters);
 
@@ -41,7 +42,8 @@ KAR_API void TrapezesAdapt(double lower, double upper, double eps, double (*cons
 KAR_API double normDerivedElliptical(double t, const double *const parameters);
 
 /// Length of the arc of an ellipse with semi-axes `a`, `b` between the values `start` and `end` of the parameter, radians:
-/// the `integral` of `normDerivedElliptical`. Seven levels bound the accuracy: it falls as the ellipse gets flatter.
+/// the `integral` of `normDerivedElliptical`. Seven levels bound the accuracy: it falls as the ellipse gets flatter and the
+/// arc longer, as docs/arclength.md tells.
 /// Note: the centre is not read. `start` and `end` are not normalised; `end` < `start` gives a negative length.
 KAR_API double LengthOfEllipticalArc(const double &cx, const double &cy, const double &a, const double &b,
                                      const double &rotation, const double &start, const double &end);

@@ -1,4 +1,5 @@
-// Intersections of lines, arcs, ellipses and elliptical arcs, and the perpendicular feet on an ellipse.
+/// \file
+/// Intersections of lines, arcs, ellipses and elliptical arcs, and the perpendicular feet on an ellipse.
 #ifndef KAR_INTERSECT_H
 #define KAR_INTERSECT_H
 

@@ -1,4 +1,5 @@
-// Elements of intrusive lists: objects that carry their own two links.
+/// \file
+/// Elements of intrusive lists: objects that carry their own two links.
 #ifndef KAR_LIST_H
 #define KAR_LIST_H
 
@@ -21,26 +22,26 @@ public:
 
     /// \name Construction
     /// \{
-    karListObjectNV() = default;
+    karListObjectNV() = default;                        ///< Both links null.
     karListObjectNV(const karListObjectNV &) = default; ///< Copies the links; the neighbours don't know the copy.
-    explicit karListObjectNV(karListObjectNV *other) { append(other); }
-    karListObjectNV(karListObjectNV *other, int position); ///< `position` as in `karListPosition`.
-    ~karListObjectNV() { unchain(); }
+    explicit karListObjectNV(karListObjectNV *other) { append(other); } ///< As `append(other)`.
+    karListObjectNV(karListObjectNV *other, int position);              ///< `position` as in `karListPosition`.
+    ~karListObjectNV() { unchain(); }                                   ///< As `unchain()`.
     /// \}
 
     karListObjectNV &operator=(const karListObjectNV &) = default; ///< Copies the links; no neighbour is touched.
 
     /// \name Type identity
     /// \{
-    ObjektIdies GetType() const { return KAR_ID_LIST_OBJECT_NV; }
-    int IsType(ObjektIdies id) const { return GetType() == id; }
-    int CanCast(ObjektIdies id) const { return id == KAR_ID_LIST_OBJECT_NV; }
+    ObjektIdies GetType() const { return KAR_ID_LIST_OBJECT_NV; }             ///< 62.
+    int IsType(ObjektIdies id) const { return GetType() == id; }              ///< Equality with 62.
+    int CanCast(ObjektIdies id) const { return id == KAR_ID_LIST_OBJECT_NV; } ///< Equality with 62.
     /// \}
 
     /// \name Reading
     /// \{
-    karListObjectNV *next() const { return nextLink; }
-    karListObjectNV *prev() const { return prevLink; }
+    karListObjectNV *next() const { return nextLink; } ///< The successor, null at the end of the chain.
+    karListObjectNV *prev() const { return prevLink; } ///< The predecessor, null at the start of the chain.
     karListObjectNV *first() const; ///< Start of the chain; the element itself if nothing precedes it. Linear.
     karListObjectNV *last() const;  ///< End of the chain; the element itself if nothing follows it. Linear.
     /// Elements of the whole chain, whatever element it is called on. Linear.
@@ -61,8 +62,8 @@ public:
     /// \}
 
 protected:
-    karListObjectNV *nextLink = nullptr;
-    karListObjectNV *prevLink = nullptr;
+    karListObjectNV *nextLink = nullptr; ///< to the successor
+    karListObjectNV *prevLink = nullptr; ///< to the predecessor
 };
 
 /// A list element with virtual operations. The element leaves its chain when it dies; the chain owns nothing.
@@ -71,8 +72,8 @@ class KAR_API karListObject : public karListObjectNV {
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    virtual int ListObjectOk() = 0; ///< 1 in every concrete class of the library.
-    virtual ~karListObject();
+    virtual int ListObjectOk() = 0;            ///< 1 in every concrete class of the library.
+    virtual ~karListObject();                  ///< Leaves the chain.
     virtual int IsType(ObjektIdies id) const;  ///< Asks the virtual `GetType`.
     virtual ObjektIdies GetType() const;       ///< 60 unless a subclass overrides it.
     virtual int CanCast(ObjektIdies id) const; ///< Equality with 60, without knowledge of base classes.
@@ -80,9 +81,10 @@ public:
 
     /// \name Construction
     /// \{
-    karListObject() = default;
+    karListObject() = default;                      ///< Both links null.
     karListObject(const karListObject &) = default; ///< Copies the links; the neighbours don't know the copy.
-    explicit karListObject(karListObject *other) : karListObjectNV(other) {}
+    explicit karListObject(karListObject *other) : karListObjectNV(other) {} ///< At the end of the chain of `other`.
+    /// `position` as in `karListPosition`.
     karListObject(karListObject *other, int position) : karListObjectNV(other, position) {}
     /// \}
 
@@ -91,9 +93,14 @@ public:
     /// \name Reading
     /// As in `karListObjectNV`; null stays null.
     /// \{
+
+    /// The successor, null at the end of the chain.
     karListObject *next() const { return static_cast<karListObject *>(karListObjectNV::next()); }
+    /// The predecessor, null at the start of the chain.
     karListObject *prev() const { return static_cast<karListObject *>(karListObjectNV::prev()); }
+    /// Start of the chain. Linear.
     karListObject *first() const { return static_cast<karListObject *>(karListObjectNV::first()); }
+    /// End of the chain. Linear.
     karListObject *last() const { return static_cast<karListObject *>(karListObjectNV::last()); }
     karListObject *current() const { return const_cast<karListObject *>(this); } ///< The object itself.
     karListObject *getListObjectPtr() { return this; }                           ///< The object itself.
@@ -102,8 +109,10 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores the link; the neighbour isn't touched.
     void next(karListObject *element) { karListObjectNV::next(element); }
-    void prev(karListObject *element) { karListObjectNV::prev(element); }
+    void prev(karListObject *element) { karListObjectNV::prev(element); } ///< \overload
     /// \}
 };
 
@@ -114,13 +123,14 @@ class karListTyped : public Base {
 public:
     using Base::Base;
 
-    Self *next() const { return static_cast<Self *>(Base::next()); }
+    Self *next() const { return static_cast<Self *>(Base::next()); } ///< The successor, null at the end of the chain.
+    /// The predecessor, null at the start of the chain.
     Self *prev() const { return static_cast<Self *>(Base::prev()); }
-    Self *first() const { return static_cast<Self *>(Base::first()); }
-    Self *last() const { return static_cast<Self *>(Base::last()); }
-    Self *current() const { return const_cast<Self *>(static_cast<const Self *>(this)); }
-    void next(Self *element) { Base::next(element); }
-    void prev(Self *element) { Base::prev(element); }
+    Self *first() const { return static_cast<Self *>(Base::first()); } ///< Start of the chain. Linear.
+    Self *last() const { return static_cast<Self *>(Base::last()); }   ///< End of the chain. Linear.
+    Self *current() const { return const_cast<Self *>(static_cast<const Self *>(this)); } ///< The object itself.
+    void next(Self *element) { Base::next(element); } ///< Stores the link; the neighbour isn't touched.
+    void prev(Self *element) { Base::prev(element); } ///< \overload
 };
 
 /// An element that carries a pointer to an object that it doesn't own or interpret.
@@ -128,28 +138,30 @@ class KAR_API karPtrListObject : public karListTyped<karPtrListObject, karListOb
 public:
     /// \name Virtual operations, in slot order
     /// \{
-    int ListObjectOk() override; ///< 1.
-    ~karPtrListObject() override;
+    int ListObjectOk() override;                ///< 1.
+    ~karPtrListObject() override;               ///< Leaves the chain; what it carries stays.
     ObjektIdies GetType() const override;       ///< 61.
     int CanCast(ObjektIdies id) const override; ///< Equality with 61: false for the id of `karListObject`.
     /// \}
 
     /// \name Construction
     /// \{
-    karPtrListObject() = default;
+    karPtrListObject() = default;                         ///< Carries null; both links null.
     karPtrListObject(const karPtrListObject &) = default; ///< Copies links and pointer.
+    /// At the end of the chain of `other`.
     karPtrListObject(void *carried, karPtrListObject *other) : karListTyped(other), object(carried) {}
+    /// `position` as in `karListPosition`.
     karPtrListObject(void *carried, karListObject *other, int position) : karListTyped(other, position), object(carried)
     {}
     /// \}
 
     karPtrListObject &operator=(const karPtrListObject &) = default; ///< Copies links and pointer.
 
-    void *getObject() const { return object; }
-    void setObject(void *carried) { object = carried; }
+    void *getObject() const { return object; }          ///< The pointer that it carries.
+    void setObject(void *carried) { object = carried; } ///< Carries another pointer from now on.
 
 protected:
-    void *object = nullptr;
+    void *object = nullptr; ///< carried, not owned
 };
 
 #endif

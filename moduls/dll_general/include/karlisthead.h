@@ -1,4 +1,5 @@
-// Heads of intrusive lists: first, last and current element of a chain, ownership, and the sort.
+/// \file
+/// Heads of intrusive lists: first, last and current element of a chain, ownership, and the sort.
 #ifndef KAR_LIST_HEAD_H
 #define KAR_LIST_HEAD_H
 
@@ -53,10 +54,10 @@ public:
 
     /// \name Reading
     /// \{
-    karListObject *ListFirst() const { return listFirst; }
-    karListObject *ListLast() const { return listLast; }
+    karListObject *ListFirst() const { return listFirst; }     ///< The first element, null if the list is empty.
+    karListObject *ListLast() const { return listLast; }       ///< The last element, null if the list is empty.
     karListObject *ListCurrent() const { return listCurrent; } ///< The element last added, null at times.
-    ObjektIdies getListId() const { return listId; }
+    ObjektIdies getListId() const { return listId; }           ///< The id given at construction.
     karListObject *
     ListExist(const karListObject *element) const; ///< The element if it stands in the list, else null. Linear.
     int ListAnzahl() const;                        ///< Elements from the first one on. Linear.
@@ -89,11 +90,11 @@ public:
 
 protected:
     karListHeadObject *sortObject = nullptr; ///< on which the comparison method is called
-    karSortMethod sortMethod = nullptr;
-    karListObject *listFirst = nullptr;
-    karListObject *listLast = nullptr;
-    karListObject *listCurrent = nullptr;
-    ObjektIdies listId; ///< as constructed; nothing in the library goes by it
+    karSortMethod sortMethod = nullptr;      ///< of the last `ListSort`, as `sortObject`
+    karListObject *listFirst = nullptr;      ///< see `ListFirst`
+    karListObject *listLast = nullptr;       ///< see `ListLast`
+    karListObject *listCurrent = nullptr;    ///< see `ListCurrent`
+    ObjektIdies listId;                      ///< as constructed; nothing in the library goes by it
 
 private:
     // Sorts the chain that holds the element and gives its first element; `end` becomes that of the chain of `listLast`.
@@ -113,20 +114,27 @@ class karListHeadTyped : public Base {
 public:
     using Base::Base;
 
+    /// The first element, null if the list is empty.
     Element *ListFirst() const { return static_cast<Element *>(Base::ListFirst()); }
+    /// The last element, null if the list is empty.
     Element *ListLast() const { return static_cast<Element *>(Base::ListLast()); }
+    /// The element last added, null at times.
     Element *ListCurrent() const { return static_cast<Element *>(Base::ListCurrent()); }
+    /// The element if it stands in the list, else null. Linear.
     Element *ListExist(const Element *element) const { return static_cast<Element *>(Base::ListExist(element)); }
 
+    /// Each as the operation of the same name and arguments in `karListHeadObject`.
     Element *ListFirst(Element *element) { return static_cast<Element *>(head().ListFirst(element)); }
-    Element *ListLast(Element *element) { return static_cast<Element *>(head().ListLast(element)); }
+    Element *ListLast(Element *element) { return static_cast<Element *>(head().ListLast(element)); } ///< \overload
+    /// \overload
     Element *ListCurrent(Element *element) { return static_cast<Element *>(head().ListCurrent(element)); }
-    Element *ListAppend(Element *element) { return static_cast<Element *>(head().ListAppend(element)); }
+    Element *ListAppend(Element *element) { return static_cast<Element *>(head().ListAppend(element)); } ///< \overload
+    /// \overload
     Element *ListInsert(Element *element, Element *position)
     {
         return static_cast<Element *>(head().ListInsert(element, position));
     }
-    Element *ListUnchain(Element *element) { return static_cast<Element *>(Base::ListUnchain(element)); }
+    Element *ListUnchain(Element *element) { return static_cast<Element *>(Base::ListUnchain(element)); } ///< \overload
 
 private:
     Base &head() { return *this; } // a call through it is virtual, one qualified by `Base::` isn't
@@ -147,7 +155,7 @@ public:
     /// \{
     virtual void reservedOperation() = 0; ///< The last of the head part. Nothing in the library calls it.
     int ListObjectOk() override;          ///< 1.
-    ~karListHeadListObject() override;
+    ~karListHeadListObject() override;    ///< Leaves the chain of heads, then removes all elements.
     /// \}
 
     /// \name Construction

@@ -1,4 +1,5 @@
-// A dense matrix of doubles, the 4 by 4 transformations of space made with it, and their application to positions.
+/// \file
+/// A dense matrix of doubles, the 4 by 4 transformations of space made with it, and their application to positions.
 #ifndef KAR_MATRIX_H
 #define KAR_MATRIX_H
 
@@ -33,24 +34,24 @@ public:
     karMatrix(int n);
     /// |rows| by |columns| elements 0.
     karMatrix(int rows, int columns);
-    karMatrix(const karMatrix &o);
+    karMatrix(const karMatrix &o);     ///< A deep copy.
     karMatrix(karMatrix &&o) noexcept; ///< Takes the array; `o` becomes empty.
     karMatrix(const kar2DVector &v);   ///< 1 row: x, y.
     karMatrix(const kar3DVector &v);   ///< 1 row: x, y, z.
-    ~karMatrix() { release(); }
+    ~karMatrix() { release(); }        ///< Frees the array.
     /// \}
 
     /// \name Assignment
     /// A matrix assigned to itself stays as it is.
     /// \{
-    karMatrix &operator=(const karMatrix &o);
+    karMatrix &operator=(const karMatrix &o);     ///< A deep copy; the old array goes.
     karMatrix &operator=(karMatrix &&o) noexcept; ///< Takes the array; `o` becomes empty.
     /// \}
 
     /// \name Reading
     /// \{
-    int GetRows() const { return rows; }
-    int GetColumns() const { return columns; }
+    int GetRows() const { return rows; }       ///< Rows as given, also negative ones from `SetData`.
+    int GetColumns() const { return columns; } ///< Columns, likewise.
     /// The array itself. Note: after `SetData` with a size that is not positive, the address of an array that is gone.
     double *GetData() const { return data; }
     /// Address of the element in row r and column c; null without an array, for r - 1 > rows and for c - 1 > columns.
@@ -98,16 +99,16 @@ public:
     /// the array of `o` count as 0. Only 0 columns with 1 row of `o`, or columns with 0 rows of `o`, are refused: `*=` then
     /// leaves the matrix as it is, `*` gives an empty one.
     karMatrix &operator*=(const karMatrix &o);
-    karMatrix operator*(const karMatrix &o) const; ///< \overload
-    karMatrix &operator*=(const double &factor);
-    karMatrix operator*(const double &factor) const;
-    karMatrix &operator+=(const karMatrix &o);     ///< Unchanged unless both sizes agree.
-    karMatrix &operator-=(const karMatrix &o);     ///< \overload
-    karMatrix operator+(const karMatrix &o) const; ///< Empty unless both sizes agree.
-    karMatrix operator-(const karMatrix &o) const; ///< \overload
-    karMatrix operator-() const;
-    karMatrix operator+() const { return *this; }
-    karMatrix Transpose() const; ///< Empty if the matrix is not square.
+    karMatrix operator*(const karMatrix &o) const;   ///< \overload
+    karMatrix &operator*=(const double &factor);     ///< Each element times `factor`.
+    karMatrix operator*(const double &factor) const; ///< Each element times `factor`.
+    karMatrix &operator+=(const karMatrix &o);       ///< Unchanged unless both sizes agree.
+    karMatrix &operator-=(const karMatrix &o);       ///< \overload
+    karMatrix operator+(const karMatrix &o) const;   ///< Empty unless both sizes agree.
+    karMatrix operator-(const karMatrix &o) const;   ///< \overload
+    karMatrix operator-() const;                     ///< Each element negated.
+    karMatrix operator+() const { return *this; }    ///< A copy.
+    karMatrix Transpose() const;                     ///< Empty if the matrix is not square.
     /// A copy of a matrix that is not square.
     /// Note: nothing is inverted. Of a square matrix it gives 0 in the same size and calls `_notready`.
     karMatrix Inverse() const;
@@ -117,6 +118,7 @@ public:
     /// \}
 
 protected:
+    /// As `GetValue`.
     double *_GetValue(int r, int c) const
     {
         if (!hasAddress(r, c))
@@ -166,18 +168,18 @@ private:
 /// right-handed system. See `kar3D_Point::operator*=` for what they do to a position.
 /// \{
 KAR_API karMatrix GetTranslateMatrix(const double &x, const double &y, const double &z); ///< x, y, z in the last row.
-KAR_API karMatrix GetTranslateXMatrix(const double &x);
-KAR_API karMatrix GetTranslateYMatrix(const double &y);
-KAR_API karMatrix GetTranslateZMatrix(const double &z);
+KAR_API karMatrix GetTranslateXMatrix(const double &x);                                  ///< Along x alone.
+KAR_API karMatrix GetTranslateYMatrix(const double &y);                                  ///< Along y alone.
+KAR_API karMatrix GetTranslateZMatrix(const double &z);                                  ///< Along z alone.
 KAR_API karMatrix GetRotateXMatrix(const double &a); ///< [1 0 0] [0 cos -sin] [0 sin cos].
 KAR_API karMatrix GetRotateYMatrix(const double &a); ///< [cos 0 sin] [0 1 0] [-sin 0 cos].
 KAR_API karMatrix GetRotateZMatrix(const double &a); ///< [cos -sin 0] [sin cos 0] [0 0 1].
 /// `GetRotateXMatrix(a) * GetRotateYMatrix(b) * GetRotateZMatrix(c)` in closed form: a position turns about z first.
 KAR_API karMatrix GetRotateMatrix(const double &a, const double &b, const double &c);
 KAR_API karMatrix GetScaleMatrix(const double &x, const double &y, const double &z); ///< The diagonal x, y, z, 1.
-KAR_API karMatrix GetScaleXMatrix(const double &x);
-KAR_API karMatrix GetScaleYMatrix(const double &y);
-KAR_API karMatrix GetScaleZMatrix(const double &z);
+KAR_API karMatrix GetScaleXMatrix(const double &x);                                  ///< The diagonal x, 1, 1, 1.
+KAR_API karMatrix GetScaleYMatrix(const double &y);                                  ///< The diagonal 1, y, 1, 1.
+KAR_API karMatrix GetScaleZMatrix(const double &z);                                  ///< The diagonal 1, 1, z, 1.
 /// The shear [1 a b] [c 1 d] [e f 1].
 KAR_API karMatrix GetCutMatrix(const double &a, const double &b, const double &c, const double &d, const double &e,
                                const double &f);
@@ -197,7 +199,7 @@ namespace kar {
 /// The elements of a 4 by 4 matrix. Read through this type they can't be places of a position, so that a loop over
 /// positions keeps them in registers while it stores.
 struct TransformationElements {
-    double at[4][4];
+    double at[4][4]; ///< rows first, counted from 0
 };
 
 /// What a 4 by 4 matrix without an array reads as.

@@ -1,4 +1,5 @@
-// Pools of equal elements over large pages, and the records of large blocks and open files.
+/// \file
+/// Pools of equal elements over large pages, and the records of large blocks and open files.
 #ifndef KAR_MEM_H
 #define KAR_MEM_H
 
@@ -25,8 +26,9 @@ constexpr long addLong(long a, unsigned long b)
 
 /// What a page knows beyond its stated fields, only to be fast. It doesn't go with a copy.
 struct PageState {
-    PageState() = default;
-    PageState(const PageState &other) : reciprocal(other.reciprocal) {}
+    PageState() = default;                                              ///< Of a page in no pool.
+    PageState(const PageState &other) : reciprocal(other.reciprocal) {} ///< Of a copy, which stands in no pool.
+    /// The index and the chain stay.
     // cppcheck-suppress operatorEqVarError ; the rest doesn't go with a copy
     PageState &operator=(const PageState &other)
     {
@@ -38,6 +40,7 @@ struct PageState {
     /// Whether an element starts `offset` bytes behind the start of the storage. The remainder of a division of 32-bit
     /// numbers is 0 exactly where the product with the rounded reciprocal doesn't exceed it (Lemire, Kaser, Kurz).
     bool startsElement(std::uintptr_t offset) const { return offset * reciprocal < reciprocal; }
+    /// The size in bytes, above 0, by which `startsElement` goes.
     void setElementSize(int size) { reciprocal = ~std::uint64_t(0) / static_cast<unsigned>(size) + 1; }
 
     PageIndex *index = nullptr;   ///< of the chain that the page stands in, null outside a pool
@@ -49,8 +52,9 @@ struct PageState {
 /// What a pool knows beyond its stated fields, only to be fast. It doesn't go with a copy, which finds it again
 /// through the pages.
 struct PoolState {
-    PoolState() = default;
-    PoolState(const PoolState &) {}
+    PoolState() = default;          ///< Of a pool without a page.
+    PoolState(const PoolState &) {} ///< As of a new pool.
+    /// As of a new pool, unless assigned to itself.
     PoolState &operator=(const PoolState &other)
     {
         if (this != &other) {
@@ -89,12 +93,12 @@ public:
     /// \name Construction
     /// A page without storage, chained by position (`karListPosition`; the end of the chain if none is given).
     /// \{
-    explicit karBasisPage(karBasisPage *other);
-    karBasisPage(karBasisPage *other, int mode);
-    karBasisPage(const karBasisPage &) = default;
+    explicit karBasisPage(karBasisPage *other);   ///< At the end of the chain of `other`.
+    karBasisPage(karBasisPage *other, int mode);  ///< By the position `mode`.
+    karBasisPage(const karBasisPage &) = default; ///< Copies every field, links included.
     /// \}
 
-    karBasisPage &operator=(const karBasisPage &) = default;
+    karBasisPage &operator=(const karBasisPage &) = default; ///< Copies every field, links included.
 
     /// \name Reading
     /// \{
@@ -116,11 +120,11 @@ protected:
     int elementSize() const { return elementFullSize_; } ///< \overload
     int elementCount() const { return elementCount_; }   ///< Elements that the page was built for.
 
-    void *firstPageElement_;
-    void *lastPageElement_;
-    int elementFullSize_;
-    int elementCount_;
-    int elementUsed_;
+    void *firstPageElement_; ///< see `firstPageElement()`
+    void *lastPageElement_;  ///< see `lastPageElement()`
+    int elementFullSize_;    ///< see `elementFullSize()`
+    int elementCount_;       ///< see `elementCount()`
+    int elementUsed_;        ///< see `elementUsed()`
 };
 
 /// The node in a free element: two links in its first bytes, so it exists only while the element is free.
@@ -141,7 +145,7 @@ public:
     /// least the two links of a free node; on 64-bit targets it is rounded up to a multiple of 8. Without memory the
     /// page stands in the chain with zero sizes and has no element.
     karPage(karPage *prev, int size, int count);
-    karPage(const karPage &) = default;
+    karPage(const karPage &) = default; ///< Copies every field, links included.
     /// Copies the fields. A pool that the page stands in walks its chain from then on, until that has no page any more.
     karPage &operator=(const karPage &other);
 
@@ -154,6 +158,7 @@ public:
 
     /// \name Changing
     /// \{
+
     /// The element released last, null if the page is full. Its first bytes hold stale links. Constant.
     void *newElement();
     /// Releases an element of this page. `p` becomes null if the page is empty now, otherwise it stays.
@@ -171,7 +176,9 @@ protected:
     friend class kar::PageIndex;
     friend struct kar::PoolAccess;
 
+    /// Obtains the storage and fills the free list, as the constructor tells.
     void init(int size, int count);
+    /// The element handed out next, null if the page is full.
     void *firstFreeElement() const { return firstFreeElement_; }
 
     karFreeElement *firstFreeElement_; ///< Null if the page is full.
@@ -195,9 +202,9 @@ public:
 
     /// \name Construction
     /// \{
-    karPageMemory(int size, int count); ///< No page yet; `count` elements of `size` bytes to a page.
-    karPageMemory(const karPageMemory &) = default;
-    ~karPageMemory(); ///< As `delete_all`.
+    karPageMemory(int size, int count);             ///< No page yet; `count` elements of `size` bytes to a page.
+    karPageMemory(const karPageMemory &) = default; ///< Copies the fields, so both have the pages.
+    ~karPageMemory();                               ///< As `delete_all`.
     /// \}
 
     karPageMemory &operator=(const karPageMemory &) = default; ///< Copies the fields; the pages held before are lost.
@@ -213,6 +220,7 @@ public:
 
     /// \name Changing
     /// \{
+
     /// An element of the first page that has a free one, else of a new page at the end; null without memory. Constant.
     void *newElement();
     /// Releases an element and sets `p` to null; the page goes with its last element. A null `p` or one in no page
@@ -232,7 +240,9 @@ protected:
     /// A pool whose pages place their elements `stride` bytes apart.
     karPageMemory(int size, int count, int stride);
 
+    /// A new page at the end of the chain of `lastPage`; null if none could be had.
     karPage *appendPage();
+    /// Destroys a page. The fields that point to it move on to a neighbour.
     void deletePage(karPage *page);
 
     karPage *firstPage;   ///< The way into the chain.
@@ -241,8 +251,8 @@ protected:
     /// Note: null after a page object that couldn't be had. The page after that starts a chain of its own, which is
     /// reached only once the older one is gone, and is destroyed with the pool.
     karPage *lastPage;
-    int elementSize_;
-    int elementCount_;
+    int elementSize_;  ///< as given
+    int elementCount_; ///< elements to a page
 
 private:
     void enterChain(karPage *page);
@@ -258,11 +268,11 @@ private:
 class KAR_API karMemory_Entry : public karListTyped<karMemory_Entry, karListObject> {
 public:
     int ListObjectOk() override; ///< 1.
-    ~karMemory_Entry() override;
+    ~karMemory_Entry() override; ///< Leaves the chain; the block stays.
 
     /// At the end of the chain of `other`.
     karMemory_Entry(void *p, int size, karMemory_Entry *other);
-    karMemory_Entry(const karMemory_Entry &) = default;
+    karMemory_Entry(const karMemory_Entry &) = default;  ///< Copies links and fields.
     karMemory_Entry &operator=(const karMemory_Entry &); ///< Copies links and fields.
 
     void *hentry() const { return hentry_; } ///< The block as its user sees it.
@@ -271,36 +281,37 @@ public:
     /// Note: changes nothing.
     karMemory_Entry *set_besideIt() const { return next() ? next() : prev(); }
 
-    void hentry(void *p);
-    void hsize(int size) { hsize_ = size; }
-    void hentry(void *p, int size);
+    void hentry(void *p);                   ///< Stores the block alone.
+    void hsize(int size) { hsize_ = size; } ///< Stores the size alone.
+    void hentry(void *p, int size);         ///< Stores both.
 
 protected:
     friend class karMemory;
 
-    void *hentry_;
-    long hsize_;
+    void *hentry_; ///< see `hentry()`
+    long hsize_;   ///< see `hsize()`
 };
 
 /// The record of a tracked file.
 class KAR_API karFile_EntryZ : public karListTyped<karFile_EntryZ, karListObject> {
 public:
     int ListObjectOk() override; ///< 1.
-    ~karFile_EntryZ() override;
+    ~karFile_EntryZ() override;  ///< Leaves the chain; the file stays open.
 
     /// At the end of the chain of `other`.
     karFile_EntryZ(std::FILE *f, int size, char kind, karFile_EntryZ *other);
-    karFile_EntryZ(const karFile_EntryZ &) = default;
+    karFile_EntryZ(const karFile_EntryZ &) = default;            ///< Copies links and fields.
     karFile_EntryZ &operator=(const karFile_EntryZ &) = default; ///< Copies links and fields.
 
-    std::FILE *hentry() const { return hentry_; }
-    int hsize() const { return hsize_; } ///< Size at open; without meaning if opened with "wb".
+    std::FILE *hentry() const { return hentry_; } ///< The stream, open while the record lives.
+    int hsize() const { return hsize_; }          ///< Size at open; without meaning if opened with "wb".
     /// The successor, else the predecessor, else null.
     /// Note: changes nothing.
     karFile_EntryZ *set_besideIt() const { return next() ? next() : prev(); }
 
-    void hentry(std::FILE *f) { hentry_ = f; }
-    void hsize(int size) { hsize_ = size; }
+    void hentry(std::FILE *f) { hentry_ = f; } ///< Stores the stream alone.
+    void hsize(int size) { hsize_ = size; }    ///< Stores the size alone.
+    /// Stores both.
     void hentry(std::FILE *f, int size)
     {
         hentry_ = f;
@@ -308,9 +319,9 @@ public:
     }
 
 protected:
-    std::FILE *hentry_;
-    int hsize_;
-    char openKind; ///< 1 for mode "rb", 2 for "wb", 3 for any other text.
+    std::FILE *hentry_; ///< see `hentry()`
+    int hsize_;         ///< see `hsize()`
+    char openKind;      ///< 1 for mode "rb", 2 for "wb", 3 for any other text.
 };
 
 /// Keeps a record of everything that has to be released in the end: large blocks and open files. It owns the records
@@ -319,7 +330,7 @@ class KAR_API karMemory {
 public:
     /// \name Construction
     /// \{
-    karMemory();
+    karMemory();                       ///< No records.
     karMemory(const karMemory &other); ///< Copies the fields; the copy aliases pages and records.
     /// Releases the blocks that still have a record.
     /// Note: an open file stays open and its record is lost.
@@ -330,6 +341,7 @@ public:
 
     /// \name Blocks
     /// \{
+
     /// Registers the block `p` with its size in bytes and returns `p`; null is returned and nothing else done.
     /// Note: where no memory for the record is to be had, the older records are cut off as well; the size counts all
     /// the same. A record for which the pool alone has no room comes from the general allocator and never goes back.
@@ -338,13 +350,14 @@ public:
     /// Of several records of one address the one registered last is taken if no other record is newer, otherwise the
     /// oldest. Constant.
     void dxdelete(void **p);
-    void testDeleteAllGlobal();
+    void testDeleteAllGlobal(); ///< Asks the pool for its elements where no block has a record; changes no record.
     long curr_used_memory() const { return curr_used_memory_; } ///< Sum of the sizes in the block records.
     long max_used_memory() const { return max_used_memory_; }   ///< Highest value that the sum ever had.
     /// \}
 
     /// \name Files
     /// \{
+
     /// Opens a file and records it. Null for the empty name, which touches no file, and where `fopen` gives null.
     /// Note: without memory for the record the stream is returned, and the older records are cut off.
     std::FILE *xfopen(const char *name, const char *mode);
@@ -363,14 +376,16 @@ protected:
     /// in the sum, otherwise 0. A record whose block the allocator no longer knows is passed over and remains in the sum.
     /// Note: the release takes the record out of the allocator's own list, so the sum of any other `karMemory` stays.
     int delete_all();
+    /// The record of a block, null if it has none.
     karMemory_Entry *search_memory_entry(void *p);
+    /// The record of a stream, null if it has none.
     karFile_EntryZ *search_file_entry(void *f);
 
     karPageMemory entryPool;        ///< Source of the block records.
     karMemory_Entry *memoryEntries; ///< The tail of the block records, null without one.
     karFile_EntryZ *fileEntries;    ///< The tail of the file records, null without one.
-    long curr_used_memory_;
-    long max_used_memory_;
+    long curr_used_memory_;         ///< see `curr_used_memory()`
+    long max_used_memory_;          ///< see `max_used_memory()`
 
 private:
     void forgetIndex();

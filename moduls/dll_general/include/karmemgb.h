@@ -1,4 +1,5 @@
-// The global allocator: guarded blocks from size classes and from the heap, and every entry point to it.
+/// \file
+/// The global allocator: guarded blocks from size classes and from the heap, and every entry point to it.
 #ifndef KAR_MEMGB_H
 #define KAR_MEMGB_H
 
@@ -22,16 +23,18 @@ class KAR_API karGlobalMemory {
 public:
     /// \name Construction
     /// \{
-    karGlobalMemory();
-    karGlobalMemory(const karGlobalMemory &) = default;
+    karGlobalMemory();                                  ///< Empty pools, mark set, counters 0.
+    karGlobalMemory(const karGlobalMemory &) = default; ///< Copies every field, so both have pages and records.
     /// Pool blocks in use are lost with their pages; the tracked heap blocks are released after them.
     ~karGlobalMemory();
     /// \}
 
+    /// Copies every field; the pages held before are lost.
     karGlobalMemory &operator=(const karGlobalMemory &) = default;
 
     /// \name Blocks
     /// \{
+
     /// A block for `size` bytes; null for size 0, with more than 64000 heap blocks, and without memory.
     /// Note: 8 is added to `size` in 32 bits, so that a size from 0xfffffff8 on gives a block of the smallest class
     /// with the mark set. With the mark cleared it gives null.
@@ -49,6 +52,7 @@ public:
 
     /// \name Mark and counters
     /// \{
+
     /// Stores the mark and returns the old one: 0 sends every request straight to the heap, without a record.
     int setMarkMemListGlobal(int mark)
     {
@@ -56,31 +60,33 @@ public:
         markMemListGlobal = mark;
         return old;
     }
-    int getMarkMemListGlobal() const { return markMemListGlobal; }
+    int getMarkMemListGlobal() const { return markMemListGlobal; } ///< The mark; 0 sends every request to the heap.
 
     long max_used_memory() const { return memory.max_used_memory(); }   ///< Highest value of `curr_used_memory`.
     long curr_used_memory() const { return memory.curr_used_memory(); } ///< Bytes in tracked heap blocks.
 
-    long getCurAnzNew() const { return curAnzNew; }   ///< Blocks now held directly from the heap.
-    long getCurSizeNew() const { return curSizeNew; } ///< Bytes now held directly from the heap.
-    long getAnzNew() const { return anzNew; }         ///< Successful allocations since the start, of both kinds.
-    void setCurAnzNew(int value) { curAnzNew = value; }
-    void setCurSizeNew(int value) { curSizeNew = value; }
-    void setAnzNew(int value) { anzNew = value; }
+    long getCurAnzNew() const { return curAnzNew; }       ///< Blocks now held directly from the heap.
+    long getCurSizeNew() const { return curSizeNew; }     ///< Bytes now held directly from the heap.
+    long getAnzNew() const { return anzNew; }             ///< Successful allocations since the start, of both kinds.
+    void setCurAnzNew(int value) { curAnzNew = value; }   ///< Overwrites the figure; no block changes.
+    void setCurSizeNew(int value) { curSizeNew = value; } ///< Overwrites the figure; no block changes.
+    void setAnzNew(int value) { anzNew = value; }         ///< Overwrites the figure; no block changes.
+    /// Adds to the figure, which wraps at the width of `long`; no block changes.
     void addCurAnzNew(int value) { curAnzNew = kar::addLong(curAnzNew, static_cast<unsigned long>(value)); }
+    /// \overload
     void addCurSizeNew(int value) { curSizeNew = kar::addLong(curSizeNew, static_cast<unsigned long>(value)); }
-    void addAnzNew(int value) { anzNew = kar::addLong(anzNew, static_cast<unsigned long>(value)); }
+    void addAnzNew(int value) { anzNew = kar::addLong(anzNew, static_cast<unsigned long>(value)); } ///< \overload
     /// \}
 
 protected:
-    static constexpr int poolCount = 11;
+    static constexpr int poolCount = 11; ///< five of them are used
 
-    karMemory memory; ///< Records of the large blocks.
-    karPageMemory pools[poolCount];
-    long curAnzNew;
-    long curSizeNew;
-    long anzNew;
-    int markMemListGlobal;
+    karMemory memory;               ///< Records of the large blocks.
+    karPageMemory pools[poolCount]; ///< see the table above
+    long curAnzNew;                 ///< see `getCurAnzNew`
+    long curSizeNew;                ///< see `getCurSizeNew`
+    long anzNew;                    ///< see `getAnzNew`
+    int markMemListGlobal;          ///< not 0 at first
 
 private:
     friend class karMemory;

@@ -1,7 +1,9 @@
-// Integer arithmetic that wraps at 32 bits, conversions from real to integer, and the tolerances of the geometry.
+/// \file
+/// Integer arithmetic that wraps at 32 bits, conversions from real to integer, and the tolerances of the geometry.
 #ifndef KAR_NUMERIC_H
 #define KAR_NUMERIC_H
 
+/// What the headers share. A host may use it too.
 namespace kar {
 
 /// Decides that a length or a difference is zero.
@@ -17,18 +19,22 @@ constexpr int toSigned(unsigned bits)
 
 /// \name Sum, difference, product, negation and absolute value, wrapping at 32 bits. |INT_MIN| is INT_MIN.
 /// \{
+
+/// a + b.
 constexpr int wrapAdd(int a, int b) { return toSigned(static_cast<unsigned>(a) + static_cast<unsigned>(b)); }
+/// a - b.
 constexpr int wrapSub(int a, int b) { return toSigned(static_cast<unsigned>(a) - static_cast<unsigned>(b)); }
+/// a * b.
 constexpr int wrapMul(int a, int b) { return toSigned(static_cast<unsigned>(a) * static_cast<unsigned>(b)); }
-constexpr int wrapNeg(int a) { return toSigned(0u - static_cast<unsigned>(a)); }
-constexpr int wrapAbs(int a) { return a < 0 ? wrapNeg(a) : a; }
+constexpr int wrapNeg(int a) { return toSigned(0u - static_cast<unsigned>(a)); } ///< -a.
+constexpr int wrapAbs(int a) { return a < 0 ? wrapNeg(a) : a; }                  ///< |a|.
 /// \}
 
 /// \name Quotient truncated towards zero, and the remainder, with the sign of `a`; `b` isn't tested for 0
 /// INT_MIN by -1 wraps like every other overflow: quotient INT_MIN, remainder 0.
 /// \{
-constexpr int wrapDiv(int a, int b) { return b == -1 ? wrapNeg(a) : a / b; }
-constexpr int wrapRem(int a, int b) { return b == -1 ? 0 : a % b; }
+constexpr int wrapDiv(int a, int b) { return b == -1 ? wrapNeg(a) : a / b; } ///< a / b.
+constexpr int wrapRem(int a, int b) { return b == -1 ? 0 : a % b; }          ///< a % b.
 /// \}
 
 /// Truncates towards zero. A value beyond the `int` range gives the nearest `int`, not-a-number gives 0.

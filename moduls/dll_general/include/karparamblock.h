@@ -1,5 +1,6 @@
-// The placement of a drawn element: where it is inserted, how it is scaled, turned and slanted, its colour and layer.
-// The constructors of points and boxes that take a block make a placed copy of themselves; they are told here.
+/// \file
+/// The placement of a drawn element: where it is inserted, how it is scaled, turned and slanted, its colour and layer.
+/// The constructors of points and boxes that take a block make a placed copy of themselves; they are told here.
 #ifndef KAR_PARAM_BLOCK_H
 #define KAR_PARAM_BLOCK_H
 
@@ -21,6 +22,7 @@ public:
     /// Note: the sine, cosine and slope tangent that a constructor doesn't set are those of angle 0 and slope 0.
     /// \{
     karParamBlock() = default; ///< At (0, 0), scale 1, everything else 0.
+    /// Everything set; angle and slope in angle units.
     KAR_API karParamBlock(karPoint insertPoint, double scaleX, double scaleY, int angle, int slope, int mirror,
                           const karColor &color, int layer);
     /// Slope 0.
@@ -28,25 +30,27 @@ public:
     KAR_API karParamBlock(karPoint insertPoint, double scaleX, double scaleY, int angle, int mirror,
                           const karColor &color, int layer);
     karParamBlock(karParamBlock *o) : karParamBlock(*o) {} ///< A copy of `*o`.
-    karParamBlock(const karParamBlock &) = default;
+    karParamBlock(const karParamBlock &) = default;        ///< Copies all parts.
     /// \}
 
-    karParamBlock &operator=(const karParamBlock &) = default;
+    karParamBlock &operator=(const karParamBlock &) = default; ///< Copies all parts.
 
     /// \name Reading
     /// \{
-    karPoint getInsertPoint() const { return insertPoint_; }
-    double getScaleX() const { return scaleX_; }
-    double getScaleY() const { return scaleY_; }
-    int getAngle() const { return angle_; }   ///< In angle units.
-    int getSlope() const { return slope_; }   ///< In angle units.
-    int getMirror() const { return mirror_; } ///< Stored and combined only; nothing is mirrored by it.
-    karColor getColor() const { return color_; }
-    int getLayer() const { return layer_; }
+    karPoint getInsertPoint() const { return insertPoint_; } ///< Where the origin of the element comes to lie.
+    double getScaleX() const { return scaleX_; }             ///< Factor of x, applied first.
+    double getScaleY() const { return scaleY_; }             ///< Factor of y, applied first.
+    int getAngle() const { return angle_; }                  ///< In angle units.
+    int getSlope() const { return slope_; }                  ///< In angle units.
+    int getMirror() const { return mirror_; }                ///< Stored and combined only; nothing is mirrored by it.
+    karColor getColor() const { return color_; }             ///< Carried along; `modify_point` doesn't ask for it.
+    int getLayer() const { return layer_; }                  ///< Carried along, like the colour.
     /// \}
 
     /// \name Changing
     /// \{
+
+    /// Stores the part; the others stay.
     void setInsertPoint(karPoint p) { insertPoint_ = p; }
     void setScaleX(double scale) { scaleX_ = scale; }
     void setScaleY(double scale) { scaleY_ = scale; }

@@ -1,4 +1,5 @@
-// Progress of nested phases, folded into one percentage.
+/// \file
+/// Progress of nested phases, folded into one percentage.
 #ifndef KAR_PERCENT_H
 #define KAR_PERCENT_H
 
@@ -16,8 +17,8 @@ public:
     karPercentList(karPercentList *chain, int ownStart, int ownEnd) : karListTyped(chain), start(ownStart), end(ownEnd)
     {}
 
-    int getStart() { return start; }
-    int getEnd() { return end; }
+    int getStart() { return start; } ///< Where this layer's 0 lies in the next outer layer.
+    int getEnd() { return end; }     ///< Where this layer's 100 lies in the next outer layer.
     /// Stores both, unchecked. A range is valid where 0 <= start <= end <= 100; `calcPercent` tells.
     void setStartEnd(int newStart, int newEnd)
     {
@@ -80,8 +81,8 @@ public:
 
 protected:
     void *reserved = nullptr; ///< carried along, used by nothing
-    int percent = -1;
-    int layerPercent = -1;
+    int percent = -1;         ///< of the whole
+    int layerPercent = -1;    ///< of the innermost layer, as reported
 
 private:
     int folded(int value) const; // through all layers, innermost first

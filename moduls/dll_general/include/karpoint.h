@@ -1,4 +1,5 @@
-// Positions and extents on the pixel grid.
+/// \file
+/// Positions and extents on the pixel grid.
 #ifndef KAR_POINT_H
 #define KAR_POINT_H
 
@@ -24,21 +25,21 @@ public:
 
     /// \name Type identity, of the class alone and not virtual
     /// \{
-    ObjektIdies GetType() const { return Id; }
-    int IsType(ObjektIdies id) const { return id == Id; }
-    int CanCast(ObjektIdies id) const { return id == Id; }
+    ObjektIdies GetType() const { return Id; }             ///< `Id`.
+    int IsType(ObjektIdies id) const { return id == Id; }  ///< Equality with `Id`.
+    int CanCast(ObjektIdies id) const { return id == Id; } ///< Equality with `Id`.
     /// \}
 
     /// \name Relations: 1 or 0
     /// Note: the four relations hold only if they hold for x and for y. They are no order and no complements of each
     /// other: (1, 2) is neither < (2, 2) nor >= (2, 2).
     /// \{
-    int operator==(const Self &o) const { return x() == o.x() && y() == o.y(); }
-    int operator!=(const Self &o) const { return x() != o.x() || y() != o.y(); }
-    int operator>=(Self o) const { return x() >= o.x() && y() >= o.y(); }
-    int operator<=(Self o) const { return x() <= o.x() && y() <= o.y(); }
-    int operator>(Self o) const { return x() > o.x() && y() > o.y(); }
-    int operator<(Self o) const { return x() < o.x() && y() < o.y(); }
+    int operator==(const Self &o) const { return x() == o.x() && y() == o.y(); } ///< Both places are equal.
+    int operator!=(const Self &o) const { return x() != o.x() || y() != o.y(); } ///< A place differs.
+    int operator>=(Self o) const { return x() >= o.x() && y() >= o.y(); }        ///< It holds for x and for y.
+    int operator<=(Self o) const { return x() <= o.x() && y() <= o.y(); }        ///< It holds for x and for y.
+    int operator>(Self o) const { return x() > o.x() && y() > o.y(); }           ///< It holds for x and for y.
+    int operator<(Self o) const { return x() < o.x() && y() < o.y(); }           ///< It holds for x and for y.
     /// \}
 
     /// The one total order, y before x: the difference of the y, or that of the x where the y are equal. Only its
@@ -55,6 +56,8 @@ public:
     /// the remainder 0.
     /// Note: `*`, `/` and `%` know the integer alone; a real operand is truncated by the language before the call.
     /// \{
+
+    /// Place by place; overflow wraps at 32 bits.
     Self operator+(Self o) const { return Self(wrapAdd(x(), o.x()), wrapAdd(y(), o.y())); }
     Self operator-(Self o) const { return Self(wrapSub(x(), o.x()), wrapSub(y(), o.y())); }
     Self operator-() const { return Self(wrapNeg(x()), wrapNeg(y())); }
@@ -73,7 +76,10 @@ public:
 
     /// \name Lesser and greater value of each place
     /// \{
+
+    /// The lesser x and the lesser y.
     Self Min(const Self &o) const { return Self(x() < o.x() ? x() : o.x(), y() < o.y() ? y() : o.y()); }
+    /// The greater x and the greater y.
     Self Max(const Self &o) const { return Self(x() > o.x() ? x() : o.x(), y() > o.y() ? y() : o.y()); }
     /// \}
 
@@ -115,20 +121,22 @@ class karDimension : public kar::IntegerPlanePair<karDimension, KAR_ID_DIMENSION
 public:
     /// \name Construction
     /// \{
-    karDimension() = default;                       ///< (0, 0).
-    karDimension(int v) : IntegerPlanePair(v, v) {} ///< (v, v).
-    karDimension(int a, int b) : IntegerPlanePair(a, b) {}
-    karDimension(const karDimension &) = default;
+    karDimension() = default;                              ///< (0, 0).
+    karDimension(int v) : IntegerPlanePair(v, v) {}        ///< (v, v).
+    karDimension(int a, int b) : IntegerPlanePair(a, b) {} ///< Width `a`, height `b`.
+    karDimension(const karDimension &) = default;          ///< Copies width and height.
     /// \}
 
     /// \name Assignment
     /// \{
-    karDimension &operator=(const karDimension &) = default;
+    karDimension &operator=(const karDimension &) = default;           ///< Copies width and height.
     karDimension &operator=(int v) { return *this = karDimension(v); } ///< Both places become `v`.
     /// \}
 
     /// \name Reading
     /// \{
+
+    /// Width and height as stored; the forms with `Val` are the same.
     int width() const { return First(); }
     int widthVal() const { return First(); }
     int height() const { return Second(); }
@@ -137,6 +145,8 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores one of the two; the other stays.
     void width(int value) { First(value); }
     void height(int value) { Second(value); }
     /// \}
@@ -150,17 +160,17 @@ class karPoint : public kar::IntegerPlanePair<karPoint, KAR_ID_POINT> {
 public:
     /// \name Construction
     /// \{
-    karPoint() = default;                       ///< (0, 0).
-    karPoint(int v) : IntegerPlanePair(v, v) {} ///< (v, v).
-    karPoint(int a, int b) : IntegerPlanePair(a, b) {}
-    karPoint(const karPoint &) = default;
+    karPoint() = default;                              ///< (0, 0).
+    karPoint(int v) : IntegerPlanePair(v, v) {}        ///< (v, v).
+    karPoint(int a, int b) : IntegerPlanePair(a, b) {} ///< x is `a`, y is `b`.
+    karPoint(const karPoint &) = default;              ///< Copies x and y.
     /// The placed copy of `p`: see `karparamblock.h`.
     KAR_API karPoint(const karPoint &p, const karParamBlock *block);
     /// \}
 
     /// \name Assignment
     /// \{
-    karPoint &operator=(const karPoint &) = default;
+    karPoint &operator=(const karPoint &) = default;           ///< Copies x and y.
     karPoint &operator=(int v) { return *this = karPoint(v); } ///< Both places become `v`.
     karPoint &operator=(const karD_Point &p);                  ///< Rounds half away from zero: see `kardpoint.h`.
     /// \}
@@ -170,6 +180,7 @@ public:
     using IntegerPlanePair::operator+;
     using IntegerPlanePair::operator-;
     using IntegerPlanePair::operator*=;
+    /// Moved by the width along x and the height along y; wraps at 32 bits.
     karPoint operator+(karDimension d) const { return *this + karPoint(d.width(), d.height()); }
     karPoint operator-(karDimension d) const { return *this - karPoint(d.width(), d.height()); }
     /// Each place becomes trunc(place * factor + 0.5); beyond the `int` range it saturates, not-a-number gives 0.
@@ -184,8 +195,8 @@ public:
 
     /// \name Changing
     /// \{
-    void setNull() { *this = 0; }
-    void MoveElement(int dx, int dy) { *this += karPoint(dx, dy); }
+    void setNull() { *this = 0; }                                   ///< To (0, 0).
+    void MoveElement(int dx, int dy) { *this += karPoint(dx, dy); } ///< Adds (dx, dy); wraps at 32 bits.
     /// \}
 
     /// \name Rotation about the origin or (cx, cy), by an angle in radians or by its cosine and sine
@@ -194,6 +205,8 @@ public:
     /// Note: each product is truncated on its own, so a turn loses up to two units a place. A product beyond the
     /// `int` range saturates, not-a-number gives 0; the sums wrap.
     /// \{
+
+    /// Turns the point where it stands.
     KAR_API void RotateElement(double angle);
     void RotateElement(double cosine, double sine) { RotateElement(cosine, sine, 0, 0); }
     KAR_API void RotateElement(double angle, int cx, int cy);

@@ -1,4 +1,5 @@
-// The turned box of the pixel grid: its corners, what lies in it and where it can be seen.
+/// \file
+/// The turned box of the pixel grid: its corners, what lies in it and where it can be seen.
 #ifndef KAR_RECT_X_H
 #define KAR_RECT_X_H
 
@@ -19,11 +20,13 @@ class karRectX {
 public:
     /// \name Construction
     /// \{
+
+    /// Stores the parts as given; nothing is normalised.
     karRectX(karPoint origin, karDimension size, double angle) : origin_(origin), size_(size), angle_(angle) {}
     karRectX(karPoint origin, int width, int height, double angle)
         : karRectX(origin, karDimension(width, height), angle)
     {}
-    karRectX(const karRectX &) = default;
+    karRectX(const karRectX &) = default; ///< Copies origin, size and angle.
     void init(karPoint origin, karDimension size, double angle) { *this = karRectX(origin, size, angle); }
     /// Note: the angle is a whole number of radians.
     void init(int x, int y, int width, int height, int angle)
@@ -32,16 +35,18 @@ public:
     }
     /// \}
 
-    karRectX &operator=(const karRectX &) = default;
+    karRectX &operator=(const karRectX &) = default; ///< Copies origin, size and angle.
 
     /// \name Type identity
     /// \{
-    ObjektIdies GetType() const { return KAR_ID_RECT_X; }
-    int CanCast(ObjektIdies id) const { return id == KAR_ID_RECT_X; }
+    ObjektIdies GetType() const { return KAR_ID_RECT_X; }             ///< 46.
+    int CanCast(ObjektIdies id) const { return id == KAR_ID_RECT_X; } ///< Equality with 46.
     /// \}
 
     /// \name Reading
     /// \{
+
+    /// The parts as stored: origin, size and the angle in radians.
     int x() const { return origin_.x(); }
     int y() const { return origin_.y(); }
     int Width() const { return size_.width(); }
@@ -59,6 +64,8 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores the size; origin and angle stay.
     void Dim(int width, int height) { size_ = karDimension(width, height); }
     /// Describes the same box with an angle in [0, pi/2) from another corner, exchanging width and height where the
     /// corner is a neighbour.

@@ -1,4 +1,5 @@
-// Small linear systems, quadratic equations, and polynomials by Bairstow's iteration.
+/// \file
+/// Small linear systems, quadratic equations, and polynomials by Bairstow's iteration.
 #ifndef KAR_SOLVE_H
 #define KAR_SOLVE_H
 

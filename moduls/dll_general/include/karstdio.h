@@ -1,4 +1,5 @@
-// The host's console: messages, progress, localised texts and dialogs, and the hooks of modules built for diagnosis.
+/// \file
+/// The host's console: messages, progress, localised texts and dialogs, and the hooks of modules built for diagnosis.
 #ifndef KAR_STDIO_H
 #define KAR_STDIO_H
 
@@ -20,9 +21,9 @@ enum MsgType : int {
 
 /// The sign that a dialog shows.
 enum InterActIcon : int {
-    InterActIconError = 1,
-    InterActIconWarning = 3,
-    InterActIconInfo = 4,
+    InterActIconError = 1,   ///< the `Error` forms
+    InterActIconWarning = 3, ///< the `Warning` forms
+    InterActIconInfo = 4,    ///< the `Info` forms
 };
 
 /// The buttons of a dialog.
@@ -34,12 +35,14 @@ enum InterActType : int {
 enum InterActDefault : int {
     InterActDefaultUsual = 1
 };
+/// \overload
 enum InterActModal : int {
     InterActModalUsual = 1
-}; ///< \overload
+};
+/// \overload
 enum InterActSonder : int {
     InterActSonderUsual = 1
-}; ///< \overload
+};
 
 /// How the user answered.
 enum InterActAnswer : int {
@@ -52,20 +55,25 @@ class KAR_API karStdio {
 public:
     /// \name Virtual operations, in slot order
     /// \{
+
     /// Asks for the name of a file to write.
     virtual karString GetFileNameWrite(const karString &a, const karString &b, const karString &c, const karString &d,
                                        const karString &e, int flags) = 0;
+    /// Shows a text: `type` from the caller's function, `level` and `format` as handed in.
     virtual void message(MsgType type, int level, const char *format, va_list arguments) = 0;
-    virtual void statusText(const char *format, va_list arguments) = 0;
-    virtual void Fortschritt(int number) = 0; ///< The progress has changed. Always gets 0.
+    virtual void statusText(const char *format, va_list arguments) = 0; ///< Shows a text in the status line.
+    virtual void Fortschritt(int number) = 0;                           ///< The progress has changed. Always gets 0.
+    /// A task was made: its `_todo` is to be called in turn from now on.
     virtual void addTask(karTaskElem *task) = 0;
+    /// A task goes: also called for one that the host has dropped already.
     virtual void removeTask(karTaskElem *task) = 0;
+    /// Shows a dialog and waits for the answer, which goes back to the caller as it is.
     virtual InterActAnswer interAction(InterActType type, InterActIcon icon, InterActDefault defaultButton,
                                        InterActModal modal, InterActSonder sonder, karString section, karString caption,
                                        karString text, va_list arguments) = 0;
     /// The localised text of a section and a key. May give `out` itself or any other string that outlives the call.
     virtual karString &localizeString(const char *section, const char *key, karString &out, long number) = 0;
-    virtual ~karStdio();
+    virtual ~karStdio(); ///< The library never deletes its host.
     /// \}
 };
 
@@ -78,6 +86,7 @@ extern KAR_API karStdio *Stdio;
 
 /// Note: the pointer isn't tested here: a host must be installed.
 KAR_API void statusText(const char *format, ...);
+/// A message of any type.
 KAR_API void message(MsgType type, int level, const char *format, ...);
 KAR_API void messageV(MsgType type, int level, const char *format, va_list arguments); ///< \overload
 KAR_API void infoText(int level, const char *format, ...);                             ///< Type 1.
@@ -105,20 +114,29 @@ KAR_API karString GetFileNameWrite(const karString &a, const karString &b, const
 /// Pass everything on to the host, whose answer comes back as it is; 100 without `Stdio`. `text` is a format for the
 /// further arguments. The short forms differ in the icon; those with OK in the name have just that button.
 /// \{
+
+/// The full form.
 KAR_API InterActAnswer LocalizeInterAction(InterActType type, InterActIcon icon, InterActDefault defaultButton,
                                            InterActModal modal, InterActSonder sonder, const char *section,
                                            const char *caption, const char *text, ...);
+/// The full form with the arguments as a list.
 KAR_API InterActAnswer LocalizeInterActionV(InterActType type, InterActIcon icon, InterActDefault defaultButton,
                                             InterActModal modal, InterActSonder sonder, const char *section,
                                             const char *caption, const char *text, va_list arguments);
+/// With the icon of an information.
 KAR_API InterActAnswer LocalizeInterActionInfo(InterActType type, const char *section, const char *caption,
                                                const char *text, ...);
+/// With the icon of a warning.
 KAR_API InterActAnswer LocalizeInterActionWarning(InterActType type, const char *section, const char *caption,
                                                   const char *text, ...);
+/// With the icon of an error.
 KAR_API InterActAnswer LocalizeInterActionError(InterActType type, const char *section, const char *caption,
                                                 const char *text, ...);
+/// With the icon of an information and an OK button.
 KAR_API InterActAnswer LocalizeInterActionInfoOK(const char *section, const char *caption, const char *text, ...);
+/// With the icon of a warning and an OK button.
 KAR_API InterActAnswer LocalizeInterActionWarningOK(const char *section, const char *caption, const char *text, ...);
+/// With the icon of an error and an OK button.
 KAR_API InterActAnswer LocalizeInterActionErrorOK(const char *section, const char *caption, const char *text, ...);
 
 /// Tells the user of a failure of the host's copy protection, by `LocalizeInterActionErrorOK` with section "Dongle",
@@ -129,6 +147,8 @@ KAR_API void showDongleMessage(errorCodesKARTORY code, bool flag);
 /// \name Diagnosis
 /// Modules built for diagnosis link against these. Their bodies are empty.
 /// \{
+
+/// Does nothing.
 KAR_API void debugErrorText(int number, const char *format, ...);
 KAR_API void debugInfoText(int number, const char *format, ...);
 KAR_API void debugWarningText(int number, const char *format, ...);

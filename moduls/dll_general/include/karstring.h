@@ -1,4 +1,5 @@
-// The text type of the library: storage, construction, comparison, concatenation, formatting, parsing and searching.
+/// \file
+/// The text type of the library: storage, construction, comparison, concatenation, formatting, parsing and searching.
 #ifndef KAR_STRING_H
 #define KAR_STRING_H
 
@@ -32,8 +33,8 @@ class karString {
 public:
     /// A row of the table of `searchValue`. A row whose `text` is null ends the table.
     struct searchStruct {
-        const char *text;
-        int value;
+        const char *text; ///< compared whole
+        int value;        ///< given for an equal text
     };
 
     /// \name Construction
@@ -57,6 +58,7 @@ public:
     KAR_API karString(double value, int decimals, bool stripZeros);
     KAR_API karString(const char *first, const char *second); ///< `first`, then `second`; either may be null.
     KAR_API karString(const char *text, unsigned extra = 8);  ///< A copy; null gives the empty text.
+    /// A copy of the text in a buffer of its own.
     KAR_API karString(const karString &other, unsigned extra = 8);
     /// Note: leaves a null buffer, so that a second explicit call does nothing.
     KAR_API ~karString();
@@ -64,6 +66,7 @@ public:
 
     /// \name Assignment
     /// \{
+
     /// A text that doesn't fit takes the size of `other` as it is. Two strings without a buffer change nothing.
     KAR_API karString &operator=(const karString &other);
     /// Null gives the empty text and keeps the buffer. A text that doesn't fit gets 8 bytes of spare room.
@@ -72,17 +75,17 @@ public:
 
     /// \name Length and size
     /// \{
-    unsigned length() const ///< Characters of the text, from the cache where that is valid.
-    {
-        return cachedLength != unknownLength ? cachedLength : measureAndStore();
-    }
+
+    /// Characters of the text, from the cache where that is valid.
+    unsigned length() const { return cachedLength != unknownLength ? cachedLength : measureAndStore(); }
     unsigned vstrlen() const { return measured(); }      ///< Measures the text, whatever the cache says.
     unsigned capacity() const { return bufferSize - 1; } ///< Characters that the buffer holds.
     unsigned size() const { return bufferSize; }         ///< Bytes of the buffer.
     int isNull() const { return !buffer || !*buffer; }   ///< 1 if the text is empty.
     /// Room for `n` characters, at least for the present text; never shrinks. Gives `capacity()`.
     KAR_API unsigned reSize(unsigned n);
-    void cut(unsigned n) ///< Ends the text at index `n` if that is below `length()`.
+    /// Ends the text at index `n` if that is below `length()`.
+    void cut(unsigned n)
     {
         if (n < length()) {
             if (buffer)
@@ -94,8 +97,9 @@ public:
 
     /// \name Character access
     /// \{
-    operator const char *() const { return buffer; }
-    operator char *() ///< The caller may write: marks the length unknown.
+    operator const char *() const { return buffer; } ///< The bytes themselves; null only after a failed allocation.
+    /// The caller may write: marks the length unknown.
+    operator char *()
     {
         cachedLength = unknownLength;
         return buffer;
@@ -118,9 +122,10 @@ public:
     {
         return (*this)[toIndex(i)];
     }
+    /// \overload
     template <class Integer,
               class = std::enable_if_t<std::is_integral<Integer>::value && !std::is_same<Integer, unsigned>::value>>
-    char &at(Integer i) ///< \overload
+    char &at(Integer i)
     {
         return (*this)[toIndex(i)];
     }
@@ -144,6 +149,8 @@ public:
     /// Byte by byte, as unsigned, up to the first NUL. 1 or 0. A null text isn't accepted.
     /// Note: a text on the left side (`"abc" == s`) compares addresses.
     /// \{
+
+    /// 1 or 0, by the first byte in which the two texts differ.
     int operator<(const karString &other) const { return compare(other) < 0; }
     int operator>(const karString &other) const { return compare(other) > 0; }
     int operator<=(const karString &other) const { return compare(other) <= 0; }
@@ -192,6 +199,7 @@ public:
     /// \name Concatenation
     /// Note: `s &= 0` is ambiguous between a null text and the NUL character.
     /// \{
+
     /// A new string of both texts with 8 bytes of spare room. Null changes nothing.
     KAR_API karString operator&(const karString &other);
     KAR_API karString operator&(const char *text); ///< \overload
@@ -213,6 +221,7 @@ public:
 
     /// \name Bounded copies
     /// \{
+
     /// At most `n` characters of `src`; null gives the empty text. A buffer that is too small is replaced.
     /// Note: a `src` shorter than `n` is copied without a terminator: what stood behind it in the buffer remains, and
     /// the text may run on past the cached length.
@@ -229,6 +238,7 @@ public:
 
     /// \name Formatting and parsing
     /// \{
+
     /// The text that the C library's `printf` makes of `fmt` and the arguments; gives its length. A negative result,
     /// the C library's failure, leaves the empty text.
     /// Makes room by an estimate: ordinary characters as they are, numbers and pointers by width + precision and at

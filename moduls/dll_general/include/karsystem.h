@@ -1,4 +1,5 @@
-// What system the library runs on, and the marker functions that do next to nothing.
+/// \file
+/// What system the library runs on, and the marker functions that do next to nothing.
 #ifndef KAR_SYSTEM_H
 #define KAR_SYSTEM_H
 

@@ -1,4 +1,5 @@
-// A small unit of work that the host runs in turn with others.
+/// \file
+/// A small unit of work that the host runs in turn with others.
 #ifndef KAR_TASK_ELEM_H
 #define KAR_TASK_ELEM_H
 
@@ -27,7 +28,7 @@ public:
 
     /// \name Construction and assignment
     /// \{
-    karTaskElem();
+    karTaskElem(); ///< Awake; registers with the host.
     /// Copies the state. Note: the copy isn't registered, but its destructor still calls the host.
     karTaskElem(const karTaskElem &) = default;
     karTaskElem &operator=(const karTaskElem &) = default; ///< Copies the state; registration doesn't change.
@@ -48,9 +49,9 @@ protected:
     bool canDo(); ///< Wakes a task whose time has come; true if the task is awake.
 
     unsigned resumeTime = 0; ///< seconds of `time` at which a sleeping task wakes by itself; 0 for never
-    bool suspended = false;
-    bool cancelled = false;
-    bool running = false; ///< while `_todo` is inside
+    bool suspended = false;  ///< asleep
+    bool cancelled = false;  ///< `cancel` was called; nothing here reads it
+    bool running = false;    ///< while `_todo` is inside
 };
 
 #endif

@@ -1,4 +1,5 @@
-// A transformation of space as fifteen parameters.
+/// \file
+/// A transformation of space as fifteen parameters.
 #ifndef KAR_TRANSFORMATION_INFO_H
 #define KAR_TRANSFORMATION_INFO_H
 
@@ -23,13 +24,15 @@ public:
     karTransformationInfo(double scaleX, double scaleY, double scaleZ, double rotateX, double rotateY, double rotateZ,
                           double translateX, double translateY, double translateZ, double cutXY, double cutXZ,
                           double cutYX, double cutYZ, double cutZX, double cutZY);
-    karTransformationInfo(const karTransformationInfo &) = default;
+    karTransformationInfo(const karTransformationInfo &) = default; ///< Copies all fifteen.
     /// \}
 
-    karTransformationInfo &operator=(const karTransformationInfo &) = default;
+    karTransformationInfo &operator=(const karTransformationInfo &) = default; ///< Copies all fifteen.
 
     /// \name Reading
     /// \{
+
+    /// The parameter as stored: factors, angles in radians, lengths, and elements of the shear by row and column.
     double GetScaleX() const { return scale.x; }
     double GetScaleY() const { return scale.y; }
     double GetScaleZ() const { return scale.z; }
@@ -47,12 +50,14 @@ public:
     double GetCutZY() const { return cutZY_; }
     /// \}
 
-    /// \name Matrices
+    /// The factory's `GetTransformationMatrix` of translation, rotation and scale. Note: the cuts take no part.
+    karMatrix GetTransformationMatrix() const;
+
+    /// \name Matrices of one part
     /// What the factory of the same name gives for the values of its group.
     /// \{
 
-    /// Translation, rotation and scale. Note: the cuts take no part.
-    karMatrix GetTransformationMatrix() const;
+    /// Of this one part alone.
     karMatrix GetTranslateMatrix() const { return ::GetTranslateMatrix(translate.x, translate.y, translate.z); }
     karMatrix GetTranslateXMatrix() const { return ::GetTranslateXMatrix(translate.x); }
     karMatrix GetTranslateYMatrix() const { return ::GetTranslateYMatrix(translate.y); }
@@ -73,25 +78,30 @@ public:
 
     /// \name Changing
     /// \{
+
+    /// Stores one parameter as it is; the others stay.
     karTransformationInfo &SetScaleX(double v) { return set(scale.x, v); }
     karTransformationInfo &SetScaleY(double v) { return set(scale.y, v); }
     karTransformationInfo &SetScaleZ(double v) { return set(scale.z, v); }
     /// The angle is brought into [0, 2*pi] by whole turns of 6.283185307179586, both ends included: 6.283185307179586
     /// itself stays. An angle so large that a turn no longer changes it stays too.
-    /// Note: this goes turn by turn, so a large angle takes long.
+    /// Note: each turn is rounded for itself, so a large angle keeps the sum of the roundings. It takes no longer.
     karTransformationInfo &SetRotateX(double v) { return set(rotate.x, _CheckAngleRange(v)); }
     karTransformationInfo &SetRotateY(double v) { return set(rotate.y, _CheckAngleRange(v)); } ///< \overload
     karTransformationInfo &SetRotateZ(double v) { return set(rotate.z, _CheckAngleRange(v)); } ///< \overload
+    /// Stores one parameter as it is; the others stay.
     karTransformationInfo &SetTranslateX(double v) { return set(translate.x, v); }
-    karTransformationInfo &SetTranslateY(double v) { return set(translate.y, v); }
-    karTransformationInfo &SetTranslateZ(double v) { return set(translate.z, v); }
+    karTransformationInfo &SetTranslateY(double v) { return set(translate.y, v); } ///< \overload
+    karTransformationInfo &SetTranslateZ(double v) { return set(translate.z, v); } ///< \overload
     karTransformationInfo &SetCutXY(double v) { return set(cutXY_, v); }
     karTransformationInfo &SetCutXZ(double v) { return set(cutXZ_, v); }
     karTransformationInfo &SetCutYX(double v) { return set(cutYX_, v); }
     karTransformationInfo &SetCutYZ(double v) { return set(cutYZ_, v); }
     karTransformationInfo &SetCutZX(double v) { return set(cutZX_, v); }
     karTransformationInfo &SetCutZY(double v) { return set(cutZY_, v); }
+    /// Stores the three as they are.
     karTransformationInfo &SetScale(double x, double y, double z) { return set(scale, {x, y, z}); }
+    /// Stores the three as they are.
     karTransformationInfo &SetTranslate(double x, double y, double z) { return set(translate, {x, y, z}); }
     /// Note: stores the three angles as they are, without the range check of the single setters.
     karTransformationInfo &SetRotate(double x, double y, double z) { return set(rotate, {x, y, z}); }

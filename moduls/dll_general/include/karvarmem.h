@@ -1,4 +1,5 @@
-// Pools of runs: consecutive elements of one size, each request with a count of its own.
+/// \file
+/// Pools of runs: consecutive elements of one size, each request with a count of its own.
 #ifndef KAR_VARMEM_H
 #define KAR_VARMEM_H
 
@@ -17,7 +18,7 @@ public:
     /// \name Construction
     /// \{
     karFreeVarElement(karFreeVarElement *run, int bytes); ///< A link to `run`, a length of `bytes`.
-    karFreeVarElement(const karFreeVarElement &other);
+    karFreeVarElement(const karFreeVarElement &other);    ///< Both fields; the copy links to the same run.
     /// \}
 
     karFreeVarElement &operator=(const karFreeVarElement &other); ///< Both fields; the copy links to the same run.
@@ -36,12 +37,12 @@ public:
     /// \name Changing
     /// \{
     karFreeVarElement *next(karFreeVarElement *run); ///< Stores the link and returns this object.
-    void setSize(int bytes);
+    void setSize(int bytes);                         ///< Stores the length of the run in bytes.
     /// \}
 
 protected:
-    unsigned char next_[4];
-    unsigned char size[4];
+    unsigned char next_[4]; ///< the link
+    unsigned char size[4];  ///< the length in bytes
 };
 
 /// A page of runs. Its free runs form a list from the lowest address to the highest, in which two that touch become
@@ -50,10 +51,11 @@ protected:
 /// that an owner wrote into a free run may read, is the end of the list.
 class KAR_API karVarPage : public karListTyped<karVarPage, karBasisPage> {
 public:
-    ~karVarPage() override;
+    ~karVarPage() override; ///< Releases the storage; runs in use are lost with it.
 
     /// \name Construction
     /// \{
+
     /// A page of `count` elements of `size` bytes behind the chain of `prev`. Without memory for them the page stands
     /// in the chain with zero sizes and no free run; a size or count that isn't positive, or a product beyond the
     /// `int` range, counts as such a failure.
@@ -83,6 +85,7 @@ public:
 
     /// \name Changing
     /// \{
+
     /// A run of `count` elements, but at least `minElementCount`; null if there is none. A run of exactly the wanted
     /// length is taken first, then the first that is at least 8 bytes longer. `fromEnd` other than 0 looks at the
     /// last run alone. Linear in the free runs.
@@ -103,14 +106,15 @@ public:
 protected:
     friend class karVarPageMemory;
 
+    /// Obtains the storage and makes it one free run, as the constructor tells.
     void init(int size, int count);
     /// Takes `bytes` at `start` out of the free run that covers them; what is left before and behind stays free.
     void takeRange(void *start, int bytes);
     /// Puts a range back and joins it with the free runs that touch it.
     void giveRange(void *start, int bytes);
 
-    karFreeVarElement *firstFreeElement_;
-    int minElementCount_;
+    karFreeVarElement *firstFreeElement_; ///< null if the page is full
+    int minElementCount_;                 ///< see `minElementCount()`
 
 private:
     class Walk;
@@ -151,10 +155,12 @@ public:
 
     /// \name Reading
     /// \{
+
+    /// Not 0 where `appendElement` tries the last page alone; 0 at first.
     int speicher_Speed() const { return speicher_Speed_; }
-    int elementSize() const { return elementSize_; }
+    int elementSize() const { return elementSize_; } ///< Bytes of an element, as given.
     int minElementCount() const { return firstPage ? firstPage->minElementCount() : 0; } ///< 0 without a page.
-    ObjektIdies elementType() const { return listType(); }
+    ObjektIdies elementType() const { return listType(); }                               ///< As `listType`.
     int getAnzElem();     ///< Elements in use over the chain. Linear in the pages.
     bool isValid() const; ///< Whether every page is. For tests; linear.
     /// \}
@@ -188,12 +194,12 @@ protected:
     /// Destroys a page. `firstPage` moves back, `lastPage` and `currentPage` forward if it is theirs.
     void deletePage(karVarPage *page);
 
-    int speicher_Speed_ = 0;
-    karVarPage *firstPage = nullptr;
-    karVarPage *currentPage = nullptr;
-    karVarPage *lastPage = nullptr;
-    int elementSize_;
-    int elementCount;
+    int speicher_Speed_ = 0;           ///< see `speicher_Speed()`
+    karVarPage *firstPage = nullptr;   ///< the way into the chain
+    karVarPage *currentPage = nullptr; ///< the page appended last or a neighbour of one deleted; nothing reads it
+    karVarPage *lastPage = nullptr;    ///< the page appended last; null after one that couldn't be had
+    int elementSize_;                  ///< bytes of an element
+    int elementCount;                  ///< elements in a new page, at least
 
 private:
     void enterChain(karVarPage *page);

@@ -1,4 +1,5 @@
-// Directions of the plane and of space, normalised on request.
+/// \file
+/// Directions of the plane and of space, normalised on request.
 #ifndef KAR_VECTOR_H
 #define KAR_VECTOR_H
 
@@ -24,24 +25,27 @@ public:
     /// \name Construction
     /// \{
     kar2DVector() = default; ///< (0, 0).
+    /// x and y as given.
     kar2DVector(const double &x, const double &y, bool normalize) : x_(x), y_(y) { normalizeIf(normalize); }
     /// (cos angle, sin angle), then always normalised; radians.
     kar2DVector(const double &angle) : x_(std::cos(angle)), y_(std::sin(angle)) { normalizeIf(true); }
+    /// The difference `to` - `from`.
     kar2DVector(const karD_Point &from, const karD_Point &to, bool normalize)
         : x_(to.x() - from.x()), y_(to.y() - from.y())
     {
         normalizeIf(normalize);
     }
+    /// x and y of `o`.
     kar2DVector(const kar2DVector &o, bool normalize) : x_(o.x_), y_(o.y_) { normalizeIf(normalize); }
-    kar2DVector(const kar2DVector &) = default;
+    kar2DVector(const kar2DVector &) = default; ///< x and y of the other.
     /// \}
 
-    kar2DVector &operator=(const kar2DVector &) = default;
+    kar2DVector &operator=(const kar2DVector &) = default; ///< Copies x and y.
 
     /// \name Reading
     /// \{
-    double GetX() const { return x_; }
-    double GetY() const { return y_; }
+    double GetX() const { return x_; } ///< x as stored, of unit length or not.
+    double GetY() const { return y_; } ///< y as stored, of unit length or not.
     /// x or y divided by the length of the two; 0.0 for a vector shorter than 1e-50.
     /// Note: on a `kar3DVector` too they ignore z, whereas `GetUnitZ` divides by the length of all three.
     double GetUnitX() const { return unit(x_, kar2DVector::GetDistance()); }
@@ -52,14 +56,16 @@ public:
 
     /// \name Changing
     /// \{
-    void SetX(double x) { x_ = x; }
-    void SetY(double y) { y_ = y; }
+    void SetX(double x) { x_ = x; } ///< Stores x; nothing is normalised.
+    void SetY(double y) { y_ = y; } ///< Stores y; nothing is normalised.
+    /// Stores both, then normalises if wanted.
     void Set(const double &x, const double &y, bool normalize)
     {
         x_ = x;
         y_ = y;
         normalizeIf(normalize);
     }
+    /// To unit length; a vector shorter than 1e-50 stays as it is.
     kar2DVector &Normalize()
     {
         const double length = kar2DVector::GetDistance();
@@ -76,14 +82,18 @@ public:
 
     /// \name Arithmetic
     /// \{
+
+    /// Each place by itself, not normalised.
     kar2DVector operator+(const kar2DVector &o) const { return kar2DVector(x_ + o.x_, y_ + o.y_, false); }
     double operator*(const kar2DVector &o) const { return (x_ * o.x_) + (y_ * o.y_); } ///< Inner product.
+    /// Each place times `factor`.
     kar2DVector operator*(const double &factor) const { return kar2DVector(x_ * factor, y_ * factor, false); }
-    kar2DVector operator-() const { return kar2DVector(-x_, -y_, false); }
-    kar2DVector operator+() const { return *this; }
+    kar2DVector operator-() const { return kar2DVector(-x_, -y_, false); } ///< The opposite direction.
+    kar2DVector operator+() const { return *this; }                        ///< The vector itself.
     /// \}
 
 protected:
+    /// The quotient, 0.0 for a length below 1e-50.
     static double unit(double coordinate, double length)
     {
         return std::fabs(length) < kar::lengthTolerance ? 0.0 : coordinate / length;
@@ -111,22 +121,25 @@ public:
     /// \name Construction
     /// \{
     kar3DVector() = default; ///< (0, 0, 0).
+    /// x, y and z as given.
     kar3DVector(const double &x, const double &y, const double &z, bool normalize) : kar2DVector(x, y, false), z_(z)
     {
         normalizeIf(normalize);
     }
+    /// The difference `to` - `from`.
     kar3DVector(const kar3D_Point &from, const kar3D_Point &to, bool normalize)
         : kar3DVector(to.x() - from.x(), to.y() - from.y(), to.z() - from.z(), normalize)
     {}
+    /// x, y, z of `o`.
     kar3DVector(const kar3DVector &o, bool normalize) : kar2DVector(o), z_(o.z_) { normalizeIf(normalize); }
-    kar3DVector(const kar3DVector &) = default;
+    kar3DVector(const kar3DVector &) = default; ///< x, y, z of the other.
     /// \}
 
-    kar3DVector &operator=(const kar3DVector &) = default;
+    kar3DVector &operator=(const kar3DVector &) = default; ///< Copies x, y and z.
 
     /// \name Reading
     /// \{
-    double GetZ() const { return z_; }
+    double GetZ() const { return z_; }                          ///< z as stored, of unit length or not.
     double GetUnitZ() const { return unit(z_, GetDistance()); } ///< z / length; 0.0 for a vector shorter than 1e-50.
     /// The length.
     double GetDistance() const { return std::sqrt(((GetX() * GetX()) + (GetY() * GetY())) + (z_ * z_)); }
@@ -142,10 +155,12 @@ public:
         return *this;
     }
     using kar2DVector::Set;
+    /// Stores all three, then normalises if wanted.
     kar3DVector &Set(const double &x, const double &y, const double &z, bool normalize)
     {
         return *this = kar3DVector(x, y, z, normalize);
     }
+    /// To unit length; a vector shorter than 1e-50 stays as it is.
     kar3DVector &Normalize()
     {
         const double length = GetDistance();
@@ -177,6 +192,7 @@ public:
         return kar3DVector((GetY() * o.z_) - (z_ * o.GetY()), (z_ * o.GetX()) - (GetX() * o.z_),
                            (GetX() * o.GetY()) - (GetY() * o.GetX()), true);
     }
+    /// x * o.x + y * o.y + z * o.z.
     double InnerProduct(const kar3DVector &o) const
     {
         return ((GetX() * o.GetX()) + (GetY() * o.GetY())) + (z_ * o.z_);
@@ -186,16 +202,19 @@ public:
 
     /// \name Arithmetic
     /// \{
+
+    /// Each place by itself, not normalised.
     kar3DVector operator+(const kar3DVector &o) const
     {
         return kar3DVector(GetX() + o.GetX(), GetY() + o.GetY(), z_ + o.z_, false);
     }
+    /// Each place times `factor`.
     kar3DVector operator*(const double &factor) const
     {
         return kar3DVector(GetX() * factor, GetY() * factor, z_ * factor, false);
     }
-    kar3DVector operator-() const { return kar3DVector(-GetX(), -GetY(), -z_, false); }
-    kar3DVector operator+() const { return *this; }
+    kar3DVector operator-() const { return kar3DVector(-GetX(), -GetY(), -z_, false); } ///< The opposite direction.
+    kar3DVector operator+() const { return *this; }                                     ///< The vector itself.
     /// \}
 
 private:

@@ -1,4 +1,5 @@
-// The whole library in one include.
+/// \file
+/// The whole library in one include.
 #ifndef KRK_GENERAL_H
 #define KRK_GENERAL_H
 

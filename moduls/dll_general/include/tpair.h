@@ -1,4 +1,5 @@
-// Two values side by side, the root of the plane's points and dimensions.
+/// \file
+/// Two values side by side, the root of the plane's points and dimensions.
 #ifndef KAR_TPAIR_H
 #define KAR_TPAIR_H
 
@@ -31,32 +32,32 @@ public:
 
     /// \name Construction
     /// \{
-    tPair() = default; ///< Both places zero.
-    tPair(const A &first, const B &second) : First_(first), Second_(second) {}
-    tPair(const tPair &) = default;
+    tPair() = default;                                                         ///< Both places zero.
+    tPair(const A &first, const B &second) : First_(first), Second_(second) {} ///< The two values, in their order.
+    tPair(const tPair &) = default;                                            ///< Copies the two values.
     /// \}
 
-    tPair &operator=(const tPair &) = default;
+    tPair &operator=(const tPair &) = default; ///< Copies the two values.
 
     /// \name Type identity
     /// \{
-    ObjektIdies GetType() const { return KAR_ID_PAIR; }
-    bool IsType(ObjektIdies id) const { return id == KAR_ID_PAIR; }
-    bool CanCast(ObjektIdies id) const { return id == KAR_ID_PAIR; }
+    ObjektIdies GetType() const { return KAR_ID_PAIR; }              ///< 0.
+    bool IsType(ObjektIdies id) const { return id == KAR_ID_PAIR; }  ///< Equality with 0.
+    bool CanCast(ObjektIdies id) const { return id == KAR_ID_PAIR; } ///< Equality with 0.
     /// \}
 
     /// \name Reading
     /// \{
-    A First() const { return First_; }
-    B Second() const { return Second_; }
+    A First() const { return First_; }   ///< The value in the first place.
+    B Second() const { return Second_; } ///< The value in the second place.
     /// \}
 
     /// \name Changing
     /// \{
-    A &First() { return First_; }
-    B &Second() { return Second_; }
-    void First(const A &value) { First_ = value; }
-    void Second(const B &value) { Second_ = value; }
+    A &First() { return First_; }                    ///< The first place itself, to be written.
+    B &Second() { return Second_; }                  ///< The second place itself, to be written.
+    void First(const A &value) { First_ = value; }   ///< Stores the first value.
+    void Second(const B &value) { Second_ = value; } ///< Stores the second value.
     /// \}
 
 private:
@@ -70,25 +71,25 @@ class tUniquePair : public tPair<T, T> {
 public:
     /// \name Construction
     /// \{
-    tUniquePair() = default; ///< Both places zero.
-    tUniquePair(const T &first, const T &second) : tPair<T, T>(first, second) {}
-    tUniquePair(const tUniquePair &) = default;
+    tUniquePair() = default;                                                     ///< Both places zero.
+    tUniquePair(const T &first, const T &second) : tPair<T, T>(first, second) {} ///< x, then y.
+    tUniquePair(const tUniquePair &) = default;                                  ///< Copies x and y.
     /// \}
 
-    tUniquePair &operator=(const tUniquePair &) = default;
+    tUniquePair &operator=(const tUniquePair &) = default; ///< Copies x and y.
 
     /// \name Reading
     /// \{
-    T x() const { return this->First(); }
-    T y() const { return this->Second(); }
+    T x() const { return this->First(); }  ///< `First`.
+    T y() const { return this->Second(); } ///< `Second`.
     /// \}
 
     /// \name Changing
     /// \{
-    T &x() { return this->First(); }
-    T &y() { return this->Second(); }
-    void x(const T &value) { this->First(value); }
-    void y(const T &value) { this->Second(value); }
+    T &x() { return this->First(); }                ///< The place itself, to be written.
+    T &y() { return this->Second(); }               ///< The place itself, to be written.
+    void x(const T &value) { this->First(value); }  ///< Stores x alone.
+    void y(const T &value) { this->Second(value); } ///< Stores y alone.
     /// \}
 };
 

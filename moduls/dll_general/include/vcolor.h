@@ -1,4 +1,5 @@
-// Conversions of packed colours: to and from the colour numbers of exchange formats, and to and from text.
+/// \file
+/// Conversions of packed colours: to and from the colour numbers of exchange formats, and to and from text.
 #ifndef V_COLOR_H
 #define V_COLOR_H
 

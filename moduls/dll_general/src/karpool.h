@@ -33,7 +33,8 @@ struct PoolAccess {
     static bool holdsLinks(const karPage &page, const void *p)
     {
         const std::uintptr_t start = addressOf(page.firstPageElement_);
-        return (start != 0) & (addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1));
+        return (start != 0) &
+               (addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1));
     }
 
     static bool isElement(const karPage &page, const void *p)

@@ -1,5 +1,7 @@
 #include "karrectx.h"
 
+#include "fullturns.h"
+
 #include <utility>
 
 namespace {
@@ -18,37 +20,17 @@ bool between(int value, int limit, int otherLimit)
 // Half away from zero, with the 0.5 taken off for 0 as well.
 int roundAway(double v) { return v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5); }
 
-// Takes most full turns off a large angle >= 0 with the result of taking them off one by one, each difference rounded.
-// Between two powers of two all angles are multiples of one unit, so each step takes the same number of units off, and
-// what is left after several steps is exact. The last step above the lower power is left for itself: its difference may
-// lie below, where the unit is smaller. Below 1024 the steps are few, and there a tie may round either way.
-double withoutManyTurns(double angle)
-{
-    while (angle >= 1024) {
-        const double step = angle - (angle - fullTurn);
-        if (!(step > 0)) // a full turn no longer changes it, or it is infinite
-            break;
-        int exponent = 0;
-        std::frexp(angle, &exponent);
-        const double lowest = std::ldexp(0.5, exponent); // the power of two at or below
-        const double count = std::floor((angle - lowest) / step) - 1;
-        angle = count > 0 ? angle - (count * step) : angle - fullTurn;
-    }
-    return angle;
-}
-
 double normalised(double angle)
 {
-    if (angle <= -1024)
-        angle = -withoutManyTurns(-angle);
+    if (angle < 0)
+        angle = -kar::withoutManyTurns(-angle);
     while (angle < 0) {
         const double next = angle + fullTurn;
         if (next == angle)
             break;
         angle = next;
     }
-    if (angle >= 1024)
-        angle = withoutManyTurns(angle);
+    angle = kar::withoutManyTurns(angle);
     while (angle >= fullTurn) {
         const double next = angle - fullTurn;
         if (next == angle)

@@ -1,6 +1,8 @@
 // A transformation of space as fifteen parameters.
 #include "kartransformationinfo.h"
 
+#include "fullturns.h"
+
 #include <cmath>
 
 ObjektIdies karTransformationInfo::GetType() const { return KAR_ID_TRANSFORMATION_INFO; }
@@ -28,16 +30,19 @@ karMatrix karTransformationInfo::GetTransformationMatrix() const
                                      scale.y, scale.z);
 }
 
-// One turn a step: the sum of the roundings is part of the result.
+// One turn a step, as if: the sum of the roundings is part of the result.
 double karTransformationInfo::_CheckAngleRange(double a) const
 {
     constexpr double fullTurn = 6.283185307179586;
+    if (a < 0)
+        a = -kar::withoutManyTurns(-a);
     while (a < 0) {
         const double next = a + fullTurn;
         if (next == a)
             break;
         a = next;
     }
+    a = kar::withoutManyTurns(a);
     while (a > fullTurn) {
         const double next = a - fullTurn;
         if (next == a)

@@ -1,5 +1,6 @@
 #include "karintegral.h"
 
+#include "ellipseperimeter.h"
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
@@ -253,23 +254,6 @@ TEST(NormDerivedElliptical, IsTheStatedFormula)
 }
 
 // Arc lengths
-
-/// Perimeter of an ellipse by the arithmetic-geometric mean: 2 pi / M * (a^2 - sum of 2^(n-1) c(n)^2).
-double perimeter(double a, double b)
-{
-    double x = a, y = b;
-    double sum = (a * a) - (((a * a) - (b * b)) / 2);
-    double weight = 1;
-    while (std::fabs(x - y) > 1e-9 * x) {
-        const double c = (x - y) / 2;
-        const double mean = (x + y) / 2;
-        y = std::sqrt(x * y);
-        x = mean;
-        sum -= weight * (c * c);
-        weight *= 2;
-    }
-    return fullTurn * sum / ((x + y) / 2);
-}
 
 double length(double a, double b, double rotation, double start, double end)
 {

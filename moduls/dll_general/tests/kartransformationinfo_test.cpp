@@ -127,6 +127,26 @@ TEST(KarTransformationInfo, AngleRangeIsReachedTurnByTurn)
     EXPECT_EQ(ofPlain.value(), std::uint64_t{5842375786491329125u});
 }
 
+TEST(KarTransformationInfo, LargeAnglesKeepTheRoundingOfEachTurn)
+{
+    TestRandom random(752);
+    const OpenInfo info;
+    for (int call = 0; call < 60; ++call) {
+        const double angle = random.between(-1.0, 1.0) * std::pow(10.0, random.between(2.0, 7.0));
+        double a = angle;
+        while (a < 0)
+            a += fullTurn;
+        while (a > fullTurn)
+            a -= fullTurn;
+        ASSERT_EQ(info._CheckAngleRange(angle), a) << "seed 752, call " << call;
+    }
+    for (const double angle : {1e12, -1e12, 1e15, -1e15, 2e16, -2e16}) { // would take hours turn by turn
+        const double a = info._CheckAngleRange(angle);
+        EXPECT_TRUE(a >= 0 && a <= fullTurn) << angle;
+    }
+    EXPECT_EQ(info._CheckAngleRange(1e17), 1e17); // the unit is 16: a turn is less than half of it
+}
+
 TEST(KarTransformationInfo, SettersStoreTheirPlace)
 {
     karTransformationInfo info;
