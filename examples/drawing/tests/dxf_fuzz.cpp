@@ -49,7 +49,8 @@ std::string drawingFrom(FuzzInput &input, std::size_t groups)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    static Console console(Loudness::Quiet, Language::English);
+    static Console console(Language::English);
+    console.setLoudness(Loudness::Quiet);
     FuzzInput input(data, size);
     const bool raw = input.below(4) == 0;
     const std::string text = raw ? std::string(data, data + size) : drawingFrom(input, size / 2);
