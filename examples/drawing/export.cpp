@@ -25,16 +25,6 @@ Json toJson(const Extent &extent)
             {"grid", {{"left", grid.left()}, {"top", grid.top()}, {"right", grid.right()}, {"bottom", grid.bottom()}}}};
 }
 
-std::string handleOf(const Shape &shape)
-{
-    const long handle = shape.entity->attributes.handle;
-    if (handle < 0)
-        return "";
-    karString digits(handle, 16);
-    digits.toUpper();
-    return std::string(digits);
-}
-
 Json toJson(const Shape &shape)
 {
     Json result{{"kind", kindName(shape.kind)}, {"layer", utf8(shape.layer)}};

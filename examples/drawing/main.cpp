@@ -112,14 +112,14 @@ int run(const Options &options, Console &console)
     work(options, results, filter);
     console.clearBar();
     tellFindings(filter);
-    const bool filesOnly = options.svg == "-" || options.dxf == "-" || options.json == "-" || options.csv == "-";
+    const bool outputTaken = options.svg == "-" || options.dxf == "-" || options.json == "-" || options.csv == "-";
     if (filter.getBreak() != BreakNone) { // what was done is reported, but no file is written
         tell(results);
         return ExitStopped;
     }
     writeFiles(options, results, filter);
     // The report comes last: a reader that has seen enough of it ends the program.
-    if (!filesOnly && options.text.empty())
+    if (!outputTaken && options.text.empty())
         tell(results);
     return ExitDone;
 }

@@ -57,6 +57,14 @@ int placesFor(double span)
     return std::clamp(6 - static_cast<int>(std::floor(std::log10(span))), 0, most);
 }
 
+std::string hex(const karColor &colour)
+{
+    char text[8];
+    std::snprintf(text, sizeof text, "#%02x%02x%02x", unsigned{colour.red()}, unsigned{colour.green()},
+                  unsigned{colour.blue()});
+    return text;
+}
+
 std::string utf8(const std::string &text)
 {
     std::string result;

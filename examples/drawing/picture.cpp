@@ -37,7 +37,8 @@ public:
         : karFilterIdBase(static_cast<karFilterIdBase *>(this), static_cast<FilterMethod>(&Placer::skip)),
           drawing(ownDrawing),
           phase(ownPhase),
-          picture(into)
+          picture(into),
+          count(std::max(ownDrawing.entities.ListAnzahl(), 1))
     {
         handle(EntityPoint, &Placer::point);
         handle(EntityLine, &Placer::line);
@@ -67,8 +68,6 @@ public:
             filterObject(entity);
         }
     }
-
-    int count = 1; // entities outside of blocks
 
     // An empty block counts too each time, so that the work stays bounded.
     bool tooMany() { return stopped = stopped || ++placed > mostPlaced; }
@@ -298,6 +297,7 @@ private:
     const Drawing &drawing;
     Phase &phase;
     Picture &picture;
+    const int count; // entities outside of blocks
     Surroundings surroundings;
     int level = 0;
     int placed = 0;
@@ -313,13 +313,20 @@ std::string nameOf(const Shape &shape)
     std::string name = kindName(shape.kind);
     if (shape.kind == EntityOther)
         name = std::string(static_cast<const OtherEntity *>(shape.entity)->name);
-    const long handle = shape.entity->attributes.handle;
-    if (handle >= 0) {
-        karString digits(handle, 16);
-        digits.toUpper();
-        name += " " + std::string(digits);
-    }
+    const std::string handle = handleOf(shape);
+    if (!handle.empty())
+        name += " " + handle;
     return name + " (" + shape.layer + ")";
+}
+
+std::string handleOf(const Shape &shape)
+{
+    const long handle = shape.entity->attributes.handle;
+    if (handle < 0)
+        return "";
+    karString digits(handle, 16);
+    digits.toUpper();
+    return std::string(digits);
 }
 
 Picture place(const Drawing &drawing, const karTransformationInfo &transformation, karFilter &filter)
@@ -327,7 +334,6 @@ Picture place(const Drawing &drawing, const karTransformationInfo &transformatio
     Picture picture;
     Phase phase(filter, 30, 45, "placing");
     Placer placer(drawing, phase, picture);
-    placer.count = std::max(drawing.entities.ListAnzahl(), 1);
     Surroundings world;
     world.placement = Placement::of(transformation);
     world.colour = karColor(ACAD_COLOR_WHITE);

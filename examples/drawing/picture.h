@@ -25,13 +25,17 @@ struct Shape {
     bool closed() const { return pieces.size() > 1 && pieces.back().end == pieces.front().start; }
 };
 
-/// "LINE 1F on layer WALLS": kind, handle where there is one, and layer.
+/// "LINE 1F (WALLS)": kind, handle where there is one, and layer.
 std::string nameOf(const Shape &shape);
+
+/// The handle as the file writes it; empty where there is none.
+std::string handleOf(const Shape &shape);
 
 using Picture = std::vector<Shape>;
 
-/// Places all entities of the drawing but those of its sheets. What can't be placed (a circle without radius, an angle beyond 1e6, a block that
-/// isn't there) is left out and becomes a finding. After a break the picture holds what was placed before.
+/// Places all entities of the drawing but those of its sheets. What can't be placed (a circle without radius, an angle
+/// beyond 1e6, a block that isn't there) is left out and becomes a finding. After a break the picture holds what was
+/// placed before.
 /// Throws `DrawingError` for a drawing that becomes too large by its inserts.
 Picture place(const Drawing &drawing, const karTransformationInfo &transformation, karFilter &filter);
 

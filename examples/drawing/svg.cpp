@@ -3,7 +3,6 @@
 #include "numbers.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -32,14 +31,10 @@ std::string escaped(const std::string &text)
 }
 
 // What would not be seen on the background is drawn in the contrast to it.
-std::string hex(karColor colour)
+std::string shown(const karColor &colour)
 {
     const karColor background(255, 255, 255);
-    const karColor shown = colour == background ? background.contrast() : colour;
-    char text[8];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", static_cast<unsigned>(shown.red()),
-                  static_cast<unsigned>(shown.green()), static_cast<unsigned>(shown.blue()));
-    return text;
+    return hex(colour == background ? background.contrast() : colour);
 }
 
 class Writer {
@@ -51,9 +46,9 @@ public:
         if (shape.kind == EntityText)
             addText(shape);
         else if (!shape.pieces.empty())
-            body += "<path stroke=\"" + hex(shape.colour) + "\" d=\"" + pathOf(shape) + "\"/>\n";
+            body += "<path stroke=\"" + shown(shape.colour) + "\" d=\"" + pathOf(shape) + "\"/>\n";
         else
-            body += "<circle stroke=\"none\" fill=\"" + hex(shape.colour) + "\" cx=\"" + number(shape.at.x()) +
+            body += "<circle stroke=\"none\" fill=\"" + shown(shape.colour) + "\" cx=\"" + number(shape.at.x()) +
                     "\" cy=\"" + number(-shape.at.y()) + "\" r=\"" + number(1.5 * lineWidth()) + "\"/>\n";
     }
 
@@ -132,7 +127,7 @@ private:
         const bool middle = entity.alignment == 1 || entity.alignment == 4;
         const bool atEnd = entity.alignment == 2;
         const std::string anchor = middle ? " text-anchor=\"middle\"" : atEnd ? " text-anchor=\"end\"" : "";
-        body += "<text stroke=\"none\" fill=\"" + hex(shape.colour) + "\" font-family=\"sans-serif\" font-size=\"" +
+        body += "<text stroke=\"none\" fill=\"" + shown(shape.colour) + "\" font-family=\"sans-serif\" font-size=\"" +
                 number(entity.height) + "\"" + anchor + " transform=\"matrix(" + decimal(shape.right.x(), fine) + "," +
                 decimal(-shape.right.y(), fine) + "," + decimal(-shape.up.x(), fine) + "," +
                 decimal(shape.up.y(), fine) + "," + place(shape.at) + ")\">" + escaped(content) + "</text>\n";

@@ -1,10 +1,10 @@
 #include "canvas.h"
 
 #include "numbers.h"
+#include "piece.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace {
 
@@ -45,7 +45,7 @@ void Canvas::box(const karD_Rect &box, const char *colour)
 void Canvas::arc(const karD_Point &centre, double a, double b, double rotation, double start, double sweep,
                  const char *colour)
 {
-    constexpr double degrees = 180 / 3.141592653589793;
+    constexpr double degrees = 180 / pi;
     std::string path = "M" + at(onEllipse(centre, a, b, rotation, start));
     for (const double part : {0.5, 1.0}) // halves, so that no arc is large
         path += "A" + decimal(a, places) + "," + decimal(b, places) + " " + decimal(-rotation * degrees, places) +
@@ -55,7 +55,7 @@ void Canvas::arc(const karD_Point &centre, double a, double b, double rotation, 
 
 void Canvas::ellipse(const karD_Point &centre, double a, double b, double rotation, const char *colour)
 {
-    arc(centre, a, b, rotation, 0.0, 6.283185307179586, colour);
+    arc(centre, a, b, rotation, 0.0, fullTurn, colour);
 }
 
 void Canvas::point(const karD_Point &p, const char *colour)
@@ -67,14 +67,11 @@ void Canvas::point(const karD_Point &p, const char *colour)
 void Canvas::sector(const karD_Point &centre, double inner, double outer, double start, double end,
                     const karColor &fill)
 {
-    char colour[8];
-    std::snprintf(colour, sizeof colour, "#%02x%02x%02x", unsigned{fill.red()}, unsigned{fill.green()},
-                  unsigned{fill.blue()});
     const auto arcTo = [&](double radius, double angle, const char *sweep) {
         return "A" + decimal(radius, places) + "," + decimal(radius, places) + " 0 0 " + sweep + " " +
                at(onEllipse(centre, radius, radius, 0.0, angle));
     };
-    body += "<path fill=\"" + std::string(colour) + "\" d=\"M" + at(onEllipse(centre, outer, outer, 0.0, start)) +
+    body += "<path fill=\"" + hex(fill) + "\" d=\"M" + at(onEllipse(centre, outer, outer, 0.0, start)) +
             arcTo(outer, end, "0") + "L" + at(onEllipse(centre, inner, inner, 0.0, end)) + arcTo(inner, start, "1") +
             "Z\"/>\n";
 }

@@ -1,6 +1,7 @@
 // kartory-gallery FOLDER: one picture of each geometric operation of the library.
 #include "canvas.h"
 
+#include "piece.h"
 #include "savefile.h"
 
 #include <cmath>
@@ -11,8 +12,6 @@
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
-constexpr double fullTurn = 6.283185307179586;
 constexpr int bothBounded = 3; // limit mask: the first and the second curve end where they end
 constexpr int noLimits = 0;
 const karD_Rect usualView(-10.0, -7.0, 10.0, 7.0);

@@ -1,5 +1,5 @@
-// Faults of the system, preloaded into the program. FAULT holds the word "nameless": no file can be without a name; "kill": the
-// program is killed when it gives a file its name.
+// Faults of the system, preloaded into the program. FAULT holds the word "nameless": no file can be without a name;
+// "kill": the program is killed when it gives a file its name.
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>

@@ -272,6 +272,18 @@ void messageVariants(benchmark::State &state, const char *text)
 
 /// \}
 
+int registerAll()
+{
+    for (const int layers : {1, 4, 16}) {
+        const std::string row = "SetPercent/" + std::to_string(layers) + "/";
+        benchmark::RegisterBenchmark((row + "ours").c_str(), percentOurs, layers);
+        benchmark::RegisterBenchmark((row + "std::vector").c_str(), percentVector, layers);
+    }
+    return 0;
+}
+
+const int registered = registerAll();
+
 } // namespace
 
 BENCHMARK(dispatchOurs)->Name("Dispatch/25_kinds/ours");
@@ -283,18 +295,3 @@ BENCHMARK_CAPTURE(messageOurs, short, shortText)->Name("Message/short_text/ours"
 BENCHMARK_CAPTURE(messageVariants, short, shortText)->Name("Message/short_text/std::variant");
 BENCHMARK_CAPTURE(messageOurs, long, longText)->Name("Message/long_text/ours");
 BENCHMARK_CAPTURE(messageVariants, long, longText)->Name("Message/long_text/std::variant");
-
-int main(int argc, char **argv)
-{
-    for (const int layers : {1, 4, 16}) {
-        const std::string row = "SetPercent/" + std::to_string(layers) + "/";
-        benchmark::RegisterBenchmark((row + "ours").c_str(), percentOurs, layers);
-        benchmark::RegisterBenchmark((row + "std::vector").c_str(), percentVector, layers);
-    }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -1,6 +1,6 @@
 // Intersections of whole curves, feet of perpendiculars and extents of arcs beside Open CASCADE: time a call, known
-// crossings that are missed in a million, points reported a call, and the largest distance of a reported point from its curves. Pairs on which the
-// iteration doesn't settle are left out.
+// crossings that are missed in a million, points reported a call, and the largest distance of a reported point from its
+// curves. Pairs on which the iteration doesn't settle are left out.
 #include "karextent.h"
 #include "karintersect.h"
 
@@ -71,6 +71,15 @@ struct Line {
 /// Up to four points; a slot that is left out lies nowhere.
 struct Points {
     Point at[4] = {{nowhere, 0}, {nowhere, 0}, {nowhere, 0}, {nowhere, 0}};
+
+    /// Calls `visit` for each that lies anywhere.
+    template <class Visit>
+    void each(Visit visit) const
+    {
+        for (const Point &p : at)
+            if (p.x < nowhere)
+                visit(p);
+    }
 };
 
 /// Curves with a known common point, or a point with a known foot.
@@ -259,11 +268,9 @@ void missed(benchmark::State &state)
             Points found;
             Peer<kind>::solve(c, found);
             double nearest = nowhere;
-            for (const Point &p : found.at) {
-                if (!(p.x < nowhere))
-                    continue;
+            found.each([&](const Point &p) {
                 nearest = std::min(nearest, std::max(std::fabs(p.x - c.known.x), std::fabs(p.y - c.known.y)));
-            }
+            });
             count += nearest <= 1e-6 ? 0 : 1;
         }
     state.counters["value"] = count * 1e6 / static_cast<double>(cases.size());
@@ -282,8 +289,7 @@ void reported(benchmark::State &state)
         for (const Case &c : cases) {
             Points found;
             Peer<kind>::solve(c, found);
-            for (const Point &p : found.at)
-                count += p.x < nowhere ? 1 : 0;
+            found.each([&](const Point &) { ++count; });
         }
     state.counters["value"] = count / static_cast<double>(cases.size());
     state.SetLabel("points: more is better");
@@ -299,16 +305,14 @@ void distance(benchmark::State &state)
         for (const Case &c : cases) {
             Points found;
             Peer<kind>::solve(c, found);
-            for (const Point &p : found.at) {
-                if (!(p.x < nowhere))
-                    continue;
+            found.each([&](const Point &p) {
                 double off = c.first.distance(p);
                 if (kind == lineArc || kind == lineEllipse)
                     off = std::max(off, c.line.distance(p));
                 if (kind == circles || kind == ellipseEllipse)
                     off = std::max(off, c.second.distance(p));
                 largest = std::max(largest, off);
-            }
+            });
         }
     state.counters["value"] = largest / 1e-12;
     state.SetLabel(kind == lineArc || kind == lineEllipse ? "u = tan(t/2)"

@@ -61,18 +61,15 @@ void addMemory(const std::string &name, const Allocator &allocator, unsigned low
     })->Iterations(1);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int registerAll()
 {
     for (const Allocator &allocator : allAllocators()) {
         addMemory("MemoryPerByte/1to992", allocator, 1, 992, 1000000);
         addMemory("MemoryPerByte/16to64", allocator, 16, 64, 1000000);
     }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
     return 0;
 }
+
+const int registered = registerAll();
+
+} // namespace

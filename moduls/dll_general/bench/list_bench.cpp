@@ -7,24 +7,14 @@
 #include <cmath>
 #include <cstdint>
 #include <list>
+#include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
-class Random { // xorshift64*
-public:
-    int key()
-    {
-        state ^= state >> 12;
-        state ^= state << 25;
-        state ^= state >> 27;
-        return static_cast<int>((state * 0x2545f4914f6cdd1du) >> 34);
-    }
-
-private:
-    std::uint64_t state = 0x9e3779b97f4a7c15u;
-};
+/// A key drawn by chance, 0 to 2^30 - 1.
+int keyOf(std::mt19937 &random) { return static_cast<int>(random() >> 2); }
 
 /// Elements of our list. All three kinds carry a key and no more.
 struct Element : karListObject {
@@ -79,12 +69,12 @@ void ours(benchmark::State &state, int length)
         for (int i = 0; i < length; ++i)
             head.ListAppend(&elements[next++]);
     volatile OursMethod method = static_cast<OursMethod>(&Head::smallerFirst);
-    Random random;
+    std::mt19937 random;
     for (auto _ : state) {
         state.PauseTiming();
         for (Head &head : heads)
             for (karListObject *element = head.ListFirst(); element; element = element->next())
-                static_cast<Element *>(element)->key = random.key();
+                static_cast<Element *>(element)->key = keyOf(random);
         state.ResumeTiming();
         for (Head &head : heads)
             head.ListSort(method, &head);
@@ -101,12 +91,12 @@ void sortPeer(benchmark::State &state, std::vector<List> &lists, int length)
 {
     Order<Item> order;
     int (Order<Item>::*volatile method)(const Item *, const Item *) = &Order<Item>::smallerFirst;
-    Random random;
+    std::mt19937 random;
     for (auto _ : state) {
         state.PauseTiming();
         for (List &list : lists)
             for (Item &item : list)
-                item.key = random.key();
+                item.key = keyOf(random);
         state.ResumeTiming();
         for (List &list : lists)
             list.sort(Before<Item>{&order, method});
@@ -138,9 +128,9 @@ void boostIntrusive(benchmark::State &state, int length)
 void limit(benchmark::State &state, int length)
 {
     std::vector<Element> elements(10000);
-    Random random;
+    std::mt19937 random;
     for (Element &element : elements)
-        element.key = random.key();
+        element.key = keyOf(random);
     Head head;
     volatile OursMethod kept = static_cast<OursMethod>(&Head::smallerFirst);
     const OursMethod method = kept;
@@ -163,9 +153,7 @@ struct Sort {
     void (*run)(benchmark::State &, int);
 };
 
-} // namespace
-
-int main(int argc, char **argv)
+int registerAll()
 {
     for (const int length : {100, 10000, 1000000})
         for (const Sort &sort : {Sort{"ours", ours}, Sort{"std::list", standard},
@@ -173,10 +161,9 @@ int main(int argc, char **argv)
             const std::string row = "ListSort/" + std::to_string(length) + "/" + sort.name;
             benchmark::RegisterBenchmark(row.c_str(), [=](benchmark::State &state) { sort.run(state, length); });
         }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
     return 0;
 }
+
+const int registered = registerAll();
+
+} // namespace

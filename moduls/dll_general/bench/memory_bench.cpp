@@ -117,9 +117,7 @@ void addChurn(const std::string &name, const Allocator &allocator, const char *r
     })->Iterations(static_cast<benchmark::IterationCount>(std::max<std::size_t>(pairs / perIteration, 1)));
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int registerAll()
 {
     const std::vector<Allocator> allocators = allAllocators();
     std::vector<Allocator> small = allocators;
@@ -146,11 +144,9 @@ int main(int argc, char **argv)
             alternate(state, allocator);
             labelOurs(state, allocator, "an empty page is released at once");
         });
-
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
     return 0;
 }
+
+const int registered = registerAll();
+
+} // namespace

@@ -24,7 +24,7 @@ constexpr double ulp = 0x1p-52;
 
 using Root = std::complex<double>;
 
-// Quartics
+// ---- Quartics
 
 struct Quartic {
     std::array<double, 5> coefficients; // descending powers
@@ -161,7 +161,7 @@ void quarticError(benchmark::State &state)
     state.SetLabel("a pass ends at a ratio of 1e-10");
 }
 
-// Quadratics
+// ---- Quadratics
 
 std::vector<std::array<double, 3>> makeQuadratics()
 {
@@ -204,7 +204,7 @@ void quadraticTime(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(quadratics.size()));
 }
 
-// Arc lengths
+// ---- Arc lengths
 
 struct Arc {
     double a, b, start, end;

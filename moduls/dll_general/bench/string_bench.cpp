@@ -29,7 +29,7 @@ std::string sample(std::size_t length)
 // other text is not what is measured here.
 const karString residents[] = {karString(8u), karString(100u), karString(200u), karString(500u), karString(1000u)};
 
-// -- Construction, copies, comparison ------------------------------------------------------------------------------
+// ---- Construction, copies, comparison
 
 template <class Text>
 void construct(benchmark::State &state, std::size_t length)
@@ -66,7 +66,7 @@ void compare(benchmark::State &state, std::size_t length)
     }
 }
 
-// -- Concatenation --------------------------------------------------------------------------------------------------
+// ---- Concatenation
 
 karString joined(karString &a, const karString &b) { return a & b; }
 std::string joined(std::string &a, const std::string &b) { return a + b; }
@@ -111,7 +111,7 @@ void appendCharacters(benchmark::State &state, std::size_t length)
     }
 }
 
-// -- Numbers --------------------------------------------------------------------------------------------------------
+// ---- Numbers
 
 std::vector<double> reals()
 {
@@ -271,7 +271,7 @@ double readRealFromChars(const std::string &text, karString &)
     return value;
 }
 
-// -- Tokens: a line of a megabyte in tokens of 1023 characters -----------------------------------------------------
+// ---- Tokens: a line of a megabyte in tokens of 1023 characters
 
 std::string line()
 {

@@ -52,7 +52,8 @@ protected:
     /// Equality: |o.x - x|, |o.y - y| and |o.z - z| are each strictly less than 1e-50, which for coordinates of ordinary
     /// size is identity. The four others hold only if they hold in x, in y and in z, without tolerance: they are no order
     /// and no complements of each other.
-    /// Note: infinities are not equal to each other, since their difference is not a number.
+    /// Note: 1e-50 is far below what a coordinate is rounded by, so equality is that of the bits but for values near 0.
+    /// Infinities are not equal to each other, since their difference is not a number.
     /// \{
 
     /// Equal within the tolerance in all three places.
@@ -408,7 +409,8 @@ public:
     /// \name Transformation
     /// By a 4 by 4 matrix M, rows and columns counted from 0, defined in `karmatrix.h`:
     /// x' = ((z * M[0][2] + y * M[0][1]) + x * M[0][0]) + M[3][0], y' and z' likewise from rows 1 and 2 with M[3][1] and
-    /// M[3][2]. A matrix of another size leaves the point as it is in `*=` and gives (0, 0, 0) in `*`.
+    /// M[3][2].
+    /// Note: a matrix of another size leaves the point as it is in `*=` and gives (0, 0, 0) in `*`.
     /// Note: the linear block is applied to a column vector, the translation is read from the last row. The fourth column
     /// is never read: there is no projective division.
     /// \{

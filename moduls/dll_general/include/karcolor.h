@@ -106,7 +106,8 @@ public:
     bool operator!=(const karColor &o) const { return rgbs() != o.rgbs(); } ///< A byte differs.
     /// \}
 
-    /// \name Arithmetic, part by part; `special` of the result is 0
+    /// \name Arithmetic, part by part
+    /// Note: `special` of the result is 0.
     /// \{
     karColor invers() const { return parts(255 - red_, 255 - green_, 255 - blue_); } ///< The complement.
     /// Exclusive or.

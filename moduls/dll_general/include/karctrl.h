@@ -232,7 +232,7 @@ public:
     /// \name Adding and removing
     /// \{
 
-    /// A new message at the end; null for the id 8 and if memory ends.
+    /// A new message at the end; null if memory ends. Note: null for the id 8 too, which stands for none.
     karMessageLBase *addMessage(EnumMessageID id, int paramCount);
     /// Appends the element if it isn't in the list yet, and gives it back; null stays null. Linear.
     karMessageLBase *addMessage(karMessageLBase *element);
@@ -263,7 +263,8 @@ public:
 
 /// Break, progress and messages of an operation. A client makes one, or a class of its own from it, and hands it to any
 /// number of filters.
-/// Note: without memory for the percentage or the messages their pointer is null, and the operations that use it fault.
+/// Note: without memory for the percentage or the messages their pointer is null. The operations that use it then store
+/// nothing and give 0 or null, also where a present percentage would give -1.
 class KAR_API karCtrl {
 public:
     KAR_LIBRARY_NEW
@@ -305,8 +306,8 @@ protected:
 
 /// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every operation
 /// goes to the controller's virtual one, of the same name where no other is told.
-/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`; every operation that goes
-/// to the controller then faults.
+/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`. Every operation that goes
+/// to the controller then stores nothing and gives false, 0 or null.
 class KAR_API karFilter {
 public:
     /// Uses the controller of the client or, with null, makes and owns one.
@@ -323,35 +324,72 @@ public:
 
     /// \name Break
     /// \{
-
     /// True once a break was asked for; the first call that tells it marks it as seen.
-    bool isBreak() { return ctrl->isBreak(); }
-    void setBreak(bool on);                            ///< `SetBreak` or `ResetBreak`.
-    BreakState getBreak() { return ctrl->getBreak(); } ///< The state, unchanged.
+    bool isBreak() { return ctrl && ctrl->isBreak(); }
+    void setBreak(bool on);                                               ///< `SetBreak` or `ResetBreak`.
+    BreakState getBreak() { return ctrl ? ctrl->getBreak() : BreakNone; } ///< The state, unchanged.
     /// \}
 
     /// \name Progress
     /// \{
-    void resetPercent() { ctrl->resetPercent(); } ///< One layer of 0 to 100 again.
+    /// One layer of 0 to 100 again.
+    void resetPercent()
+    {
+        if (ctrl)
+            ctrl->resetPercent();
+    }
     /// Stores the percentage of the whole, past all layers.
-    void setGlobalPercent(int value) { ctrl->setGlobalPercent(value); }
-    int getGlobalPercent() { return ctrl->getGlobalPercent(); }  ///< The percentage of the whole, or -1.
-    void setPercent(int value) { ctrl->setLayerPercent(value); } ///< Note: that of the innermost layer.
-    int getPercent() { return ctrl->getLayerPercent(); }         ///< Note: that of the innermost layer.
-    void addPercentLayer() { ctrl->addPercentLayer(); }          ///< A layer for a sub-phase.
-    void removePercentLayer() { ctrl->removePercentLayer(); }    ///< The sub-phase is over.
+    void setGlobalPercent(int value)
+    {
+        if (ctrl)
+            ctrl->setGlobalPercent(value);
+    }
+    int getGlobalPercent() { return ctrl ? ctrl->getGlobalPercent() : 0; } ///< The percentage of the whole, or -1.
+    /// Note: that of the innermost layer.
+    void setPercent(int value)
+    {
+        if (ctrl)
+            ctrl->setLayerPercent(value);
+    }
+    int getPercent() { return ctrl ? ctrl->getLayerPercent() : 0; } ///< Note: that of the innermost layer.
+    /// A layer for a sub-phase.
+    void addPercentLayer()
+    {
+        if (ctrl)
+            ctrl->addPercentLayer();
+    }
+    /// The sub-phase is over.
+    void removePercentLayer()
+    {
+        if (ctrl)
+            ctrl->removePercentLayer();
+    }
     /// The stretch of the next outer layer that the innermost one covers.
-    void setPercentStartEnd(int start, int end) { ctrl->setPercentStartEnd(start, end); }
+    void setPercentStartEnd(int start, int end)
+    {
+        if (ctrl)
+            ctrl->setPercentStartEnd(start, end);
+    }
     /// \}
 
     /// \name Messages
     /// \{
-    karMessage *getMessageList() { return ctrl->getMessageList(); } ///< All messages; the controller owns them.
+    /// All messages; the controller owns them.
+    karMessage *getMessageList() { return ctrl ? ctrl->getMessageList() : nullptr; }
     /// A new message at the end; null for the id 8 and if memory ends.
-    karMessageBase *addMessage(EnumMessageID id, int paramCount) { return ctrl->addMessage(id, paramCount); }
-    karMessageBase *getMessage() { return ctrl->getMessage(); }                   ///< The first of all, or null.
-    karMessageBase *getMessage(EnumMessageID id) { return ctrl->getMessage(id); } ///< The first of that id, or null.
-    void removeMessage(karMessageBase *message) { ctrl->removeMessage(message); } ///< Deletes it if it is there.
+    karMessageBase *addMessage(EnumMessageID id, int paramCount)
+    {
+        return ctrl ? ctrl->addMessage(id, paramCount) : nullptr;
+    }
+    karMessageBase *getMessage() { return ctrl ? ctrl->getMessage() : nullptr; } ///< The first of all, or null.
+    /// The first of that id, or null.
+    karMessageBase *getMessage(EnumMessageID id) { return ctrl ? ctrl->getMessage(id) : nullptr; }
+    /// Deletes it if it is there.
+    void removeMessage(karMessageBase *message)
+    {
+        if (ctrl)
+            ctrl->removeMessage(message);
+    }
     /// \}
 
 protected:

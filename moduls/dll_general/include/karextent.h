@@ -16,8 +16,9 @@ struct karArrayT {
 
 /// \name Extents
 /// Ellipses are given by centre, semi-axes > 0 and rotation in radians; an arc also by start and end, values of the
-/// parameter, in [0, 2*pi). Coordinates that are not numbers don't move an extent. Formulas are evaluated from left to
-/// right: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r and s = sin r, ((b*b/(a*a))*D)*D with D = x - cx.
+/// parameter, in [0, 2*pi). Formulas are evaluated from left to right: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r
+/// and s = sin r, ((b*b/(a*a))*D)*D with D = x - cx.
+/// Note: coordinates that are not numbers don't move an extent.
 /// \{
 
 /// The box of the points.
@@ -26,8 +27,7 @@ KAR_API karD_Rect CalculateBoundingRect(const karArrayT<karD_Point> &points);
 
 /// The box of a whole ellipse. Exact where the rotation is a multiple of pi/2 up to 2*pi, within 1e-50.
 /// Note: elsewhere it is the box of 361 samples one degree apart, which lies inside the true extent: by up to 3.8e-5 of
-/// the half extent in a direction. The overload for an arc from 0 to 2*pi reaches the extremes but for those at
-/// parameters that it doesn't try.
+/// the half extent in a direction. The overload for an arc from 0 to 0 finds all extremes.
 KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double &a, const double &b,
                                         const double &rotation);
 

@@ -90,7 +90,7 @@ public:
     /// \}
 
     /// Makes a new table with `object` and `method` in every slot; what was stored before is gone.
-    /// Gives 0, also where the table couldn't be had: `filterObject` then gives -252 and stores do nothing.
+    /// Note: gives 0, also where the table couldn't be had: `filterObject` then gives -252 and stores do nothing.
     errorCodesKARTORY filterInit(void *object, FilterMethod method);
 
     /// Stores a handler with the address of the object that it runs on, which is used as it is: see

@@ -43,7 +43,7 @@ KAR_API int Intersect_Line_Ellipse(const double &x1, const double &y1, const dou
 /// candidate of a horizontal line is (cx - a*cos r, cy + a*sin r), which on a rotated ellipse isn't the point of t = pi.
 /// Note: where the quadratic has no second degree and the first root isn't 0, the point of t = 0 is a second candidate,
 /// whether or not it lies on the line; only the limits keep it out.
-/// Note: where the line passes that point within rounding, the other crossing is spoiled by cancellation.
+/// Note: where the line passes the point of t = pi within rounding, the other crossing is spoiled by cancellation.
 /// Note: a line with coincident end points counts as vertical, and a vertical line has no candidate at t = pi.
 /// Note: a root that is not a number counts with `limitMask` 0; no limit lets it pass.
 KAR_API int Intersect_Line_EllipticalArc(const double &x1, const double &y1, const double &x2, const double &y2,
@@ -66,7 +66,8 @@ KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double
                               const double &start2, const double &end2, const int &limitMask, double &p1x, double &p1y,
                               double &p2x, double &p2y, int &passes);
 
-/// 0 to 4 points. 0 with untouched outputs where |a1*b1| is below 0.0001; the second ellipse isn't tested.
+/// 0 to 4 points.
+/// Note: 0 with untouched outputs where |a1*b1| is below 0.0001; the second ellipse isn't tested.
 /// Note: an accepted point stands in the slot of its root, not packed; a slot that gets no point is left as it was.
 /// Note: a crossing at t = pi of the second ellipse is lost where the quartic's leading coefficient is below 0.0001.
 /// Note: a root whose imaginary part is below 0.0001 counts as real, so that near misses give points too; only a limit

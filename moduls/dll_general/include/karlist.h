@@ -22,8 +22,9 @@ public:
 
     /// \name Construction
     /// \{
-    karListObjectNV() = default;                        ///< Both links null.
-    karListObjectNV(const karListObjectNV &) = default; ///< Copies the links; the neighbours don't know the copy.
+    karListObjectNV() = default; ///< Both links null.
+    /// Copies the links; the neighbours don't know the copy. Note: as it dies, they bypass the element copied from.
+    karListObjectNV(const karListObjectNV &) = default;
     explicit karListObjectNV(karListObjectNV *other) { append(other); } ///< As `append(other)`.
     karListObjectNV(karListObjectNV *other, int position);              ///< `position` as in `karListPosition`.
     ~karListObjectNV() { unchain(); }                                   ///< As `unchain()`.
@@ -32,6 +33,7 @@ public:
     karListObjectNV &operator=(const karListObjectNV &) = default; ///< Copies the links; no neighbour is touched.
 
     /// \name Type identity
+    /// Note: not virtual, so a pointer to this class answers 62 whatever the object is.
     /// \{
     ObjektIdies GetType() const { return KAR_ID_LIST_OBJECT_NV; }             ///< 62.
     int IsType(ObjektIdies id) const { return GetType() == id; }              ///< Equality with 62.
@@ -50,8 +52,9 @@ public:
     /// \}
 
     /// \name Changing
-    /// The linking operations overwrite the element's own links: an element that still stands in a chain is unchained
-    /// first, or the old chain keeps pointing at it. A null `other` leaves both links null.
+    /// A null `other` leaves both links null.
+    /// Note: the linking operations overwrite the element's own links: an element that still stands in a chain is unchained
+    /// first, or the old chain keeps pointing at it.
     /// \{
     void next(karListObjectNV *element) { nextLink = element; } ///< Stores the link; the neighbour isn't touched.
     void prev(karListObjectNV *element) { prevLink = element; } ///< \overload
@@ -82,7 +85,7 @@ public:
     /// \name Construction
     /// \{
     karListObject() = default;                      ///< Both links null.
-    karListObject(const karListObject &) = default; ///< Copies the links; the neighbours don't know the copy.
+    karListObject(const karListObject &) = default; ///< Copies the links. Note: as the copy of `karListObjectNV`.
     explicit karListObject(karListObject *other) : karListObjectNV(other) {} ///< At the end of the chain of `other`.
     /// `position` as in `karListPosition`.
     karListObject(karListObject *other, int position) : karListObjectNV(other, position) {}
@@ -141,7 +144,7 @@ public:
     int ListObjectOk() override;                ///< 1.
     ~karPtrListObject() override;               ///< Leaves the chain; what it carries stays.
     ObjektIdies GetType() const override;       ///< 61.
-    int CanCast(ObjektIdies id) const override; ///< Equality with 61: false for the id of `karListObject`.
+    int CanCast(ObjektIdies id) const override; ///< Equality with 61. Note: false for the id of `karListObject`.
     /// \}
 
     /// \name Construction

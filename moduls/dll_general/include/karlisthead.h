@@ -24,7 +24,7 @@ public:
     virtual int ListHeadObjectOk() = 0;        ///< 1 in every concrete class of the library.
     virtual ~karListHeadObject();              ///< Removes all elements, front to back.
     virtual int IsType(ObjektIdies id) const;  ///< Asks the virtual `GetType`.
-    virtual ObjektIdies GetType() const;       ///< 200001 unless a subclass overrides it, whatever the list id.
+    virtual ObjektIdies GetType() const;       ///< 200001 unless overridden. Note: the list id plays no part.
     virtual int CanCast(ObjektIdies id) const; ///< The same as `IsType`.
 
     virtual karListObject *ListFirst(karListObject *element);   ///< Stores the first element, gives the old one.
@@ -80,6 +80,7 @@ public:
     /// result. From 8 on: both halves likewise (the first has n / 2 elements), then merged; the element of the first half
     /// goes first on a positive result only, so equal elements of the second half come first. The current element becomes
     /// null; an empty list only stores its two arguments, which stay in `sortObject` and `sortMethod`.
+    /// Note: equal elements keep their order in lists of up to 7 elements only.
     /// The method must be a pure function of its two elements: how often and in what order it is called is open, beyond
     /// that it is never asked about a pair that the sort as told here doesn't ask about. It needs no consistent order,
     /// but a pair that it calls negative both ways round may swap for ever.

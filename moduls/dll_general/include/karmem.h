@@ -189,6 +189,7 @@ private:
 
 /// A pool of elements of one size over pages. It has no size limit but the heap and holds nothing while it is empty.
 /// A page is two blocks that come straight from the heap, without a record, and goes with its last element.
+/// Note: so a pool that goes between 0 and 1 elements makes and drops a page each time.
 /// A copy shares the pages: only one of the two may be used further or destroyed.
 class KAR_API karPageMemory {
 public:

@@ -13,9 +13,12 @@
 ///     pool            0      7      8      9     10
 ///     class size     10    100    200    500   1000
 ///
-/// The other pools stay empty. On 64-bit targets the user's pointer is aligned to 16 bytes: the block begins 12 bytes
-/// into a pool's element, and the elements are 32, 112, 224, 512 and 1024 bytes apart. On 32-bit targets the elements
-/// are as large as the classes, so that a block of the smallest class is aligned to 2 bytes only.
+/// Note: the other pools stay empty, so 20 bytes take an element of 100.
+///
+/// On 64-bit targets the user's pointer is aligned to 16 bytes: the block begins 12 bytes into a pool's element, and the
+/// elements are 32, 112, 224, 512 and 1024 bytes apart.
+/// Note: on 32-bit targets the elements are as large as the classes, so that a block of the smallest class is aligned to
+/// 2 bytes only.
 ///
 /// Nothing here locks: a host calls it from one thread at a time. A copy shares all pages and records with its source:
 /// only one of the two may be used further or destroyed.
@@ -36,6 +39,7 @@ public:
     /// \{
 
     /// A block for `size` bytes; null for size 0, with more than 64000 heap blocks, and without memory.
+    /// Note: that limit is asked first, so beyond it small blocks aren't to be had either, although they don't count.
     /// Note: 8 is added to `size` in 32 bits, so that a size from 0xfffffff8 on gives a block of the smallest class
     /// with the mark set. With the mark cleared it gives null.
     void *newMem(unsigned size);

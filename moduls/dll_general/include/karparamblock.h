@@ -42,7 +42,7 @@ public:
     double getScaleY() const { return scaleY_; }             ///< Factor of y, applied first.
     int getAngle() const { return angle_; }                  ///< In angle units.
     int getSlope() const { return slope_; }                  ///< In angle units.
-    int getMirror() const { return mirror_; }                ///< Stored and combined only; nothing is mirrored by it.
+    int getMirror() const { return mirror_; }                ///< Stored and combined. Note: nothing is mirrored by it.
     karColor getColor() const { return color_; }             ///< Carried along; `modify_point` doesn't ask for it.
     int getLayer() const { return layer_; }                  ///< Carried along, like the colour.
     /// \}
@@ -56,6 +56,7 @@ public:
     void setScaleY(double scale) { scaleY_ = scale; }
     /// In angle units, with sine and cosine. They are exact for 0, 1000000, 2000000 and 3000000; every other value,
     /// 4000000 and the negative ones among them, takes those of angle * 1.57079635e-06.
+    /// Note: so a full turn of 4000000 has a sine that is not 0.
     KAR_API void setAngle(int angle);
     /// In radians: radians * 636619.7629629073 rounded half away from zero, saturated at the `int` range, not-a-number
     /// giving 0; then as above.

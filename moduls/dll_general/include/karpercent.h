@@ -63,16 +63,18 @@ public:
     void addLayer();    ///< A layer of 0 to 100 on top; none if memory ends. The percentages don't change.
     void removeLayer(); ///< Takes the innermost layer away, if there is one. The percentages don't change.
     void reset();       ///< Leaves one layer of 0 to 100. Note: the percentages don't change before the next report.
-    /// Range of the innermost layer, unchecked, then `setLayerPercent(0)`, which may tick. Nothing on an empty stack.
+    /// Range of the innermost layer, unchecked. Nothing on an empty stack.
+    /// Note: then reports 0 by `setLayerPercent(0)`, which may tick.
     void setStartEnd(int start, int end);
 
-    /// Reports the percentage of the innermost layer. -1 counts as 100, but where the layers end at 100 together it gives
-    /// -1 in both. On an empty stack both become -1.
+    /// Reports the percentage of the innermost layer. On an empty stack both become -1.
+    /// Note: -1 counts as 100, but where the layers end at 100 together it gives -1 in both.
     /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls, be it to the -1 of an empty
     /// stack; a rise is silent.
     void setLayerPercent(int percent);
-    /// The same for a fraction: 0 to 1 is rounded to percent, halves up. Below 0 and not-a-number count as -1; there is no
-    /// limit above, and a product beyond the `int` range counts as the largest `int`.
+    /// The same for a fraction: 0 to 1 is rounded to percent, halves up.
+    /// Note: below 0 and not-a-number count as -1; there is no limit above, and a product beyond the `int` range counts as
+    /// the largest `int`.
     void setLayerPercent(double fraction);
 
     /// Stores the percentage of the whole as it is: no layer is asked, nothing ticks.

@@ -7,9 +7,9 @@
 
 #include <utility>
 
-/// A box of the pixel grid. Normalised it has left <= right and top <= bottom: y grows downwards. The right and the
-/// bottom edge belong to it, yet its width is right - left. Nothing but the ordering constructors and `init`
-/// normalises it. Arithmetic wraps at 32 bits.
+/// A box of the pixel grid. Normalised it has left <= right and top <= bottom: y grows downwards. Nothing but the
+/// ordering constructors and `init` normalises it. Arithmetic wraps at 32 bits.
+/// Note: the right and the bottom edge belong to it, yet its width is right - left.
 class karRect {
 public:
     /// \name Construction
@@ -143,7 +143,8 @@ private:
 inline bool karPoint::isFullIn(karRect &r) const { return r.contains(*this); }
 
 /// A box of the drawing plane. Normalised it has left <= right and bottom <= top: y grows upwards. Comparisons have no
-/// tolerance; with inverted input `contains` is false for every point.
+/// tolerance.
+/// Note: with inverted input `contains` is false for every point.
 /// Note: to and from a `karRect` every place goes by its name (`bottom` from `bottom`), never by the sense of the axes,
 /// in constructors, assignment, comparison, union and tests alike. A normalised `karRect` therefore becomes a
 /// `karD_Rect` whose bottom lies above its top.
@@ -203,7 +204,7 @@ public:
     double width() const { return right() - left(); }                         ///< right - left.
     double height() const { return top() - bottom(); }                        ///< top - bottom.
     karD_Dimension size() const { return karD_Dimension(width(), height()); } ///< Width and height.
-    /// Without extent: left == right and bottom == top. Not the rule of `karRect`.
+    /// Without extent: left == right and bottom == top. Note: not the rule of `karRect`.
     bool isNull() const { return left() == right() && bottom() == top(); }
     /// \}
 

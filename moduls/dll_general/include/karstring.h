@@ -18,6 +18,7 @@
 ///
 /// Sizes: a buffer grows to exactly the next multiple of 8 that holds what is needed, never further. Bytes of a new
 /// buffer that nothing is written to are 0. A text argument that lies in the receiver counts with its value on entry.
+/// Note: so a loop of appends copies the text at every eighth character, unless `reSize` has made room before.
 ///
 /// After a failed allocation the buffer is null while length and size stay as computed. Such a text reads as empty, and
 /// nothing is written to it until an operation obtains a larger buffer. A size that doesn't fit 32 bits counts as a
@@ -45,8 +46,9 @@ public:
     KAR_API karString();                                           ///< Empty, size 16.
     KAR_API explicit karString(unsigned reserve);                  ///< Empty, with room for `reserve` characters.
     KAR_API karString(char c, unsigned count, unsigned extra = 8); ///< `count` times `c`.
-    /// The digits of `value` in `radix` 2 to 36, letters in lower case. A sign is written in radix 10 alone: in every
-    /// other one the 32 bits count as an unsigned number. Another radix gives the empty text. Size without spare room.
+    /// The digits of `value` in `radix` 2 to 36, letters in lower case. Another radix gives the empty text. Size without
+    /// spare room.
+    /// Note: a sign is written in radix 10 alone: in every other one the 32 bits count as an unsigned number.
     KAR_API karString(int value, int radix);
     KAR_API karString(long value, int radix); ///< Note: 32 bits wide also where `long` is wider.
     /// `value` with `decimals` places behind a point, the exact binary value rounded half away from zero. `stripZeros`
@@ -81,7 +83,8 @@ public:
     unsigned vstrlen() const { return measured(); }      ///< Measures the text, whatever the cache says.
     unsigned capacity() const { return bufferSize - 1; } ///< Characters that the buffer holds.
     unsigned size() const { return bufferSize; }         ///< Bytes of the buffer.
-    int isNull() const { return !buffer || !*buffer; }   ///< 1 if the text is empty.
+    /// 1 if the text is empty. Note: it is no test for a null pointer.
+    int isNull() const { return !buffer || !*buffer; }
     /// Room for `n` characters, at least for the present text; never shrinks. Gives `capacity()`.
     KAR_API unsigned reSize(unsigned n);
     /// Ends the text at index `n` if that is below `length()`.
@@ -104,8 +107,9 @@ public:
         cachedLength = unknownLength;
         return buffer;
     }
-    /// The character at an index below `size()`, behind the text too; marks the length unknown, even for a read. A
-    /// bad index gives one scratch character, shared by all strings, and leaves the length alone.
+    /// The character at an index below `size()`, behind the text too.
+    /// Note: marks the length unknown, even for a read. A bad index gives one scratch character, shared by all strings,
+    /// and leaves the length alone.
     char &operator[](unsigned i)
     {
         if (i < bufferSize && buffer) {
@@ -249,9 +253,9 @@ public:
     /// "cCsSdiuxXoefgGpn%"; from there on it reads no further argument. A negative precision given by "*" lowers it.
     KAR_API int format(const char *fmt, ...);
     /// Reads a whole number and cuts characters below 32, compared as signed bytes, off the end of the text: 0 and
-    /// `value`, or -120 and `value` 0. Digits alone are decimal; digits above 2147483647 give 2147483647 and leave
-    /// `errno` alone. Everything else is hexadecimal with optional sign and 0x, in the range of 32 bits. The empty
-    /// text is 0.
+    /// `value`, or -120 and `value` 0. Digits alone are decimal. Everything else is hexadecimal with optional sign and
+    /// 0x, in the range of 32 bits. The empty text is 0.
+    /// Note: digits above 2147483647 give 2147483647 and 0, and leave `errno` alone.
     /// Note: 12a is 298, -5 is -5 and -10 is -16. A range error of an earlier call in `errno` counts as one here, as
     /// `errno` isn't cleared.
     KAR_API errorCodesKARTORY s2int(int &value);
@@ -259,13 +263,13 @@ public:
     /// 0.0 at the first character that isn't a digit, "-" or ".". Beyond the range it gives an infinity.
     /// Note: the order isn't checked: 1-2.3.4 is 1. There is no "e" and no "+".
     KAR_API errorCodesKARTORY s2double(double &value);
-    /// Looks for the row that is equal to the text: 0 and its `value`, or -1. The first such row wins; blanks count;
-    /// the empty text matches nothing.
+    /// Looks for the row that is equal to the text: 0 and its `value`, or -1. The first such row wins.
+    /// Note: blanks count, and the empty text matches nothing, not even an empty row.
     KAR_API int searchValue(searchStruct *table, int &value);
     KAR_API void int2s(int value, int radix); ///< Assigns `karString(value, radix)`; -1 means radix 10.
     /// Assigns `karString(value, decimals, stripZeros)`; -1 means 10 places.
     KAR_API void double2s(double value, int decimals, bool stripZeros);
-    /// A duration: HH:MM:SS below a day, from then on days without the seconds: 01d01:01.
+    /// A duration: HH:MM:SS below a day. Note: from then on days without the seconds: 01d01:01.
     KAR_API void time(unsigned long seconds);
     /// \}
 
@@ -287,8 +291,9 @@ public:
 
     /// \name Searching by index
     /// An index into the whole text, or -1. Forward from index `from`, which has to lie in 0 to `length()` - 1;
-    /// backward before index `limit`, which has to lie in 0 to `length()`, where -1 means `length()`. A search that
-    /// starts behind the text's end stops at the next NUL or at the end of the buffer.
+    /// backward before index `limit`, which has to lie in 0 to `length()`, where -1 means `length()`.
+    /// Note: where the cached length is above the text's, a search may start behind the text's end. It stops at the next
+    /// NUL or at the end of the buffer.
     /// \{
     KAR_API int karstrchr(char c, int from) const;          ///< First `c`. NUL finds the terminator.
     KAR_API int karstrrchr(char c, int limit) const;        ///< Last `c`. NUL gives `limit` or the text's end.
@@ -301,7 +306,7 @@ public:
     /// and with `limit` 0 the last index of a text that isn't empty.
     KAR_API int karstrrstr(const char *s, int limit) const;
     /// Takes the first token off: gives what stands before the first of `delimiters`, and keeps what stands behind it.
-    /// Two delimiters in a row give an empty token, so a loop ends when the string is empty.
+    /// Note: two delimiters in a row give an empty token, so a loop ends when the string is empty.
     KAR_API karString karstrtok(const char *delimiters);
     /// \}
 

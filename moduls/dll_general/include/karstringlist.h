@@ -60,7 +60,8 @@ public:
     /// \}
 
     /// \name Comparison
-    /// 1 if the texts differ byte by byte, else 0. Equality is asked of `getString()`.
+    /// 1 if the texts differ byte by byte, else 0.
+    /// Note: there is no other comparison; equality is asked of `getString()`.
     /// \{
 
     /// 1 if the texts differ.

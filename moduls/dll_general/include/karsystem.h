@@ -25,7 +25,7 @@ KAR_API const char *systemVersionString();    ///< \overload
 KAR_API unsigned short systemVersionBinary(); ///< The packed form in the table, 0 for unknown; not that of the system.
 
 KAR_API int systemBuilt();  ///< The build number as the system gave it, 0 if it couldn't answer.
-KAR_API char *systemName(); ///< Always empty.
+KAR_API char *systemName(); ///< Note: always empty.
 /// The name of the computer, up to 15 characters.
 /// Note: empty for the types 0 and 1, where nobody asks for it, and for a longer name.
 KAR_API char *nodeName();

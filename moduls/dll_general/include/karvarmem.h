@@ -71,10 +71,10 @@ public:
     /// The smallest run in elements: 8 bytes divided by the element size and rounded.
     /// Note: as rounded it may be too short for a node (1 for 6 bytes) and is 0 from 17 bytes on.
     int minElementCount() const { return minElementCount_; }
-    using karBasisPage::firstPageElement;
-    /// Note: the start of the last element, not its last byte; `search` knows no address above it.
     using karBasisPage::elementCount;
     using karBasisPage::elementSize;
+    using karBasisPage::firstPageElement;
+    /// Note: the start of the last element, not its last byte; `search` knows no address above it.
     using karBasisPage::lastPageElement;
     /// The page of this chain whose storage holds `p`, null if none does. Linear.
     karVarPage *search(void *p) { return static_cast<karVarPage *>(karBasisPage::search(p)); }

@@ -185,8 +185,8 @@ public:
     }
     /// Inner product divided by the length of `o`. Note: a zero `o` is not guarded.
     double DirectionComponent(const kar3DVector &o) const { return InnerProduct(o) / o.GetDistance(); }
-    /// The right-handed cross product this x o, always normalised: of unit length for vectors that are not parallel,
-    /// (near) zero for parallel ones.
+    /// The right-handed cross product this x o.
+    /// Note: always normalised: of unit length for vectors that are not parallel, (near) zero for parallel ones.
     kar3DVector OuterProduct(const kar3DVector &o) const
     {
         return kar3DVector((GetY() * o.z_) - (z_ * o.GetY()), (z_ * o.GetX()) - (GetX() * o.z_),

@@ -2,17 +2,11 @@
 #ifndef KAR_ELLIPSE_AXES_H
 #define KAR_ELLIPSE_AXES_H
 
+#include "angles.h"
+
 #include <cmath>
 
 namespace kar {
-
-constexpr double pi = 3.141592653589793;
-constexpr double halfPi = 1.5707963267948966;
-/// What a negative angle is raised by.
-constexpr double fullTurn = 6.283185307179586;
-
-/// An angle of atan2 raised into [0, 2*pi).
-inline double normalisedAngle(double angle) { return angle < 0 ? angle + fullTurn : angle; }
 
 /// The offset from the centre at the parameter t is (P*cos t + Q*sin t, R*cos t + S*sin t).
 struct EllipseAxes {

@@ -97,8 +97,54 @@ Conversion readConversion(const char *&format)
     return how;
 }
 
+bool writeSigned(Writer &out, const Conversion &how, long long value)
+{
+    char digits[20];
+    const unsigned long long bits = static_cast<unsigned long long>(value);
+    const unsigned count = writeDecimal(value < 0 ? 0 - bits : bits, digits);
+    return how.precision < 0 && out.number(how, value < 0 ? '-' : how.plus, digits, count);
+}
+
+bool writeUnsigned(Writer &out, const Conversion &how, unsigned long value)
+{
+    char digits[20];
+    const unsigned count = writeDecimal(value, digits);
+    return !how.plus && how.precision < 0 && out.number(how, '\0', digits, count);
+}
+
+bool writeHexadecimal(Writer &out, const Conversion &how, unsigned long value)
+{
+    char digits[16];
+    char *const end = digits + sizeof digits;
+    char *first = end;
+    do {
+        *--first = "0123456789abcdef"[value & 15];
+        value >>= 4;
+    } while (value);
+    return !how.plus && how.precision < 0 && out.number(how, '\0', first, static_cast<std::size_t>(end - first));
+}
+
+bool writeCharacter(Writer &out, const Conversion &how, char c)
+{
+    return !how.isLong && !how.zeros && !how.plus && how.precision < 0 && out.text(how, &c, 1);
+}
+
+// With a precision the text may lack its terminator behind so many characters.
+bool writeText(Writer &out, const Conversion &how, const char *text)
+{
+    if (!text || how.isLong || how.zeros || how.plus)
+        return false;
+    if (how.precision < 0)
+        return out.text(how, text, std::strlen(text));
+    const auto most = static_cast<std::size_t>(how.precision);
+    const void *const end = std::memchr(text, '\0', most);
+    return out.text(how, text, end ? static_cast<std::size_t>(static_cast<const char *>(end) - text) : most);
+}
+
 bool writeReal(Writer &out, const Conversion &how, double value)
 {
+    if (!std::isfinite(value))
+        return false;
     const int places = how.precision < 0 ? 6 : how.precision;
     FixedText text;
     writeFixed(value, places, FixedStyle::printed, text);
@@ -133,56 +179,28 @@ int writeUsualFormat(char *const out, std::size_t room, const char *format, std:
         }
         ++format;
         const Conversion how = readConversion(format);
-        char digits[24];
         switch (*format++) {
         case 'd':
-        case 'i': {
-            const long long value = how.isLong ? va_arg(arguments, long) : va_arg(arguments, int);
-            const unsigned long long bits = static_cast<unsigned long long>(value);
-            const unsigned count = writeDecimal(value < 0 ? 0 - bits : bits, digits);
-            usual = how.precision < 0 && writer.number(how, value < 0 ? '-' : how.plus, digits, count);
+        case 'i':
+            usual = writeSigned(writer, how, how.isLong ? va_arg(arguments, long) : va_arg(arguments, int));
             break;
-        }
-        case 'u': {
-            const unsigned count =
-                writeDecimal(how.isLong ? va_arg(arguments, unsigned long) : va_arg(arguments, unsigned), digits);
-            usual = !how.plus && how.precision < 0 && writer.number(how, '\0', digits, count);
+        case 'u':
+            usual =
+                writeUnsigned(writer, how, how.isLong ? va_arg(arguments, unsigned long) : va_arg(arguments, unsigned));
             break;
-        }
-        case 'x': {
-            unsigned long value = how.isLong ? va_arg(arguments, unsigned long) : va_arg(arguments, unsigned);
-            char *first = digits + sizeof digits;
-            do {
-                *--first = "0123456789abcdef"[value & 15];
-                value >>= 4;
-            } while (value);
-            usual = !how.plus && how.precision < 0 &&
-                    writer.number(how, '\0', first, static_cast<std::size_t>(digits + sizeof digits - first));
+        case 'x':
+            usual = writeHexadecimal(writer, how,
+                                     how.isLong ? va_arg(arguments, unsigned long) : va_arg(arguments, unsigned));
             break;
-        }
-        case 'c': {
-            const auto c = static_cast<char>(va_arg(arguments, int));
-            usual = !how.isLong && !how.zeros && !how.plus && how.precision < 0 && writer.text(how, &c, 1);
+        case 'c':
+            usual = writeCharacter(writer, how, static_cast<char>(va_arg(arguments, int)));
             break;
-        }
-        case 's': {
-            const char *const text = va_arg(arguments, const char *);
-            usual = text && !how.isLong && !how.zeros && !how.plus;
-            if (!usual)
-                break;
-            const void *const end =
-                how.precision < 0 ? nullptr : std::memchr(text, '\0', static_cast<std::size_t>(how.precision));
-            const std::size_t count = how.precision < 0 ? std::strlen(text)
-                                      : end ? static_cast<std::size_t>(static_cast<const char *>(end) - text)
-                                            : static_cast<std::size_t>(how.precision);
-            usual = writer.text(how, text, count);
+        case 's':
+            usual = writeText(writer, how, va_arg(arguments, const char *));
             break;
-        }
-        case 'f': {
-            const double value = va_arg(arguments, double);
-            usual = std::isfinite(value) && writeReal(writer, how, value);
+        case 'f':
+            usual = writeReal(writer, how, va_arg(arguments, double));
             break;
-        }
         case '%':
             usual = format[-2] == '%' && writer.fill('%', 1);
             break;

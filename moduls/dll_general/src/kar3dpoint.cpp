@@ -3,7 +3,11 @@
 
 #include "karsystem.h"
 
-static const char source[] = "moduls/dll_general/src/kar3dpoint";
+namespace {
+
+constexpr char source[] = "moduls/dll_general/src/kar3dpoint";
+
+} // namespace
 
 kar3D_Dimension::kar3D_Dimension(const kar3D_Dimension &p, const karMatrix *) : SpaceTriple(p)
 {

@@ -236,35 +236,76 @@ bool karCtrl::isBreak()
 void karCtrl::SetBreak() { breakState = BreakRequested; }
 void karCtrl::ResetBreak() { breakState = BreakNone; }
 BreakState karCtrl::getBreak() { return breakState; }
-void karCtrl::resetPercent() { percent->reset(); }
-void karCtrl::setGlobalPercent(int value) { percent->setPercent(value); }
-int karCtrl::getGlobalPercent() { return percent->getPercent(); }
-void karCtrl::setLayerPercent(int value) { percent->setLayerPercent(value); }
-int karCtrl::getLayerPercent() { return percent->getLayerPercent(); }
-void karCtrl::addPercentLayer() { percent->addLayer(); }
-void karCtrl::removePercentLayer() { percent->removeLayer(); }
-void karCtrl::setPercentStartEnd(int start, int end) { percent->setStartEnd(start, end); }
+
+void karCtrl::resetPercent()
+{
+    if (percent)
+        percent->reset();
+}
+
+void karCtrl::setGlobalPercent(int value)
+{
+    if (percent)
+        percent->setPercent(value);
+}
+
+int karCtrl::getGlobalPercent() { return percent ? percent->getPercent() : 0; }
+
+void karCtrl::setLayerPercent(int value)
+{
+    if (percent)
+        percent->setLayerPercent(value);
+}
+
+int karCtrl::getLayerPercent() { return percent ? percent->getLayerPercent() : 0; }
+
+void karCtrl::addPercentLayer()
+{
+    if (percent)
+        percent->addLayer();
+}
+
+void karCtrl::removePercentLayer()
+{
+    if (percent)
+        percent->removeLayer();
+}
+
+void karCtrl::setPercentStartEnd(int start, int end)
+{
+    if (percent)
+        percent->setStartEnd(start, end);
+}
+
 karMessage *karCtrl::getMessageList() { return messages; }
 
 karMessageBase *karCtrl::addMessage(EnumMessageID id, int paramCount)
 {
-    return messageOf(messages->addMessage(id, paramCount));
+    return messages ? messageOf(messages->addMessage(id, paramCount)) : nullptr;
 }
 
-karMessageBase *karCtrl::getMessage(EnumMessageID id) { return messageOf(messages->searchMessage(id)); }
-karMessageBase *karCtrl::getMessage() { return messageOf(messages->ListFirst()); }
+karMessageBase *karCtrl::getMessage(EnumMessageID id)
+{
+    return messages ? messageOf(messages->searchMessage(id)) : nullptr;
+}
+
+karMessageBase *karCtrl::getMessage() { return messages ? messageOf(messages->ListFirst()) : nullptr; }
 
 karMessageBase *karCtrl::nextMessage(karMessageBase *message, EnumMessageID id)
 {
-    return messageOf(messages->nextMessage(message, id));
+    return messages ? messageOf(messages->nextMessage(message, id)) : nullptr;
 }
 
 karMessageBase *karCtrl::prevMessage(karMessageBase *message, EnumMessageID id)
 {
-    return messageOf(messages->prevMessage(message, id));
+    return messages ? messageOf(messages->prevMessage(message, id)) : nullptr;
 }
 
-void karCtrl::removeMessage(karMessageBase *message) { messages->removeMessage(message); }
+void karCtrl::removeMessage(karMessageBase *message)
+{
+    if (messages)
+        messages->removeMessage(message);
+}
 
 karFilter::karFilter(karCtrl *clientCtrl) : ctrl(clientCtrl ? clientCtrl : new karCtrl), ownCtrl(!clientCtrl) {}
 
@@ -284,6 +325,8 @@ void karFilter::setCtrl(karCtrl *newCtrl)
 
 void karFilter::setBreak(bool on)
 {
+    if (!ctrl)
+        return;
     if (on)
         ctrl->SetBreak();
     else

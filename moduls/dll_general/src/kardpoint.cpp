@@ -1,11 +1,6 @@
 #include "kardpoint.h"
 
-namespace {
-
-/// What a negative angle is raised by.
-constexpr double fullTurn = 6.283185307179586;
-
-} // namespace
+#include "angles.h"
 
 double karD_Point::AngleX(karD_Point o) const
 {
@@ -13,8 +8,7 @@ double karD_Point::AngleX(karD_Point o) const
     const double dy = o.y() - y();
     if (dx == 0 && dy == 0)
         return 0.0; // atan2 would read a direction out of the signs of two zeros
-    const double angle = std::atan2(dy, dx);
-    return angle < 0 ? angle + fullTurn : angle;
+    return kar::normalisedAngle(std::atan2(dy, dx));
 }
 
 void karD_Point::RotateElement(double angle) { RotateElement(angle, 0.0, 0.0); }

@@ -13,7 +13,6 @@ using kar::pi;
 
 namespace {
 
-constexpr double threeHalfPi = 4.71238898038469;
 constexpr double degree = 0.017453292519943295;
 constexpr double farthestOfPoints = 1e+300; // extremes start from here
 constexpr double farthestOfEllipse = 1e+100;
@@ -22,7 +21,7 @@ bool near(double a, double b) { return std::fabs(a - b) < kar::lengthTolerance; 
 
 bool alongAxes(double rotation) { return near(rotation, 0.0) || near(rotation, pi) || near(rotation, fullTurn); }
 
-bool acrossAxes(double rotation) { return near(rotation, halfPi) || near(rotation, threeHalfPi); }
+bool acrossAxes(double rotation) { return near(rotation, halfPi) || near(rotation, kar::threeHalfPi); }
 
 class Extremes {
 public:

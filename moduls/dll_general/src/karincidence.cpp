@@ -116,7 +116,7 @@ double AngleX_Line(const double &x1, const double &y1, const double &x2, const d
     const double dx = x2 - x1;
     const double dy = y2 - y1;
     if (std::fabs(dx) < lengthTolerance)
-        return y2 > y1 ? halfPi : 4.71238898038469;
+        return y2 > y1 ? halfPi : kar::threeHalfPi;
     return normalisedAngle(std::atan2(dy, dx));
 }
 

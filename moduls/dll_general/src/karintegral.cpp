@@ -1,5 +1,7 @@
 #include "karintegral.h"
 
+#include "ellipseaxes.h"
+
 #include <cmath>
 
 namespace {
@@ -102,8 +104,7 @@ double normDerivedElliptical(double t, const double *const parameters)
 double LengthOfEllipticalArc(const double &, const double &, const double &a, const double &b, const double &rotation,
                              const double &start, const double &end)
 {
-    const double c = std::cos(rotation);
-    const double s = std::sin(rotation);
-    const double parameters[4] = {a * c, -b * s, a * s, b * c};
+    const kar::EllipseAxes axes(a, b, rotation);
+    const double parameters[4] = {axes.P, axes.Q, axes.R, axes.S};
     return integral(start, end, normDerivedElliptical, parameters);
 }

@@ -6,11 +6,36 @@
 
 #include <cstring>
 
-static const char source[] = "moduls/dll_general/src/karmatrix";
+namespace {
+
+constexpr char source[] = "moduls/dll_general/src/karmatrix";
+
+// Each element of the product of two 4 by 4 matrices is the sum from 0.0 in the order of k, as of matrices of any size.
+void multiply4(const double *a, const double *b, double *out)
+{
+    for (int i = 0; i < 4; ++i) {
+        double sum[4] = {0.0, 0.0, 0.0, 0.0};
+        for (int k = 0; k < 4; ++k)
+            for (int j = 0; j < 4; ++j)
+                sum[j] = sum[j] + (a[(4 * i) + k] * b[(4 * k) + j]);
+        for (int j = 0; j < 4; ++j)
+            out[(4 * i) + j] = sum[j];
+    }
+}
+
+karMatrix transformation(const double (&elements)[16])
+{
+    karMatrix result(4, 4);
+    if (result.GetData())
+        std::memcpy(result.GetData(), elements, sizeof elements);
+    return result;
+}
+
+} // namespace
 
 ObjektIdies karMatrix::GetType() const { return KAR_ID_MATRIX; }
 
-// Storage
+// ---- Storage
 
 void karMatrix::allocate()
 {
@@ -52,7 +77,7 @@ karMatrix karMatrix::sized(int newRows, int newColumns)
     return result;
 }
 
-// Construction and assignment
+// ---- Construction and assignment
 
 karMatrix::karMatrix(int n) : karMatrix(n, n)
 {
@@ -120,7 +145,7 @@ karMatrix &karMatrix::operator=(karMatrix &&o) noexcept
     return *this;
 }
 
-// Parts
+// ---- Parts
 
 karMatrix karMatrix::GetRowMatrix(int r) const
 {
@@ -142,20 +167,7 @@ karMatrix karMatrix::GetColumnMatrix(int c) const
     return result;
 }
 
-// Product
-
-// Each element of the product of two 4 by 4 matrices is the sum from 0.0 in the order of k, as below.
-static void multiply4(const double *a, const double *b, double *out)
-{
-    for (int i = 0; i < 4; ++i) {
-        double sum[4] = {0.0, 0.0, 0.0, 0.0};
-        for (int k = 0; k < 4; ++k)
-            for (int j = 0; j < 4; ++j)
-                sum[j] = sum[j] + (a[(4 * i) + k] * b[(4 * k) + j]);
-        for (int j = 0; j < 4; ++j)
-            out[(4 * i) + j] = sum[j];
-    }
-}
+// ---- Product
 
 karMatrix karMatrix::operator*(const karMatrix &o) const
 {
@@ -187,7 +199,7 @@ karMatrix &karMatrix::operator*=(const karMatrix &o)
     return *this = *this * o;
 }
 
-// Elements one by one
+// ---- Elements one by one
 
 karMatrix &karMatrix::operator*=(const double &factor)
 {
@@ -264,7 +276,7 @@ karMatrix karMatrix::Transpose() const
     return result;
 }
 
-// Declared, not made
+// ---- Declared, not made
 
 karMatrix karMatrix::Inverse() const
 {
@@ -286,15 +298,7 @@ karMatrix karMatrix::SolveLinear(const karMatrix &b) const
     return result;
 }
 
-// Transformations
-
-static karMatrix transformation(const double (&elements)[16])
-{
-    karMatrix result(4, 4);
-    if (result.GetData())
-        std::memcpy(result.GetData(), elements, sizeof elements);
-    return result;
-}
+// ---- Transformations
 
 // clang-format off
 karMatrix GetTranslateMatrix(const double &x, const double &y, const double &z)

@@ -3,6 +3,7 @@
 #include "karmemgb.h"
 #include "karpool.h"
 #include "karstdio.h"
+#include "pagechain.h"
 
 #include <cstring>
 
@@ -274,15 +275,8 @@ void karPageMemory::deletePage(karPage *page)
 {
     if (!page)
         return;
-    karPage *const before = page->prev();
-    karPage *const behind = page->next();
-    if (firstPage == page)
-        firstPage = before ? before : behind;
-    if (lastPage == page)
-        lastPage = behind ? behind : before;
-    if (currentPage == page)
-        currentPage = behind ? behind : before;
-    replaceApart(page, behind);
+    kar::leadPast(*page, firstPage, lastPage, currentPage);
+    replaceApart(page, page->next());
     {
         const MarkCleared direct;
         delete page;
@@ -298,20 +292,10 @@ void karPageMemory::enterChain(karPage *page)
         replaceApart(page->first(), nullptr);
 }
 
-// The chain apart that begins with `page` begins with `replacement` from now on; null takes it off the list.
 void karPageMemory::replaceApart(const karPage *page, karPage *replacement)
 {
-    for (karPage **entry = &state.apart; *entry; entry = &(*entry)->state.nextApart) {
-        if (*entry != page)
-            continue;
-        if (replacement) {
-            replacement->state.nextApart = page->state.nextApart;
-            *entry = replacement;
-        } else {
-            *entry = page->state.nextApart;
-        }
-        return;
-    }
+    const auto link = [](karPage &first) -> karPage *& { return first.state.nextApart; };
+    kar::replaceChain(state.apart, page, replacement, link);
 }
 
 void karPageMemory::deleteApart()

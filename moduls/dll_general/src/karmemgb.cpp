@@ -64,13 +64,6 @@ HeapBlock *findHeapBlock(const void *p) { return p ? liveBlocks.find(addressOf(p
 constexpr unsigned largestPoolBlock = 1000;
 constexpr long largestHeapCount = 64000; // one more block can exist
 
-struct PoolSize {
-    int elementSize;
-    int elementCount;
-};
-constexpr PoolSize poolSizes[] = {{10, 5000}, {20, 5000},  {30, 4000}, {40, 3000}, {50, 3000}, {60, 2000},
-                                  {80, 1000}, {100, 1000}, {200, 500}, {500, 200}, {1000, 100}};
-
 /// Distance of two elements of a class in its pages.
 constexpr int strideOf(int elementSize)
 {
@@ -121,17 +114,10 @@ unsigned requestedTotal = 0; // every request plus 8, wrapping; nothing reads it
 // ---- The allocator
 
 karGlobalMemory::karGlobalMemory()
-    : pools{{poolSizes[0].elementSize, poolSizes[0].elementCount, strideOf(poolSizes[0].elementSize)},
-            {poolSizes[1].elementSize, poolSizes[1].elementCount, strideOf(poolSizes[1].elementSize)},
-            {poolSizes[2].elementSize, poolSizes[2].elementCount, strideOf(poolSizes[2].elementSize)},
-            {poolSizes[3].elementSize, poolSizes[3].elementCount, strideOf(poolSizes[3].elementSize)},
-            {poolSizes[4].elementSize, poolSizes[4].elementCount, strideOf(poolSizes[4].elementSize)},
-            {poolSizes[5].elementSize, poolSizes[5].elementCount, strideOf(poolSizes[5].elementSize)},
-            {poolSizes[6].elementSize, poolSizes[6].elementCount, strideOf(poolSizes[6].elementSize)},
-            {poolSizes[7].elementSize, poolSizes[7].elementCount, strideOf(poolSizes[7].elementSize)},
-            {poolSizes[8].elementSize, poolSizes[8].elementCount, strideOf(poolSizes[8].elementSize)},
-            {poolSizes[9].elementSize, poolSizes[9].elementCount, strideOf(poolSizes[9].elementSize)},
-            {poolSizes[10].elementSize, poolSizes[10].elementCount, strideOf(poolSizes[10].elementSize)}},
+    : pools{{10, 5000, strideOf(10)},  {20, 5000, strideOf(20)},   {30, 4000, strideOf(30)},
+            {40, 3000, strideOf(40)},  {50, 3000, strideOf(50)},   {60, 2000, strideOf(60)},
+            {80, 1000, strideOf(80)},  {100, 1000, strideOf(100)}, {200, 500, strideOf(200)},
+            {500, 200, strideOf(500)}, {1000, 100, strideOf(1000)}},
       curAnzNew(0),
       curSizeNew(0),
       anzNew(0),

@@ -11,17 +11,7 @@
 namespace kar {
 
 /// Lowest bit that is set.
-inline unsigned lowestBit(std::uint64_t word)
-{
-#if defined(__GNUC__)
-    return static_cast<unsigned>(__builtin_ctzll(word));
-#else
-    unsigned bit = 0;
-    for (; !(word & 1); word >>= 1)
-        ++bit;
-    return bit;
-#endif
-}
+inline unsigned lowestBit(std::uint64_t word) { return static_cast<unsigned>(__builtin_ctzll(word)); }
 
 /// `first` if `condition` holds, otherwise `second`, without a branch: for conditions that chance decides.
 inline void *choose(bool condition, void *first, void *second)

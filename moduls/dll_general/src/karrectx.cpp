@@ -1,15 +1,10 @@
 #include "karrectx.h"
 
-#include "fullturns.h"
+#include "angles.h"
 
 #include <utility>
 
 namespace {
-
-constexpr double quarterTurn = 1.5707963267948966;
-constexpr double halfTurn = 3.141592653589793;
-constexpr double threeQuarterTurn = 4.71238898038469;
-constexpr double fullTurn = 6.283185307179586;
 
 // Inclusive, in whichever order the two limits lie.
 bool between(int value, int limit, int otherLimit)
@@ -19,26 +14,6 @@ bool between(int value, int limit, int otherLimit)
 
 // Half away from zero, with the 0.5 taken off for 0 as well.
 int roundAway(double v) { return v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5); }
-
-double normalised(double angle)
-{
-    if (angle < 0)
-        angle = -kar::withoutManyTurns(-angle);
-    while (angle < 0) {
-        const double next = angle + fullTurn;
-        if (next == angle)
-            break;
-        angle = next;
-    }
-    angle = kar::withoutManyTurns(angle);
-    while (angle >= fullTurn) {
-        const double next = angle - fullTurn;
-        if (next == angle)
-            break;
-        angle = next;
-    }
-    return angle;
-}
 
 } // namespace
 
@@ -90,19 +65,19 @@ karRect karRectX::extent() const
 
 void karRectX::normLage()
 {
-    angle_ = normalised(angle_);
-    if (angle_ < quarterTurn)
+    angle_ = kar::withinATurn(angle_, [](double angle) { return angle >= kar::fullTurn; });
+    if (angle_ < kar::halfPi)
         return;
-    if (angle_ < halfTurn) {
+    if (angle_ < kar::pi) {
         origin_ = Point(3);
-        angle_ -= quarterTurn;
+        angle_ -= kar::halfPi;
         size_ = karDimension(Height(), Width());
-    } else if (angle_ < threeQuarterTurn) {
+    } else if (angle_ < kar::threeHalfPi) {
         origin_ = Point(2);
-        angle_ -= halfTurn;
+        angle_ -= kar::pi;
     } else {
         origin_ = Point(1);
-        angle_ -= threeQuarterTurn;
+        angle_ -= kar::threeHalfPi;
         size_ = karDimension(Height(), Width());
     }
 }

@@ -1,25 +1,24 @@
 #include "karstdio.h"
 
+// `call` with what stands behind `last` as the list `arguments`. No function can do this: a list is opened and closed in
+// the one that has the ellipsis.
+#define KAR_WITH_ARGUMENTS(last, call)                                                                                 \
+    va_list arguments;                                                                                                 \
+    va_start(arguments, last);                                                                                         \
+    call;                                                                                                              \
+    va_end(arguments)
+
 karStdio *Stdio;
 
 karStdio::~karStdio() = default;
 
-// -- Messages -------------------------------------------------------------------------------------------------------
+// ---- Messages
 
-void statusText(const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    Stdio->statusText(format, arguments);
-    va_end(arguments);
-}
+void statusText(const char *format, ...) { KAR_WITH_ARGUMENTS(format, Stdio->statusText(format, arguments)); }
 
 void message(MsgType type, int level, const char *format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    messageV(type, level, format, arguments);
-    va_end(arguments);
+    KAR_WITH_ARGUMENTS(format, messageV(type, level, format, arguments));
 }
 
 void messageV(MsgType type, int level, const char *format, va_list arguments)
@@ -30,34 +29,22 @@ void messageV(MsgType type, int level, const char *format, va_list arguments)
 
 void infoText(int level, const char *format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    messageV(MsgInfo, level, format, arguments);
-    va_end(arguments);
+    KAR_WITH_ARGUMENTS(format, messageV(MsgInfo, level, format, arguments));
 }
 
 void paramText(int level, const char *format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    messageV(MsgParam, level, format, arguments);
-    va_end(arguments);
+    KAR_WITH_ARGUMENTS(format, messageV(MsgParam, level, format, arguments));
 }
 
 void warningText(int level, const char *format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    messageV(MsgWarning, level, format, arguments);
-    va_end(arguments);
+    KAR_WITH_ARGUMENTS(format, messageV(MsgWarning, level, format, arguments));
 }
 
 void errorText(int level, const char *format, ...)
 {
-    va_list arguments;
-    va_start(arguments, format);
-    messageV(MsgError, level, format, arguments);
-    va_end(arguments);
+    KAR_WITH_ARGUMENTS(format, messageV(MsgError, level, format, arguments));
 }
 
 void Fortschritt()
@@ -66,7 +53,7 @@ void Fortschritt()
         Stdio->Fortschritt(0);
 }
 
-// -- Texts and names ------------------------------------------------------------------------------------------------
+// ---- Texts and names
 
 karString &LocalizeString(const char *section, const char *key, karString &out, long number)
 {
@@ -90,17 +77,15 @@ karString GetFileNameWrite(const karString &a, const karString &b, const karStri
     return karString(name, 8u);
 }
 
-// -- Dialogs --------------------------------------------------------------------------------------------------------
+// ---- Dialogs
 
 InterActAnswer LocalizeInterAction(InterActType type, InterActIcon icon, InterActDefault defaultButton,
                                    InterActModal modal, InterActSonder sonder, const char *section, const char *caption,
                                    const char *text, ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer =
-        LocalizeInterActionV(type, icon, defaultButton, modal, sonder, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text, answer = LocalizeInterActionV(type, icon, defaultButton, modal, sonder, section, caption,
+                                                           text, arguments));
     return answer;
 }
 
@@ -128,57 +113,47 @@ InterActAnswer usualDialog(InterActType type, InterActIcon icon, const char *sec
 InterActAnswer LocalizeInterActionInfo(InterActType type, const char *section, const char *caption, const char *text,
                                        ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer = usualDialog(type, InterActIconInfo, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text, answer = usualDialog(type, InterActIconInfo, section, caption, text, arguments));
     return answer;
 }
 
 InterActAnswer LocalizeInterActionWarning(InterActType type, const char *section, const char *caption, const char *text,
                                           ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer = usualDialog(type, InterActIconWarning, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text, answer = usualDialog(type, InterActIconWarning, section, caption, text, arguments));
     return answer;
 }
 
 InterActAnswer LocalizeInterActionError(InterActType type, const char *section, const char *caption, const char *text,
                                         ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer = usualDialog(type, InterActIconError, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text, answer = usualDialog(type, InterActIconError, section, caption, text, arguments));
     return answer;
 }
 
 InterActAnswer LocalizeInterActionInfoOK(const char *section, const char *caption, const char *text, ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer = usualDialog(InterActTypeOK, InterActIconInfo, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text, answer = usualDialog(InterActTypeOK, InterActIconInfo, section, caption, text, arguments));
     return answer;
 }
 
 InterActAnswer LocalizeInterActionWarningOK(const char *section, const char *caption, const char *text, ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer = usualDialog(InterActTypeOK, InterActIconWarning, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text,
+                       answer = usualDialog(InterActTypeOK, InterActIconWarning, section, caption, text, arguments));
     return answer;
 }
 
 InterActAnswer LocalizeInterActionErrorOK(const char *section, const char *caption, const char *text, ...)
 {
-    va_list arguments;
-    va_start(arguments, text);
-    const InterActAnswer answer = usualDialog(InterActTypeOK, InterActIconError, section, caption, text, arguments);
-    va_end(arguments);
+    InterActAnswer answer;
+    KAR_WITH_ARGUMENTS(text,
+                       answer = usualDialog(InterActTypeOK, InterActIconError, section, caption, text, arguments));
     return answer;
 }
 
@@ -188,7 +163,7 @@ void showDongleMessage(errorCodesKARTORY code, bool)
                                static_cast<int>(code));
 }
 
-// -- Diagnosis ------------------------------------------------------------------------------------------------------
+// ---- Diagnosis
 
 void debugErrorText(int, const char *, ...) {}
 void debugInfoText(int, const char *, ...) {}

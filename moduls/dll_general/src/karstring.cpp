@@ -43,7 +43,7 @@ bool liesIn(const char *place, const char *buffer, unsigned size)
 
 } // namespace
 
-// -- Storage --------------------------------------------------------------------------------------------------------
+// ---- Storage
 
 char *karString::obtain(std::uint64_t needed)
 {
@@ -98,7 +98,7 @@ unsigned karString::measureAndStore() const { return cachedLength = measured(); 
 
 char &karString::scratchCharacter() { return scratch; }
 
-// -- Construction ---------------------------------------------------------------------------------------------------
+// ---- Construction
 
 karString::karString()
 {
@@ -180,7 +180,7 @@ karString::~karString()
     *const_cast<char *volatile *>(&buffer) = nullptr;
 }
 
-// -- Assignment -----------------------------------------------------------------------------------------------------
+// ---- Assignment
 
 karString &karString::operator=(const karString &other)
 {
@@ -232,7 +232,7 @@ unsigned karString::reSize(unsigned n)
     return bufferSize - 1;
 }
 
-// -- Reading and searching ------------------------------------------------------------------------------------------
+// ---- Reading and searching
 
 char karString::getChar(unsigned i) const { return i < measured() ? buffer[i] : '\0'; }
 
@@ -303,7 +303,7 @@ const char *karString::vstrrchr(char c, unsigned limit) const
     return nullptr;
 }
 
-// -- Concatenation --------------------------------------------------------------------------------------------------
+// ---- Concatenation
 
 // What copy, append and copy again give, in one allocation.
 karString::karString(const karString &left, const char *right, std::size_t rightCount)
@@ -346,7 +346,7 @@ karString &karString::operator&=(const karString &other)
     return append(other.text(), count, count);
 }
 
-// -- Bounded copies -------------------------------------------------------------------------------------------------
+// ---- Bounded copies
 
 // The copies and the append of a text that may lie in this buffer: the old one is kept until the text is copied.
 void karString::assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate)

@@ -189,23 +189,19 @@ private:
 // `vsnprintf` with a format that only the caller knows.
 int print(char *out, std::size_t size, const char *format, std::va_list list)
 {
-#if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#endif
     std::va_list arguments;
     va_copy(arguments, list);
     const int result = std::vsnprintf(out, size, format, arguments);
     va_end(arguments);
     return result;
-#if defined(__GNUC__)
 #pragma GCC diagnostic pop
-#endif
 }
 
 } // namespace
 
-// -- Formatting -----------------------------------------------------------------------------------------------------
+// ---- Formatting
 
 int karString::format(const char *fmt, ...)
 {
@@ -263,7 +259,7 @@ void karString::time(unsigned long seconds)
         format("%02d:%02d:%02d", h, rest / 60, rest % 60);
 }
 
-// -- Parsing --------------------------------------------------------------------------------------------------------
+// ---- Parsing
 
 // Characters below 32 as signed bytes, so those from 0x80 on too.
 void karString::cutControls()
@@ -323,7 +319,7 @@ int karString::searchValue(searchStruct *table, int &value)
     return -1;
 }
 
-// -- Trimming and mapping -------------------------------------------------------------------------------------------
+// ---- Trimming and mapping
 
 void karString::trimStart(const CharSet &set)
 {
@@ -448,7 +444,7 @@ karString karString::removechar(char c) const
     return result;
 }
 
-// -- Searching by index ---------------------------------------------------------------------------------------------
+// ---- Searching by index
 
 int karString::karstrchr(char c, int from) const
 {
@@ -564,7 +560,7 @@ karString karString::karstrtok(const char *delimiters)
     return token;
 }
 
-// -- Date and time --------------------------------------------------------------------------------------------------
+// ---- Date and time
 
 namespace {
 

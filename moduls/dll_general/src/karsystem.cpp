@@ -14,7 +14,6 @@ const kar::SystemAnswers &systemProbe()
     if (!probed) {
         kar::SystemReport report = {};
         answers = kar::answersTo(kar::platform::systemReport(report) ? &report : nullptr, kar::platform::computerName);
-        systemNameText[0] = '\0';
         probed = true;
     }
     return answers;

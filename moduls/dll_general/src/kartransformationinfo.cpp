@@ -1,7 +1,7 @@
 // A transformation of space as fifteen parameters.
 #include "kartransformationinfo.h"
 
-#include "fullturns.h"
+#include "angles.h"
 
 #include <cmath>
 
@@ -30,26 +30,9 @@ karMatrix karTransformationInfo::GetTransformationMatrix() const
                                      scale.y, scale.z);
 }
 
-// One turn a step, as if: the sum of the roundings is part of the result.
 double karTransformationInfo::_CheckAngleRange(double a) const
 {
-    constexpr double fullTurn = 6.283185307179586;
-    if (a < 0)
-        a = -kar::withoutManyTurns(-a);
-    while (a < 0) {
-        const double next = a + fullTurn;
-        if (next == a)
-            break;
-        a = next;
-    }
-    a = kar::withoutManyTurns(a);
-    while (a > fullTurn) {
-        const double next = a - fullTurn;
-        if (next == a)
-            break;
-        a = next;
-    }
-    return a;
+    return kar::withinATurn(a, [](double angle) { return angle > kar::fullTurn; });
 }
 
 karTransformationInfo &karTransformationInfo::operator+=(const karTransformationInfo &o)
@@ -61,10 +44,14 @@ karTransformationInfo &karTransformationInfo::operator+=(const karTransformation
     return *this;
 }
 
-static double dividedUnlessSmall(double place, double divisor)
+namespace {
+
+double dividedUnlessSmall(double place, double divisor)
 {
     return std::fabs(divisor) >= kar::lengthTolerance ? place / divisor : place;
 }
+
+} // namespace
 
 karTransformationInfo &karTransformationInfo::operator-=(const karTransformationInfo &o)
 {

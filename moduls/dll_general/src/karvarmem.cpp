@@ -1,28 +1,32 @@
 #include "karvarmem.h"
 
+#include "addresstable.h"
 #include "karnumeric.h"
+#include "pagechain.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
 
+// Runs of different pages are compared too, and a range may end behind its page: addresses are numbers here.
+using kar::addressOf;
+
 namespace {
 
 constexpr int nodeBytes = 8;
 static_assert(sizeof(karFreeVarElement) == nodeBytes && alignof(karFreeVarElement) == 1, "the node lies in any run");
-
-// Runs of different pages are compared too, and a range may end behind its page: addresses are numbers here.
-std::uintptr_t address(const void *place) { return reinterpret_cast<std::uintptr_t>(place); }
 
 void *placeAt(const void *base, std::int64_t bytes)
 {
     return static_cast<char *>(const_cast<void *>(base)) + static_cast<std::ptrdiff_t>(bytes);
 }
 
-std::uintptr_t behind(const karFreeVarElement *run) { return address(run->nextStart()); }
+std::uintptr_t behind(const karFreeVarElement *run) { return addressOf(run->nextStart()); }
 
 } // namespace
+
+// ---- Free runs
 
 karFreeVarElement::karFreeVarElement(karFreeVarElement *run, int bytes)
 {
@@ -60,7 +64,7 @@ karFreeVarElement *karFreeVarElement::next(karFreeVarElement *run)
     if constexpr (sizeof(void *) == sizeof next_) {
         std::memcpy(next_, &run, sizeof next_);
     } else {
-        const auto span = static_cast<std::int64_t>(address(run) - address(this));
+        const auto span = static_cast<std::int64_t>(addressOf(run) - addressOf(this));
         const auto distance = static_cast<std::int32_t>(run && span == static_cast<std::int32_t>(span) ? span : 0);
         std::memcpy(next_, &distance, sizeof next_);
     }
@@ -87,6 +91,8 @@ karFreeVarElement *karFreeVarElement::last() const
         run = following;
     return const_cast<karFreeVarElement *>(run);
 }
+
+// ---- Pages
 
 // The free runs in their order. A list that leads back to a run ends there (Brent's cycle test: the run is compared
 // with one that is renewed after 1, 2, 4, ... steps).
@@ -164,7 +170,7 @@ void karVarPage::init(int size, int count)
 
 bool karVarPage::contains(const void *place) const
 {
-    return address(place) - address(firstPageElement_) < static_cast<std::uintptr_t>(storageBytes());
+    return addressOf(place) - addressOf(firstPageElement_) < static_cast<std::uintptr_t>(storageBytes());
 }
 
 // The page whose storage holds a place: this one, or any of the chain where a node can link to other pages.
@@ -186,14 +192,15 @@ bool karVarPage::canHoldNode(const void *place) const
     if (!page)
         return false;
     const int bytes = page->storageBytes() < nodeBytes ? nodeBytes : page->storageBytes();
-    return address(place) - address(page->firstPageElement_) <= static_cast<std::uintptr_t>(bytes - nodeBytes);
+    return addressOf(place) - addressOf(page->firstPageElement_) <= static_cast<std::uintptr_t>(bytes - nodeBytes);
 }
 
 // Whether a run ends inside the storage in which it starts.
 bool karVarPage::holds(const karFreeVarElement *run) const
 {
     const karVarPage *const page = pageWith(run);
-    return page && behind(run) - address(page->firstPageElement_) <= static_cast<std::uintptr_t>(page->storageBytes());
+    return page &&
+           behind(run) - addressOf(page->firstPageElement_) <= static_cast<std::uintptr_t>(page->storageBytes());
 }
 
 karFreeVarElement *karVarPage::following(const karFreeVarElement *run) const
@@ -239,20 +246,20 @@ void *karVarPage::newElement(int count, int fromEnd)
 
 void karVarPage::takeRange(void *start, int bytes)
 {
-    const std::uintptr_t begin = address(start);
+    const std::uintptr_t begin = addressOf(start);
     const std::uintptr_t end = begin + static_cast<std::uintptr_t>(bytes);
     for (Walk walk(*this); walk.run(); walk.step()) {
         karFreeVarElement *const run = walk.run();
         const std::uintptr_t runEnd = behind(run);
-        if (address(run) > begin || runEnd < end)
+        if (addressOf(run) > begin || runEnd < end)
             continue;
         karFreeVarElement *rest = following(run);
         void *const restStart = placeAt(start, bytes);
         if (runEnd > end && canHoldNode(restStart))
             rest = new (restStart) karFreeVarElement(rest, static_cast<int>(runEnd - end));
-        if (address(run) < begin) {
+        if (addressOf(run) < begin) {
             run->next(rest);
-            run->setSize(static_cast<int>(begin - address(run)));
+            run->setSize(static_cast<int>(begin - addressOf(run)));
         } else {
             linkBehind(walk.before(), rest);
         }
@@ -269,7 +276,7 @@ void karVarPage::deleteElement(void *&p, int count)
             return;
     const int elements = raised(count);
     if (const karVarPage *const page = pageWith(p)) {
-        const auto offset = static_cast<std::int64_t>(address(p) - address(page->firstPageElement_));
+        const auto offset = static_cast<std::int64_t>(addressOf(p) - addressOf(page->firstPageElement_));
         const std::int64_t bytes = std::int64_t{elements} * elementFullSize_;
         const std::int64_t room = page->storageBytes() - offset;
         if (offset % page->elementFullSize_ == 0)
@@ -282,7 +289,7 @@ void karVarPage::deleteElement(void *&p, int count)
 
 void karVarPage::giveRange(void *start, int bytes)
 {
-    const std::uintptr_t begin = address(start);
+    const std::uintptr_t begin = addressOf(start);
     const std::uintptr_t end = begin + static_cast<std::uintptr_t>(bytes);
     karFreeVarElement *before = nullptr;
     karFreeVarElement *after = nullptr;
@@ -290,19 +297,19 @@ void karVarPage::giveRange(void *start, int bytes)
     for (Walk walk(*this); walk.run(); walk.step()) {
         if (behind(walk.run()) <= begin)
             before = walk.run();
-        if (!after && address(walk.run()) >= end) {
+        if (!after && addressOf(walk.run()) >= end) {
             after = walk.run();
             beforeAfter = walk.before();
         }
     }
 
-    if (before && after && address(before) >= address(after)) { // a disordered list
+    if (before && after && addressOf(before) >= addressOf(after)) { // a disordered list
         if (bytes >= nodeBytes)
             firstFreeElement_ = new (start) karFreeVarElement(firstFreeElement_, bytes);
         return;
     }
     const bool touchesBefore = before && behind(before) == begin;
-    const bool touchesAfter = after && address(after) == end;
+    const bool touchesAfter = after && addressOf(after) == end;
     if (touchesBefore && touchesAfter) {
         before->next(following(after));
         before->setSize(kar::wrapAdd(kar::wrapAdd(before->getSize(), bytes), after->getSize()));
@@ -337,12 +344,12 @@ bool karVarPage::isValid() const
 {
     if (!firstPageElement_)
         return !firstFreeElement_ && !lastPageElement_ && elementFullSize_ == 0 && elementCount_ == 0;
-    const std::uintptr_t storageEnd = address(firstPageElement_) + static_cast<std::uintptr_t>(storageBytes());
+    const std::uintptr_t storageEnd = addressOf(firstPageElement_) + static_cast<std::uintptr_t>(storageBytes());
     const int smallest = storageBytes() < nodeBytes ? storageBytes() : nodeBytes;
-    std::uintptr_t lowest = address(firstPageElement_);
+    std::uintptr_t lowest = addressOf(firstPageElement_);
     std::int64_t bytes = std::int64_t{elementUsed_} * elementFullSize_;
     for (const karFreeVarElement *run = firstFreeElement_; run; run = run->next()) {
-        if (address(run) < lowest || address(run) >= storageEnd || run->getSize() < smallest ||
+        if (addressOf(run) < lowest || addressOf(run) >= storageEnd || run->getSize() < smallest ||
             behind(run) > storageEnd)
             return false;
         lowest = behind(run) + 1; // runs that touch are one
@@ -350,6 +357,8 @@ bool karVarPage::isValid() const
     }
     return elementUsed_ >= 0 && bytes <= storageBytes();
 }
+
+// ---- Pool
 
 ObjektIdies karVarPageMemory::GetType() const { return KAR_ID_VAR_PAGE_MEMORY; }
 int karVarPageMemory::CanCast(ObjektIdies id) const { return id == KAR_ID_VAR_PAGE_MEMORY; }
@@ -447,7 +456,7 @@ void karVarPageMemory::deleteElement(void *&p, int count)
         return;
     // The reference may stand in the run itself, whose bytes are free then, or gone.
     const auto bytes = static_cast<std::uint64_t>(std::int64_t{page->raised(count)} * elementSize_);
-    const bool standsInRun = count != 0 && address(&p) - address(p) < bytes;
+    const bool standsInRun = count != 0 && addressOf(&p) - addressOf(p) < bytes;
     void *run = p;
     page->deleteElement(run, count);
     if (!run)
@@ -486,7 +495,7 @@ void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)
 void *karVarPageMemory::moveRun(karVarPage *page, void *run, void *target, int oldCount, int newCount)
 {
     const std::int64_t wanted = std::int64_t{newCount} * elementSize_;
-    const auto room = static_cast<std::int64_t>(address(page->storage()) - address(run)) + page->storageBytes();
+    const auto room = static_cast<std::int64_t>(addressOf(page->storage()) - addressOf(run)) + page->storageBytes();
     const std::int64_t bytes = wanted < room ? wanted : room;
     if (bytes > 0)
         std::memmove(target, run, static_cast<std::size_t>(bytes));
@@ -522,15 +531,8 @@ void karVarPageMemory::deletePage(karVarPage *page)
 {
     if (!page)
         return;
-    karVarPage *const before = page->prev();
-    karVarPage *const after = page->next();
-    if (firstPage == page)
-        firstPage = before ? before : after;
-    if (lastPage == page)
-        lastPage = after ? after : before;
-    if (currentPage == page)
-        currentPage = after ? after : before;
-    replaceCutOff(page, after);
+    kar::leadPast(*page, firstPage, lastPage, currentPage);
+    replaceCutOff(page, page->next());
     delete page;
 }
 
@@ -542,18 +544,8 @@ void karVarPageMemory::enterChain(karVarPage *page)
         replaceCutOff(page->first(), nullptr);
 }
 
-// The chain apart that begins with `page` begins with `replacement` from now on; null takes it off the list.
 void karVarPageMemory::replaceCutOff(const karVarPage *page, karVarPage *replacement)
 {
-    for (karVarPage **entry = &cutOff; *entry; entry = &(*entry)->nextCutOff) {
-        if (*entry != page)
-            continue;
-        if (replacement) {
-            replacement->nextCutOff = page->nextCutOff;
-            *entry = replacement;
-        } else {
-            *entry = page->nextCutOff;
-        }
-        return;
-    }
+    const auto link = [](karVarPage &first) -> karVarPage *& { return first.nextCutOff; };
+    kar::replaceChain(cutOff, page, replacement, link);
 }

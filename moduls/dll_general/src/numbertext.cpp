@@ -166,6 +166,58 @@ char *roundUp(char *begin, char *end)
     return begin;
 }
 
+// The magnitude of a number: whole * 2^exponent + fraction / 2^fractionBits. One of the two powers is 1.
+struct Magnitude {
+    std::uint64_t whole;
+    unsigned exponent = 0;
+    std::uint64_t fraction = 0;
+    unsigned fractionBits = 0;
+
+    // Of the bits of a finite double.
+    explicit Magnitude(std::uint64_t pattern) : whole(pattern & 0xfffffffffffffu)
+    {
+        const auto exponentBits = static_cast<int>(pattern >> 52 & 0x7ff);
+        int scale = exponentBits ? exponentBits - 1075 : -1074;
+        if (exponentBits)
+            whole |= std::uint64_t{1} << 52;
+        if (whole && scale < 0) {
+            const int idle = std::min(__builtin_ctzll(whole), -scale);
+            scale += idle;
+            whole >>= idle;
+        }
+        if (whole && scale < 0) {
+            fractionBits = static_cast<unsigned>(-scale);
+            fraction = fractionBits < 64 ? whole & ((std::uint64_t{1} << fractionBits) - 1) : whole;
+            whole = fractionBits < 64 ? whole >> fractionBits : 0;
+        } else if (whole) {
+            exponent = static_cast<unsigned>(scale);
+        }
+    }
+};
+
+// Writes fewer places than the number has to `end`, which moves behind them; gives its start, as `roundUp` does.
+char *writeRounded(const Magnitude &number, unsigned places, FixedStyle style, char *begin, char *&end)
+{
+    FractionDigits digits(number.fraction, number.fractionBits);
+    unsigned seen = static_cast<unsigned>(number.whole != 0);
+    for (unsigned i = 0; i < places; ++i) {
+        const unsigned digit = digits.next();
+        seen |= digit;
+        *end++ = static_cast<char>('0' + digit);
+    }
+    unsigned following = digits.next();
+    bool up = following >= 5; // of exact digits: the rest is a half or more
+    if (style == FixedStyle::printed && following == 5 && digits.nothingFollows())
+        up = (places ? end[-1] : end[-2]) & 1; // to the even digit
+    if (up)
+        return roundUp(begin, end);
+    if (!seen && style != FixedStyle::printed) { // vanished: it keeps the zeros before its first digit
+        for (; following == 0; following = digits.next())
+            *end++ = '0';
+    }
+    return begin;
+}
+
 void setText(FixedText &out, const char *text)
 {
     out.begin = text;
@@ -213,67 +265,30 @@ void writeFixed(double value, int places, FixedStyle style, FixedText &out)
     std::uint64_t pattern;
     std::memcpy(&pattern, &value, sizeof pattern);
     const bool negative = pattern >> 63;
-    const auto exponentBits = static_cast<int>(pattern >> 52 & 0x7ff);
-    std::uint64_t mantissa = pattern & 0xfffffffffffffu;
-    if (exponentBits == 0x7ff) {
-        setText(out, mantissa ? "nan" : negative ? "-inf" : "inf");
+    if ((pattern >> 52 & 0x7ff) == 0x7ff) {
+        setText(out, pattern << 12 ? "nan" : negative ? "-inf" : "inf");
         return;
     }
-    int exponent = exponentBits ? exponentBits - 1075 : -1074;
-    if (exponentBits)
-        mantissa |= std::uint64_t{1} << 52;
-
+    const Magnitude number(pattern);
     const auto wantedPlaces = places < 0 ? 0u : static_cast<unsigned>(places);
     char *begin = out.room + 2; // a sign and a carry may come before
     char *end = begin;
-    unsigned fractionBits = 0;
-    std::uint64_t fraction = 0;
-    std::uint64_t whole = mantissa;
-    if (mantissa && exponent < 0) {
-        const int idle = std::min(__builtin_ctzll(mantissa), -exponent);
-        exponent += idle;
-        mantissa >>= idle;
-        whole = mantissa;
-        if (exponent < 0) {
-            fractionBits = static_cast<unsigned>(-exponent);
-            whole = fractionBits < 64 ? mantissa >> fractionBits : 0;
-            fraction = fractionBits < 64 ? mantissa & ((std::uint64_t{1} << fractionBits) - 1) : mantissa;
-            exponent = 0;
-        }
-    }
-    if (exponent <= 11 || !mantissa) { // 53 + 11 bits
-        end += writeDecimal(mantissa && exponent > 0 ? whole << exponent : whole, end);
-    } else {
-        end += writeLargeInteger(mantissa, static_cast<unsigned>(exponent), end);
-    }
+    if (number.exponent <= 11) // 53 + 11 bits
+        end += writeDecimal(number.whole << number.exponent, end);
+    else
+        end += writeLargeInteger(number.whole, number.exponent, end);
     *end++ = '.';
 
     out.zeros = 0;
-    if (wantedPlaces >= fractionBits) { // every digit of the exact value
-        if (fractionBits) {
-            FractionDigits digits(fraction, fractionBits);
-            for (unsigned i = 0; i < fractionBits; ++i)
+    if (wantedPlaces < number.fractionBits) {
+        begin = writeRounded(number, wantedPlaces, style, begin, end);
+    } else { // every digit of the exact value
+        if (number.fractionBits) {
+            FractionDigits digits(number.fraction, number.fractionBits);
+            for (unsigned i = 0; i < number.fractionBits; ++i)
                 *end++ = static_cast<char>('0' + digits.next());
         }
-        out.zeros = wantedPlaces - fractionBits;
-    } else {
-        FractionDigits digits(fraction, fractionBits);
-        unsigned seen = static_cast<unsigned>(whole != 0);
-        for (unsigned i = 0; i < wantedPlaces; ++i) {
-            const unsigned digit = digits.next();
-            seen |= digit;
-            *end++ = static_cast<char>('0' + digit);
-        }
-        unsigned following = digits.next();
-        bool up = following >= 5; // of exact digits: the rest is a half or more
-        if (style == FixedStyle::printed && following == 5 && digits.nothingFollows())
-            up = (wantedPlaces ? end[-1] : end[-2]) & 1; // to the even digit
-        if (up) {
-            begin = roundUp(begin, end);
-        } else if (!seen && style != FixedStyle::printed) { // vanished: it keeps the zeros before its first digit
-            for (; following == 0; following = digits.next())
-                *end++ = '0';
-        }
+        out.zeros = wantedPlaces - number.fractionBits;
     }
 
     if (style == FixedStyle::stripped) {

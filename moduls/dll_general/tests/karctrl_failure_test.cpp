@@ -73,6 +73,30 @@ TEST(KarCtrlWithoutMemory, HoldsNeitherPercentNorMessages)
     EXPECT_EQ(inUse(), before);
 }
 
+TEST(KarCtrlWithoutMemory, StoresNothingAndReadsAsZero)
+{
+    OpenCtrl ctrl = [] {
+        AllAllocationsFail failing;
+        return OpenCtrl();
+    }();
+    ctrl.resetPercent();
+    ctrl.setPercentStartEnd(10, 60);
+    ctrl.addPercentLayer();
+    ctrl.setLayerPercent(50);
+    ctrl.setGlobalPercent(70);
+    ctrl.removePercentLayer();
+    EXPECT_EQ(ctrl.getGlobalPercent(), 0);
+    EXPECT_EQ(ctrl.getLayerPercent(), 0);
+    EXPECT_EQ(ctrl.addMessage(EnumMessageID(1), 1), nullptr);
+    EXPECT_EQ(ctrl.getMessageList(), nullptr);
+    EXPECT_EQ(ctrl.getMessage(), nullptr);
+    EXPECT_EQ(ctrl.getMessage(EnumMessageID(1)), nullptr);
+    karMessageBase other;
+    EXPECT_EQ(ctrl.nextMessage(&other, MessageAny), nullptr);
+    EXPECT_EQ(ctrl.prevMessage(&other, MessageAny), nullptr);
+    ctrl.removeMessage(&other);
+}
+
 TEST(KarCtrlWithoutMemory, EachFailingAllocationLeavesTheRest)
 {
     const int before = inUse();
@@ -115,6 +139,29 @@ TEST(KarFilterWithoutMemory, HasNoControllerThatItOwns)
     EXPECT_TRUE(filter.isOwnCtrlUsed());
     filter.setCtrl(nullptr);
     EXPECT_FALSE(filter.isOwnCtrlUsed());
+}
+
+TEST(KarFilterWithoutMemory, StoresNothingAndReadsAsZero)
+{
+    AllAllocationsFail failing;
+    karFilter filter;
+    filter.setBreak(true);
+    EXPECT_FALSE(filter.isBreak());
+    EXPECT_EQ(filter.getBreak(), 0);
+    filter.setBreak(false);
+    filter.resetPercent();
+    filter.setPercentStartEnd(10, 60);
+    filter.addPercentLayer();
+    filter.setPercent(50);
+    filter.setGlobalPercent(70);
+    filter.removePercentLayer();
+    EXPECT_EQ(filter.getGlobalPercent(), 0);
+    EXPECT_EQ(filter.getPercent(), 0);
+    EXPECT_EQ(filter.getMessageList(), nullptr);
+    EXPECT_EQ(filter.addMessage(EnumMessageID(1), 1), nullptr);
+    EXPECT_EQ(filter.getMessage(), nullptr);
+    EXPECT_EQ(filter.getMessage(EnumMessageID(1)), nullptr);
+    filter.removeMessage(nullptr);
 }
 
 TEST(KarPercentWithoutMemory, AddLayerLeavesTheStackAsItWas)

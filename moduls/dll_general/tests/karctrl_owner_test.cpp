@@ -14,6 +14,23 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
+/// Writes down what is appended and removed.
+template <class Owner>
+class Heard : public Owner {
+public:
+    karListObject *ListAppend(karListObject *element) override
+    {
+        calls.emplace_back(element ? "append" : "append null");
+        return this->karListHeadObject::ListAppend(element);
+    }
+    void ListRemove(karListObject *element) override
+    {
+        calls.emplace_back(element ? "remove" : "remove null");
+        Owner::ListRemove(element);
+    }
+    Calls calls;
+};
+
 /// Blocks of the library that are in use, whatever their size class.
 int liveBlocks()
 {
@@ -181,21 +198,7 @@ TEST(KarMessageOwner, ListOperationsAreTyped)
 
 TEST(KarMessageOwner, ASubclassHearsWhatIsAddedAndRemoved)
 {
-    class Heard : public karMessage {
-    public:
-        karListObject *ListAppend(karListObject *element) override
-        {
-            calls.emplace_back(element ? "append" : "append null");
-            return karListHeadObject::ListAppend(element);
-        }
-        void ListRemove(karListObject *element) override
-        {
-            calls.emplace_back(element ? "remove" : "remove null");
-            karMessage::ListRemove(element);
-        }
-        Calls calls;
-    };
-    Heard list;
+    Heard<karMessage> list;
     karMessageLBase *one = list.addMessage(EnumMessageID(1), 0);
     EXPECT_EQ(list.calls, Calls{"append"});
     list.addMessage(one);
@@ -215,21 +218,7 @@ TEST(KarMessageOwner, ASubclassHearsWhatIsAddedAndRemoved)
 
 TEST(KarPercentOwner, ASubclassHearsWhatIsAddedAndRemoved)
 {
-    class Heard : public karPercent {
-    public:
-        karListObject *ListAppend(karListObject *element) override
-        {
-            calls.emplace_back(element ? "append" : "append null");
-            return karListHeadObject::ListAppend(element);
-        }
-        void ListRemove(karListObject *element) override
-        {
-            calls.emplace_back(element ? "remove" : "remove null");
-            karPercent::ListRemove(element);
-        }
-        Calls calls;
-    };
-    Heard stack;
+    Heard<karPercent> stack;
     stack.addLayer();
     stack.removeLayer();
     stack.reset();

@@ -109,6 +109,16 @@ TEST(BoundingRectOfEllipse, IsSampledByDegreesElsewhere)
     EXPECT_RECT(-0.1 - r, -0.7, 0.1 + r, 0.7, CalculateBoundingRect(0, 0, 0.1, 0.7, 1e-50), 1e-16);
 }
 
+TEST(BoundingRectOfArc, FromZeroToZeroFindsAllExtremesOfTheEllipse)
+{
+    // The half extents of an ellipse are sqrt((a cos r)^2 + (b sin r)^2) and sqrt((a sin r)^2 + (b cos r)^2).
+    for (double rotation = -7; rotation < 7; rotation += 0.03) {
+        const double c = std::cos(rotation), s = std::sin(rotation);
+        const double w = std::sqrt((25 * c * c) + (s * s)), h = std::sqrt((25 * s * s) + (c * c));
+        EXPECT_RECT(2 - w, 3 - h, 2 + w, 3 + h, CalculateBoundingRect(2, 3, 5, 1, rotation, 0, 0), 1e-14) << rotation;
+    }
+}
+
 TEST(BoundingRectOfEllipse, StartsFromPlusAndMinus1e100)
 {
     EXPECT_RECT(1e100, -1, 1e101, 1, CalculateBoundingRect(1e101, 0, 1, 1, pi / 4), 1e86); // not below the start

@@ -44,6 +44,16 @@ struct Hashes {
     }
 };
 
+testing::AssertionResult same(const Points &expected, const Points &found)
+{
+    if (expected.count != found.count)
+        return testing::AssertionFailure() << expected.count << " points, found " << found.count;
+    for (int i = 0; i < 8; ++i)
+        if (!sameBits(expected.at[i], found.at[i]))
+            return testing::AssertionFailure() << "place " << i << ": " << expected.at[i] << ", found " << found.at[i];
+    return testing::AssertionSuccess();
+}
+
 Points callLineLine(const Line &g, const Line &h, int mask)
 {
     Points out(untouched);
@@ -236,10 +246,7 @@ TEST(IntersectEllipses, CallsWithRotationEqualTheSteps)
         const Points found = callEllipses(first, second, mask, passes);
         const Points stepped = plain::ellipses(first, second, mask, untouched, expectedPasses);
         ASSERT_EQ(expectedPasses, passes) << "seed 84, step " << step;
-        for (int i = 0; i < 8; ++i) {
-            ASSERT_TRUE(sameBits(stepped.at[i], found.at[i])) << "seed 84, step " << step;
-        }
-        ASSERT_EQ(stepped.count, found.count) << "seed 84, step " << step;
+        ASSERT_TRUE(same(stepped, found)) << "seed 84, step " << step;
         if (passes >= 0 && passes <= 12) {
             hash.add(found, 4);
             expected.add(stepped, 4);
@@ -284,10 +291,7 @@ TEST(PerpendicularPoints, CallsWithRotationEqualTheSteps)
         const Points found = callFeet(px, py, ellipse, passes);
         const Points stepped = plain::feet(px, py, ellipse, expectedPasses);
         ASSERT_EQ(expectedPasses, passes) << "seed 86, step " << step;
-        for (int i = 0; i < 8; ++i) {
-            ASSERT_TRUE(sameBits(stepped.at[i], found.at[i])) << "seed 86, step " << step;
-        }
-        ASSERT_EQ(stepped.count, found.count) << "seed 86, step " << step;
+        ASSERT_TRUE(same(stepped, found)) << "seed 86, step " << step;
         if (passes >= 0 && passes <= 12) {
             hash.add(found, 4);
             expected.add(stepped, 4);

@@ -50,6 +50,21 @@ struct Ellipse {
     double cx, cy, a, b, rotation = 0, start = 0, end = fullTurn;
 };
 
+/// What the form without a limit to its passes gives, asked for pairs that settle alone. The form with one gives the same.
+template <class Bounded, class Unbounded>
+Found settled(Bounded bounded, Unbounded unbounded)
+{
+    int passes = 10000;
+    const Found limited = bounded(passes);
+    EXPECT_GE(passes, 0);
+    if (passes < 0)
+        return limited;
+    Found found;
+    found.count = unbounded(found.p);
+    EXPECT_TRUE(found.isSameAs(limited));
+    return found;
+}
+
 Found crossing(const Line &g, const Line &h, int mask)
 {
     Found f;
@@ -75,21 +90,14 @@ Found crossing(const Ellipse &e, const Ellipse &f, int mask, int &passes)
     return found;
 }
 
-/// Asked for pairs that settle alone.
 Found crossing(const Ellipse &e, const Ellipse &f, int mask)
 {
-    int passes = 10000;
-    const Found bounded = crossing(e, f, mask, passes);
-    EXPECT_GE(passes, 0);
-    if (passes < 0)
-        return bounded;
-    Found found;
-    double *const p = found.p;
-    found.count =
-        Intersect_Ellipse_Ellipse(e.cx, e.cy, e.a, e.b, e.rotation, e.start, e.end, f.cx, f.cy, f.a, f.b, f.rotation,
-                                  f.start, f.end, mask, p[0], p[1], p[2], p[3], p[4], p[5], p[6], p[7]);
-    EXPECT_TRUE(found.isSameAs(bounded));
-    return found;
+    return settled([&](int &passes) { return crossing(e, f, mask, passes); },
+                   [&](double *p) {
+                       return Intersect_Ellipse_Ellipse(e.cx, e.cy, e.a, e.b, e.rotation, e.start, e.end, f.cx, f.cy,
+                                                        f.a, f.b, f.rotation, f.start, f.end, mask, p[0], p[1], p[2],
+                                                        p[3], p[4], p[5], p[6], p[7]);
+                   });
 }
 
 Found crossingOfArcs(const Ellipse &e, const Ellipse &f, int mask, int &passes)
@@ -103,17 +111,11 @@ Found crossingOfArcs(const Ellipse &e, const Ellipse &f, int mask, int &passes)
 
 Found crossingOfArcs(const Ellipse &e, const Ellipse &f, int mask)
 {
-    int passes = 10000;
-    const Found bounded = crossingOfArcs(e, f, mask, passes);
-    EXPECT_GE(passes, 0);
-    if (passes < 0)
-        return bounded;
-    Found found;
-    double *const p = found.p;
-    found.count = Intersect_Arc_Arc(e.cx, e.cy, e.a, e.start, e.end, f.cx, f.cy, f.a, f.start, f.end, mask, p[0], p[1],
-                                    p[2], p[3]);
-    EXPECT_TRUE(found.isSameAs(bounded));
-    return found;
+    return settled([&](int &passes) { return crossingOfArcs(e, f, mask, passes); },
+                   [&](double *p) {
+                       return Intersect_Arc_Arc(e.cx, e.cy, e.a, e.start, e.end, f.cx, f.cy, f.a, f.start, f.end, mask,
+                                                p[0], p[1], p[2], p[3]);
+                   });
 }
 
 Found feet(double px, double py, const Ellipse &e, int &passes)
@@ -127,17 +129,12 @@ Found feet(double px, double py, const Ellipse &e, int &passes)
 
 Found feet(double px, double py, const Ellipse &e)
 {
-    int passes = 10000;
-    const Found bounded = feet(px, py, e, passes);
-    EXPECT_GE(passes, 0);
-    if (passes < 0)
-        return bounded;
-    Found found;
-    double *const p = found.p;
-    found.count = Calculate_Perpendicular_Points_To_Ellipse(px, py, e.cx, e.cy, e.a, e.b, e.rotation, e.start, e.end,
-                                                            p[0], p[1], p[2], p[3], p[4], p[5], p[6], p[7]);
-    EXPECT_TRUE(found.isSameAs(bounded));
-    return found;
+    return settled([&](int &passes) { return feet(px, py, e, passes); },
+                   [&](double *p) {
+                       return Calculate_Perpendicular_Points_To_Ellipse(px, py, e.cx, e.cy, e.a, e.b, e.rotation,
+                                                                        e.start, e.end, p[0], p[1], p[2], p[3], p[4],
+                                                                        p[5], p[6], p[7]);
+                   });
 }
 
 // Two lines

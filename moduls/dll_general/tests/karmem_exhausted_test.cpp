@@ -90,12 +90,8 @@ __attribute__((visibility("default"))) void free(void *p) noexcept
 
 TEST(Exhaustion, BlockOfEachClassIsHadWholeOrNotAtAll)
 {
-    const struct {
-        int pool;
-        unsigned size;
-    } classes[] = {{0, 2}, {7, 92}, {8, 192}, {9, 492}, {10, 992}};
-    for (const auto &sizeClass : classes) {
-        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, sizeClass.pool);
+    for (const auto &[number, request] : usedPools) {
+        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, number);
         long grants = 0;
         for (bool more = true; more; ++grants) {
             const State before;
@@ -103,13 +99,13 @@ TEST(Exhaustion, BlockOfEachClassIsHadWholeOrNotAtAll)
             void *p;
             {
                 const SystemRefuses refusing(grants);
-                p = KarAllocMemory(sizeClass.size);
+                p = KarAllocMemory(request);
                 more = refused;
             }
             const bool valid = globalMemList->isValid();
             const int pages = PoolPeek::pages(pool);
             const long counted = globalMemList->getAnzNew() - allocations;
-            void *const next = KarAllocMemory(sizeClass.size); // the system has memory again
+            void *const next = KarAllocMemory(request); // the system has memory again
             const bool nextValid = globalMemList->isValid();
             KarDellocMemory(p);
             KarDellocMemory(next);

@@ -64,14 +64,14 @@ public:
     }
     static void checkSlots()
     {
-        EXPECT_EQ(virtualSlot(&BasisPage::ListObjectOk), 0u);
-        EXPECT_EQ(virtualSlot(&BasisPage::IsType), 3u); // 1 and 2 are the destructor's
-        EXPECT_EQ(virtualSlot(&BasisPage::GetType), 4u);
-        EXPECT_EQ(virtualSlot(&BasisPage::CanCast), 5u);
-        EXPECT_EQ(virtualSlot(&BasisPage::checkElement), 6u);
-        EXPECT_EQ(virtualSlot(&BasisPage::element_X), 7u);
-        EXPECT_EQ(virtualSlot(&BasisPage::PageBegin), 8u);
-        EXPECT_EQ(virtualSlot(&BasisPage::PageEnd), 9u);
+        EXPECT_EQ(slotOf(&BasisPage::ListObjectOk), 0);
+        EXPECT_EQ(slotOf(&BasisPage::IsType), 3); // 1 and 2 are the destructor's
+        EXPECT_EQ(slotOf(&BasisPage::GetType), 4);
+        EXPECT_EQ(slotOf(&BasisPage::CanCast), 5);
+        EXPECT_EQ(slotOf(&BasisPage::checkElement), 6);
+        EXPECT_EQ(slotOf(&BasisPage::element_X), 7);
+        EXPECT_EQ(slotOf(&BasisPage::PageBegin), 8);
+        EXPECT_EQ(slotOf(&BasisPage::PageEnd), 9);
     }
 };
 
@@ -520,8 +520,8 @@ TEST(KarPageMemory, FieldsAndVirtualOperationsStandInTheirOrder)
     const std::ptrdiff_t pointer = sizeof(void *);
     EXPECT_EQ(pool.offsets(),
               (std::vector<std::ptrdiff_t>{pointer, 2 * pointer, 3 * pointer, 4 * pointer, 4 * pointer + 4}));
-    EXPECT_EQ(virtualSlot(&karPageMemory::GetType), 0u);
-    EXPECT_EQ(virtualSlot(&karPageMemory::CanCast), 1u);
+    EXPECT_EQ(slotOf(&karPageMemory::GetType), 0);
+    EXPECT_EQ(slotOf(&karPageMemory::CanCast), 1);
 }
 
 TEST(KarPageMemory, StartsWithoutPages)

@@ -27,14 +27,6 @@ unsigned header(const void *p)
 
 karPageMemory &pool(int number) { return AllocatorPeek::pool(*globalMemList, number); }
 
-struct Mark {
-    explicit Mark(int value) : saved(globalMemList->setMarkMemListGlobal(value)) {}
-    ~Mark() { globalMemList->setMarkMemListGlobal(saved); }
-    Mark(const Mark &) = delete;
-    Mark &operator=(const Mark &) = delete;
-    int saved;
-};
-
 /// All that a release can change.
 struct State {
     long blocks = globalMemList->getCurAnzNew();
@@ -55,9 +47,8 @@ struct State {
     }
 };
 
-constexpr unsigned requests[] = {2, 92, 192, 492, 992};
+/// The total of the largest request of each pool in `usedPools`.
 constexpr unsigned classes[] = {10, 100, 200, 500, 1000};
-constexpr int pools[] = {0, 7, 8, 9, 10};
 
 } // namespace
 
@@ -65,11 +56,11 @@ TEST(DamagedGuards, FooterOfAPoolBlockIsNotRead)
 {
     for (int mark : {0, 1})
         for (int i = 0; i < 5; ++i) {
-            void *const p = KarAllocMemory(requests[i]);
+            void *const p = KarAllocMemory(usedPools[i].request);
             setFooter(p, classes[i], 0xdeadbeef);
             const Mark during(mark);
             KarDellocMemory(p);
-            EXPECT_EQ(pool(pools[i]).getAnzElem(), 0);
+            EXPECT_EQ(pool(usedPools[i].pool).getAnzElem(), 0);
         }
 }
 
@@ -79,8 +70,8 @@ TEST(DamagedGuards, HeaderOfAnotherClassReleasesNothing)
         for (int j = 0; j < 5; ++j) {
             if (i == j)
                 continue;
-            void *const p = KarAllocMemory(requests[i]);
-            void *const other = KarAllocMemory(requests[j]); // the other class has a page
+            void *const p = KarAllocMemory(usedPools[i].request);
+            void *const other = KarAllocMemory(usedPools[j].request); // the other class has a page
             setHeader(p, classes[j]);
             const State before;
             for (int mark : {1, 0}) {
@@ -184,14 +175,14 @@ TEST(DoubleRelease, OfAPoolBlockChangesNothing)
         for (int i = 0; i < 5; ++i) {
             void *blocks[6];
             for (void *&block : blocks)
-                block = KarAllocMemory(requests[i]);
+                block = KarAllocMemory(usedPools[i].request);
             for (int j = 1; j < 5; ++j) { // at the head of the free list, in the middle and at its end
                 KarDellocMemory(blocks[j]);
                 for (int k = 1; k <= j; ++k) {
                     const State before;
                     const Mark during(mark);
                     KarDellocMemory(blocks[k]);
-                    EXPECT_TRUE(State() == before) << requests[i] << ' ' << j << ' ' << k;
+                    EXPECT_TRUE(State() == before) << usedPools[i].request << ' ' << j << ' ' << k;
                     EXPECT_TRUE(globalMemList->isValid());
                 }
             }
@@ -205,11 +196,11 @@ TEST(DoubleRelease, WithItsHeaderRestoredEndsInTheGuardOfThePool)
     for (int i = 0; i < 5; ++i) {
         void *blocks[3];
         for (void *&block : blocks)
-            block = KarAllocMemory(requests[i]);
+            block = KarAllocMemory(usedPools[i].request);
         KarDellocMemory(blocks[1]);
         void *element = static_cast<char *>(blocks[1]) - 4 - blockShift;
         const State before;
-        pool(pools[i]).deleteElement(element); // as deleteMem does for a header of the class
+        pool(usedPools[i].pool).deleteElement(element); // as deleteMem does for a header of the class
         EXPECT_EQ(element, nullptr);
         EXPECT_TRUE(State() == before);
         EXPECT_TRUE(globalMemList->isValid());

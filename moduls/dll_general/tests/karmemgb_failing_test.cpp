@@ -60,21 +60,17 @@ TEST(NthAllocationFails, LetsExactlyNMinusOneAllocationsOfAClassPass)
 
 TEST(NthHeapBlockFails, NewMemOfEachClassNeedsTwoBlocksForItsPage)
 {
-    const struct {
-        int pool;
-        unsigned size;
-    } classes[] = {{0, 2}, {7, 92}, {8, 192}, {9, 492}, {10, 992}};
-    for (const auto &sizeClass : classes) {
-        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, sizeClass.pool);
+    for (const auto &[number, request] : usedPools) {
+        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, number);
         pool.delete_all();
         for (unsigned n = 1; n <= 3; ++n) {
-            SCOPED_TRACE(sizeClass.size + n * 10000);
+            SCOPED_TRACE(request + n * 10000);
             const State before;
             const long allocations = globalMemList->getAnzNew();
             void *p;
             {
                 const NthHeapBlockFails failing(n);
-                p = KarAllocMemory(sizeClass.size);
+                p = KarAllocMemory(request);
             }
             EXPECT_EQ(p != nullptr, n == 3);
             // 1: refused at once. 2: the page stands without storage. 3: page object, storage and the block.
@@ -82,7 +78,7 @@ TEST(NthHeapBlockFails, NewMemOfEachClassNeedsTwoBlocksForItsPage)
             EXPECT_EQ(PoolPeek::pages(pool), n == 1 ? 0 : 1);
             EXPECT_EQ(pool.getAnzElem(), n == 3 ? 1 : 0);
             EXPECT_TRUE(globalMemList->isValid());
-            void *const next = KarAllocMemory(sizeClass.size); // there is memory again
+            void *const next = KarAllocMemory(request); // there is memory again
             EXPECT_NE(next, nullptr);
             EXPECT_EQ(PoolPeek::pages(pool), n == 2 ? 2 : 1);
             KarDellocMemory(p);

@@ -40,14 +40,6 @@ int poolOf(void *p)
     return -1;
 }
 
-struct Mark {
-    explicit Mark(int value) : saved(globalMemList->setMarkMemListGlobal(value)) {}
-    ~Mark() { globalMemList->setMarkMemListGlobal(saved); }
-    Mark(const Mark &) = delete;
-    Mark &operator=(const Mark &) = delete;
-    int saved;
-};
-
 class Allocator : public karGlobalMemory {
 public:
     std::vector<std::ptrdiff_t> offsets() const

@@ -62,7 +62,7 @@ Whole readWhole(const char *text)
 
 } // namespace
 
-// -- Real numbers to text -------------------------------------------------------------------------------------------
+// ---- Real numbers to text
 
 TEST(KarString, WritesRealNumbers)
 {
@@ -216,7 +216,7 @@ TEST(KarString, WritesTheExactDigitsOfNumbersOfAnyMagnitude)
     }
 }
 
-// -- Text to real numbers -------------------------------------------------------------------------------------------
+// ---- Text to real numbers
 
 TEST(KarString, ReadsRealNumbers)
 {
@@ -337,7 +337,7 @@ TEST(KarString, ReadsAndWritesInTheCLocale)
     std::setlocale(LC_ALL, "C");
 }
 
-// -- Text to whole numbers ------------------------------------------------------------------------------------------
+// ---- Text to whole numbers
 
 TEST(KarString, ReadsDigitsAsDecimal)
 {
@@ -426,7 +426,7 @@ TEST(KarString, CutsControlsAndBytesFrom0x80OnBeforeItReadsAWholeNumber)
     EXPECT_TRUE(hasState(counted, "12", 2, 16)); // the length is measured
 }
 
-// -- Assigning numbers ----------------------------------------------------------------------------------------------
+// ---- Assigning numbers
 
 TEST(KarString, AssignsWholeNumbers)
 {

@@ -50,7 +50,7 @@ unsigned sizeAfter(const char *format, Arguments... arguments)
 
 } // namespace
 
-// -- format ---------------------------------------------------------------------------------------------------------
+// ---- format
 
 TEST(KarString, FormatsAndGivesTheLength)
 {
@@ -392,7 +392,7 @@ TEST(KarString, WritesDurations)
     EXPECT_EQ(s == "00:00:00", 1);
 }
 
-// -- searchValue ----------------------------------------------------------------------------------------------------
+// ---- searchValue
 
 TEST(KarString, LooksUpTheFirstEqualRow)
 {
@@ -430,7 +430,7 @@ TEST(KarString, ATableWithoutRowsLeavesTheLengthUnknown)
     EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
-// -- Trimming -------------------------------------------------------------------------------------------------------
+// ---- Trimming
 
 TEST(KarString, TrimsTheStart)
 {
@@ -516,7 +516,7 @@ TEST(KarString, TrimsByASetThatLiesInTheText)
     EXPECT_TRUE(hasState(t, "", 0, 16));
 }
 
-// -- Mapping --------------------------------------------------------------------------------------------------------
+// ---- Mapping
 
 TEST(KarString, ChangesCaseInPlace)
 {
@@ -587,7 +587,7 @@ TEST(KarString, CountsCharacters)
     EXPECT_EQ(shortCopy().countchar('z'), 1);
 }
 
-// -- Searching by index ---------------------------------------------------------------------------------------------
+// ---- Searching by index
 
 TEST(KarString, SearchesForwardFromAnIndex)
 {
@@ -717,7 +717,7 @@ TEST(KarString, SearchesMeasureAMarkedText)
     EXPECT_EQ(TextProbe::cached(s), 3u);
 }
 
-// -- karstrtok ------------------------------------------------------------------------------------------------------
+// ---- karstrtok
 
 TEST(KarString, TakesTokensOffTheStart)
 {
@@ -782,7 +782,7 @@ TEST(KarString, TakesTokensOfATextPastItsCachedLength)
     EXPECT_TRUE(hasState(t, "", 0, 16));
 }
 
-// -- Date and time --------------------------------------------------------------------------------------------------
+// ---- Date and time
 
 namespace {
 

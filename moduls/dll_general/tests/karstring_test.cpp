@@ -31,7 +31,7 @@ karString shortCopy()
 
 } // namespace
 
-// -- Sizes and construction -----------------------------------------------------------------------------------------
+// ---- Sizes and construction
 
 TEST(KarString, SizesAreTheNextMultipleOfEight)
 {
@@ -215,7 +215,7 @@ TEST(KarString, CountsASizeBeyondThirtyTwoBitsAsAFailedAllocation)
     EXPECT_EQ(TextProbe::bytes(karString(text, 0xfffffffdu)), nullptr);
 }
 
-// -- A text without a buffer ----------------------------------------------------------------------------------------
+// ---- A text without a buffer
 
 TEST(KarString, ReadsAsEmptyWithoutABuffer)
 {
@@ -321,7 +321,7 @@ TEST(KarString, AppendBeyondThirtyTwoBitsLosesTheBuffer)
     EXPECT_EQ(s.vstrlen(), 0u);
 }
 
-// -- Assignment -----------------------------------------------------------------------------------------------------
+// ---- Assignment
 
 TEST(KarString, AssignmentThatFitsKeepsTheBuffer)
 {
@@ -438,7 +438,7 @@ TEST(KarString, AssignmentOfAPartOfItself)
     EXPECT_TRUE(hasState(a, "cdef", 4, 16));
 }
 
-// -- Length and size ------------------------------------------------------------------------------------------------
+// ---- Length and size
 
 TEST(KarString, LengthIsMeasuredOnceAfterAMark)
 {
@@ -543,7 +543,7 @@ TEST(KarString, CutEndsTheTextBelowItsLength)
     EXPECT_TRUE(hasState(s, "", 0, 16));
 }
 
-// -- Character access -----------------------------------------------------------------------------------------------
+// ---- Character access
 
 TEST(KarString, IndexMarksTheLengthUnknownEvenForARead)
 {
@@ -664,7 +664,7 @@ TEST(KarString, TheWritablePointerMarksTheLengthUnknown)
     EXPECT_EQ(TextProbe::cached(s), mark);
 }
 
-// -- Searching by pointer -------------------------------------------------------------------------------------------
+// ---- Searching by pointer
 
 TEST(KarString, FindsTextAndCharactersByPointer)
 {
@@ -714,7 +714,7 @@ TEST(KarString, FindsTheLastCharacterBeforeALimit)
     EXPECT_EQ(karString("baaa").vstrrchr('b', 3u) == nullptr, false);
 }
 
-// -- Comparison -----------------------------------------------------------------------------------------------------
+// ---- Comparison
 
 TEST(KarString, ComparesByteByByteAsUnsigned)
 {
@@ -765,7 +765,7 @@ TEST(KarString, ComparesUpToTheFirstNulWhateverTheCacheSays)
     EXPECT_EQ(s < "abd", 1);
 }
 
-// -- Concatenation --------------------------------------------------------------------------------------------------
+// ---- Concatenation
 
 TEST(KarString, JoinsWithEightBytesOfSpareRoom)
 {
@@ -881,7 +881,7 @@ TEST(KarString, DoublesItself)
     EXPECT_TRUE(hasState(s, "abcabcabcabcbcabcbc", 19, 24));
 }
 
-// -- Bounded copies -------------------------------------------------------------------------------------------------
+// ---- Bounded copies
 
 TEST(KarString, CopiesAtMostSoManyCharacters)
 {

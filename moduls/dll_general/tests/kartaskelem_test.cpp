@@ -366,8 +366,8 @@ TEST(TaskElemLayout, FieldsAndVirtualOperationsStandInTheirOrder)
     EXPECT_EQ(sizeof(karTaskElem), sizeof(void *) + 8);
     static_assert(std::is_abstract_v<karTaskElem>);
     static_assert(std::has_virtual_destructor_v<karTaskElem>);
-    EXPECT_EQ(virtualSlot(&karTaskElem::_todo), 2u); // behind the destructor
-    EXPECT_EQ(virtualSlot(&karTaskElem::step), 3u);
-    EXPECT_EQ(virtualSlot(&karTaskElem::PostRemove), 4u);
-    EXPECT_EQ(virtualSlot(&karTaskElem::reservedOperation), 5u);
+    EXPECT_EQ(slotOf(&karTaskElem::_todo), 2); // behind the destructor
+    EXPECT_EQ(slotOf(&karTaskElem::step), 3);
+    EXPECT_EQ(slotOf(&karTaskElem::PostRemove), 4);
+    EXPECT_EQ(slotOf(&karTaskElem::reservedOperation), 5);
 }

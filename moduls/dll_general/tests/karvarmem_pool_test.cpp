@@ -9,15 +9,6 @@
 
 namespace {
 
-/// Slot of a virtual operation: its place in the table, as a pointer to a member function holds it.
-template <class Operation>
-int slotOf(Operation operation)
-{
-    std::intptr_t word;
-    std::memcpy(&word, &operation, sizeof word);
-    return static_cast<int>((word - 1) / static_cast<std::intptr_t>(sizeof(void *)));
-}
-
 void fill(void *run, int bytes, int seed)
 {
     for (int i = 0; i < bytes; ++i)
@@ -37,13 +28,13 @@ bool holds(const void *run, int bytes, int seed)
 TEST(KarVarPageMemory, FieldsStandInTheirOrder)
 {
     Pool pool(8, 10);
-    const int width = static_cast<int>(sizeof(void *));
-    EXPECT_EQ(offsetOf(pool, pool.speicher_Speed_), width);
-    EXPECT_EQ(offsetOf(pool, pool.firstPage), 2 * width);
-    EXPECT_EQ(offsetOf(pool, pool.currentPage), 3 * width);
-    EXPECT_EQ(offsetOf(pool, pool.lastPage), 4 * width);
-    EXPECT_EQ(offsetOf(pool, pool.elementSize_), 5 * width);
-    EXPECT_EQ(offsetOf(pool, pool.elementCount), 5 * width + 4);
+    const long width = sizeof(void *);
+    EXPECT_EQ(offsetIn(pool, pool.speicher_Speed_), width);
+    EXPECT_EQ(offsetIn(pool, pool.firstPage), 2 * width);
+    EXPECT_EQ(offsetIn(pool, pool.currentPage), 3 * width);
+    EXPECT_EQ(offsetIn(pool, pool.lastPage), 4 * width);
+    EXPECT_EQ(offsetIn(pool, pool.elementSize_), 5 * width);
+    EXPECT_EQ(offsetIn(pool, pool.elementCount), 5 * width + 4);
 }
 
 TEST(KarVarPageMemory, AnswersItsIdFromThreeVirtualOperations)

@@ -25,6 +25,12 @@ public:
 
     char *place(int offset) { return at(firstPageElement(), offset); }
     int offset(const void *p) { return static_cast<int>(static_cast<const char *>(p) - place(0)); }
+    /// Runs of two elements side by side, from the start of an unused page on.
+    void takePairs(int count)
+    {
+        for (int run = 0; run < count; ++run)
+            take(2);
+    }
     int take(int count, int fromEnd = 0)
     {
         void *const run = newElement(count, fromEnd);
@@ -144,12 +150,12 @@ TEST(KarFreeVarElement, LinkOutOfReachReadsAsNullWithWidePointers)
 TEST(KarVarPage, FieldsStandBehindThoseOfTheBase)
 {
     Page page(8, 4);
-    EXPECT_EQ(offsetOf(page, page.minElementCount_) - offsetOf(page, page.firstFreeElement_),
-              static_cast<int>(sizeof(void *)));
-    EXPECT_GT(offsetOf(page, page.firstFreeElement_), offsetOf(page, page.elementUsed_));
+    EXPECT_EQ(offsetIn(page, page.minElementCount_) - offsetIn(page, page.firstFreeElement_),
+              static_cast<long>(sizeof(void *)));
+    EXPECT_GT(offsetIn(page, page.firstFreeElement_), offsetIn(page, page.elementUsed_));
     if (!widePointers) {
-        EXPECT_EQ(offsetOf(page, page.firstFreeElement_), 32);
-        EXPECT_EQ(offsetOf(page, page.minElementCount_), 36);
+        EXPECT_EQ(offsetIn(page, page.firstFreeElement_), 32);
+        EXPECT_EQ(offsetIn(page, page.minElementCount_), 36);
     }
 }
 
@@ -404,8 +410,7 @@ TEST(KarVarPage, NeighboursJoinInEveryOrderOfRelease)
     const int orders[6][3] = {{0, 1, 2}, {0, 2, 1}, {1, 0, 2}, {1, 2, 0}, {2, 0, 1}, {2, 1, 0}};
     for (const auto &order : orders) {
         Page page(8, 10);
-        for (int run = 0; run < 3; ++run)
-            page.take(2);
+        page.takePairs(3);
         page.take(4); // the rest stays in use
         for (const int run : order)
             EXPECT_FALSE(page.give(16 * run, 2));
@@ -418,8 +423,7 @@ TEST(KarVarPage, NeighboursJoinInEveryOrderOfRelease)
 TEST(KarVarPage, ReleaseTouchingNothingStandsInAddressOrder)
 {
     Page page(8, 10);
-    for (int run = 0; run < 5; ++run)
-        page.take(2);
+    page.takePairs(5);
     page.give(32, 2);
     EXPECT_EQ(page.runs(), (Runs{{32, 16}}));
     page.give(64, 2);
@@ -437,8 +441,7 @@ TEST(KarVarPage, ReleaseTouchingNothingStandsInAddressOrder)
 TEST(KarVarPage, ReleaseGrowsTheRunBeforeIt)
 {
     Page page(8, 10);
-    for (int run = 0; run < 5; ++run)
-        page.take(2);
+    page.takePairs(5);
     page.give(0, 2);
     page.give(64, 2);
     page.give(16, 2);
@@ -448,8 +451,7 @@ TEST(KarVarPage, ReleaseGrowsTheRunBeforeIt)
 TEST(KarVarPage, ReleaseTakesThePlaceOfTheRunBehindIt)
 {
     Page page(8, 10);
-    for (int run = 0; run < 5; ++run)
-        page.take(2);
+    page.takePairs(5);
     page.give(0, 2);
     page.give(64, 2);
     page.give(48, 2);
@@ -492,8 +494,7 @@ TEST(KarVarPage, ShortRangeGrowsTheRunBeforeIt)
 TEST(KarVarPage, ReleaseAtTheStartOfAFreeRunChangesNothing)
 {
     Page page(8, 12);
-    for (int run = 0; run < 6; ++run)
-        page.take(2);
+    page.takePairs(6);
     page.give(0, 2);
     page.give(32, 2);
     page.give(64, 2);
@@ -658,8 +659,7 @@ TEST(KarVarPage, ReleaseIntoADisorderedListStandsAlone)
 TEST(KarVarPage, ReleaseWithTooLargeACountTakesTheNeighbourAlong)
 {
     Page page(8, 10);
-    for (int run = 0; run < 5; ++run)
-        page.take(2);
+    page.takePairs(5);
     EXPECT_FALSE(page.give(16, 4));
     EXPECT_EQ(page.runs(), (Runs{{16, 32}}));
     EXPECT_EQ(page.elementUsed(), 6);
@@ -668,8 +668,7 @@ TEST(KarVarPage, ReleaseWithTooLargeACountTakesTheNeighbourAlong)
 TEST(KarVarPage, ReleaseOverFreeRunsDropsThemFromTheList)
 {
     Page page(8, 12);
-    for (int run = 0; run < 6; ++run)
-        page.take(2);
+    page.takePairs(6);
     page.give(0, 2);
     page.give(48, 2);
     page.give(80, 2);
@@ -682,8 +681,7 @@ TEST(KarVarPage, ReleaseOverFreeRunsDropsThemFromTheList)
 TEST(KarVarPage, ReleaseThatTouchesTheRunBehindItStandsInItsPlaceOnly)
 {
     Page page(8, 12);
-    for (int run = 0; run < 6; ++run)
-        page.take(2);
+    page.takePairs(6);
     page.give(48, 2);
     page.give(80, 2);
     // From 32 over the free run at 48 up to 80: that run stays in the list, the joined one stands behind it.
@@ -694,8 +692,7 @@ TEST(KarVarPage, ReleaseThatTouchesTheRunBehindItStandsInItsPlaceOnly)
 TEST(KarVarPage, ReleaseBeyondTheEndIsCutOffThere)
 {
     Page page(8, 10);
-    for (int run = 0; run < 5; ++run)
-        page.take(2);
+    page.takePairs(5);
     EXPECT_FALSE(page.give(64, 5)); // three elements more than the page has
     EXPECT_EQ(page.runs(), (Runs{{64, 16}}));
     EXPECT_EQ(page.elementUsed(), 5);
@@ -770,8 +767,7 @@ TEST(KarVarPage, OverwrittenNodesNeverLeadOutOfThePage)
 {
     for (const int filler : {0x00, 0x01, 0x10, 0x7f, 0x80, 0xff}) {
         Page page(8, 12);
-        for (int run = 0; run < 6; ++run)
-            page.take(2);
+        page.takePairs(6);
         std::memset(page.place(0), 0x55, 96); // their owners use them all
         for (const int position : {0, 32, 64})
             page.give(position, 2);

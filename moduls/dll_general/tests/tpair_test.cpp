@@ -3,6 +3,7 @@
 
 #include "karmemgb.h"
 #include "karrect.h"
+#include "testslot.h"
 
 #include <cstddef>
 #include <gtest/gtest.h>
@@ -31,13 +32,6 @@ static_assert(std::is_base_of<RealPair, tUniquePair<double>>::value &&
               "the double family");
 
 namespace {
-
-/// Bytes from the start of an object to one of its places.
-template <class Object, class Place>
-std::ptrdiff_t offsetOf(const Object &object, const Place &place)
-{
-    return reinterpret_cast<const char *>(&place) - reinterpret_cast<const char *>(&object);
-}
 
 /// What a compiler of the target makes of a table pointer followed by two values.
 template <class T>
@@ -204,15 +198,15 @@ TEST(TUniquePair, TakesEqualValues)
 TEST(TPair, LiesAsATablePointerAndTwoValues)
 {
     IntPair ints;
-    EXPECT_EQ(offsetOf(ints, ints.First()), sizeof(void *) == 8 ? 8 : 4);
-    EXPECT_EQ(offsetOf(ints, ints.Second()), sizeof(void *) == 8 ? 12 : 8);
+    EXPECT_EQ(offsetIn(ints, ints.First()), sizeof(void *) == 8 ? 8 : 4);
+    EXPECT_EQ(offsetIn(ints, ints.Second()), sizeof(void *) == 8 ? 12 : 8);
     EXPECT_EQ(sizeof(IntPair), sizeof(void *) == 8 ? 16u : 12u);
 
     // A double inside a structure is aligned to 4 bytes by 32-bit Linux, to 8 everywhere else.
     RealPair reals;
     const int table = offsetof(Layout<double>, first) == 4 ? 4 : 8;
-    EXPECT_EQ(offsetOf(reals, reals.First()), table);
-    EXPECT_EQ(offsetOf(reals, reals.Second()), table + 8);
+    EXPECT_EQ(offsetIn(reals, reals.First()), table);
+    EXPECT_EQ(offsetIn(reals, reals.Second()), table + 8);
     EXPECT_EQ(sizeof(RealPair), static_cast<std::size_t>(table + 16));
 }
 

@@ -4,7 +4,37 @@
 
 #include "mempeek.h"
 
+#include <optional>
 #include <vector>
+
+/// Lifts the count of heap blocks for its own lifetime. What was released meanwhile stays counted.
+class HeapCountLifted {
+public:
+    explicit HeapCountLifted(int count) : start(count), before(globalMemList->getCurAnzNew())
+    {
+        globalMemList->setCurAnzNew(start);
+    }
+    ~HeapCountLifted()
+    {
+        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - start)));
+    }
+    HeapCountLifted(const HeapCountLifted &) = delete;
+    HeapCountLifted &operator=(const HeapCountLifted &) = delete;
+
+    /// With so many blocks another one can still be had, with one more none.
+    static constexpr int atLimit = 64000;
+
+private:
+    int start;
+    long before;
+};
+
+/// While one lives the n-th block from the heap (n from 1) fails, and every allocation after it. A fixed pool takes two
+/// for a page, the page object and its storage.
+class NthHeapBlockFails : HeapCountLifted {
+public:
+    explicit NthHeapBlockFails(unsigned n) : HeapCountLifted(atLimit + 1 - static_cast<int>(n - 1)) {}
+};
 
 /// While one lives every allocation fails, small ones too: the count of heap blocks stands above its limit.
 ///
@@ -12,42 +42,9 @@
 ///         AllAllocationsFail failing;
 ///         EXPECT_EQ(text.append("more"), nullptr);
 ///     }
-class AllAllocationsFail {
+class AllAllocationsFail : HeapCountLifted {
 public:
-    AllAllocationsFail() : before(globalMemList->getCurAnzNew()) { globalMemList->setCurAnzNew(refusing); }
-    ~AllAllocationsFail()
-    {
-        // What was released meanwhile stays counted.
-        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - refusing)));
-    }
-    AllAllocationsFail(const AllAllocationsFail &) = delete;
-    AllAllocationsFail &operator=(const AllAllocationsFail &) = delete;
-
-private:
-    static constexpr int refusing = 64001;
-    long before;
-};
-
-/// While one lives the n-th block from the heap (n from 1) fails, and every allocation after it. A fixed pool takes two
-/// for a page, the page object and its storage.
-class NthHeapBlockFails {
-public:
-    explicit NthHeapBlockFails(unsigned n) : start(refusing - static_cast<int>(n - 1))
-    {
-        before = globalMemList->getCurAnzNew();
-        globalMemList->setCurAnzNew(start);
-    }
-    ~NthHeapBlockFails()
-    {
-        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - start)));
-    }
-    NthHeapBlockFails(const NthHeapBlockFails &) = delete;
-    NthHeapBlockFails &operator=(const NthHeapBlockFails &) = delete;
-
-private:
-    static constexpr int refusing = 64001;
-    int start;
-    long before;
+    AllAllocationsFail() : HeapCountLifted(atLimit + 1) {}
 };
 
 /// While one lives the n-th small allocation (n from 1) fails, and every allocation after it: each size class is left
@@ -67,14 +64,13 @@ class NthAllocationFails {
 public:
     explicit NthAllocationFails(unsigned n)
     {
-        for (const Class &sizeClass : {Class{0, 2}, Class{7, 92}, Class{8, 192}, Class{9, 492}, Class{10, 992}})
-            leaveFree(sizeClass, n - 1);
-        before = globalMemList->getCurAnzNew();
-        globalMemList->setCurAnzNew(atLimit);
+        for (const UsedPool &used : usedPools)
+            leaveFree(used, n - 1);
+        lifted.emplace(HeapCountLifted::atLimit);
     }
     ~NthAllocationFails()
     {
-        globalMemList->setCurAnzNew(static_cast<int>(before + (globalMemList->getCurAnzNew() - atLimit)));
+        lifted.reset();
         for (void *block : fillers)
             KarDellocMemory(block);
     }
@@ -82,15 +78,9 @@ public:
     NthAllocationFails &operator=(const NthAllocationFails &) = delete;
 
     /// Whether an allocation has failed.
-    bool happened() const { return globalMemList->getCurAnzNew() > atLimit; }
+    bool happened() const { return globalMemList->getCurAnzNew() > HeapCountLifted::atLimit; }
 
 private:
-    static constexpr int atLimit = 64000;
-    struct Class {
-        int pool;
-        unsigned request;
-    };
-
     static unsigned freeElements(karPageMemory &pool)
     {
         unsigned elements = 0;
@@ -101,16 +91,16 @@ private:
         return elements - static_cast<unsigned>(pool.getAnzElem());
     }
 
-    void leaveFree(Class sizeClass, unsigned wanted)
+    void leaveFree(UsedPool used, unsigned wanted)
     {
-        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, sizeClass.pool);
+        karPageMemory &pool = AllocatorPeek::pool(*globalMemList, used.pool);
         for (unsigned i = freeElements(pool); i > 0; --i)
-            fillers.push_back(KarAllocMemory(sizeClass.request));
+            fillers.push_back(KarAllocMemory(used.request));
         const unsigned pageSize = static_cast<unsigned>(pool.elementCount());
         std::vector<void *> fresh;
         const unsigned pages = wanted ? (wanted - 1) / (pageSize - 1) + 1 : 0;
         for (unsigned i = 0; i < pages * pageSize; ++i)
-            fresh.push_back(KarAllocMemory(sizeClass.request));
+            fresh.push_back(KarAllocMemory(used.request));
         for (unsigned i = 0; i < pages * pageSize; ++i)
             if (wanted > 0 && i % pageSize != 0) { // one element keeps the page
                 KarDellocMemory(fresh[i]);
@@ -121,7 +111,7 @@ private:
     }
 
     std::vector<void *> fillers;
-    long before;
+    std::optional<HeapCountLifted> lifted;
 };
 
 #endif

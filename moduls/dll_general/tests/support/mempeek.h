@@ -5,9 +5,6 @@
 #include "karmemgb.h"
 #include "testslot.h"
 
-#include <cstddef>
-#include <cstring>
-
 struct PagePeek : karPage {
     static int stride(karPage &page) { return page.*&PagePeek::elementFullSize_; }
     static karFreeElement *freeList(karPage &page) { return page.*&PagePeek::firstFreeElement_; }
@@ -46,14 +43,20 @@ struct AllocatorPeek : karGlobalMemory {
     }
 };
 
-/// Slot of a virtual operation in the table of its class. A pointer to a virtual member function holds its offset in
-/// the table plus 1.
-template <class Function>
-std::size_t virtualSlot(Function function)
-{
-    std::size_t word;
-    std::memcpy(&word, &function, sizeof word);
-    return (word - 1) / sizeof(void *);
-}
+/// The mark of the global allocator for its own lifetime: 0 sends every block straight to the heap, without a record.
+struct Mark {
+    explicit Mark(int value) : saved(globalMemList->setMarkMemListGlobal(value)) {}
+    ~Mark() { globalMemList->setMarkMemListGlobal(saved); }
+    Mark(const Mark &) = delete;
+    Mark &operator=(const Mark &) = delete;
+    int saved;
+};
+
+/// A pool that requests reach, with the largest request that it serves.
+struct UsedPool {
+    int pool;
+    unsigned request;
+};
+constexpr UsedPool usedPools[] = {{0, 2}, {7, 92}, {8, 192}, {9, 492}, {10, 992}};
 
 #endif

@@ -3,6 +3,7 @@
 #define KAR_TEST_VARPOOL_H
 
 #include "karvarmem.h"
+#include "testslot.h"
 
 #include <utility>
 #include <vector>
@@ -12,13 +13,6 @@ constexpr bool widePointers = sizeof(void *) > 4;
 using Runs = std::vector<std::pair<int, int>>; // offset in the page and length of each free run, in list order
 
 inline char *at(void *base, int bytes) { return static_cast<char *>(base) + bytes; }
-
-/// Byte of a member in its object.
-template <class Object, class Member>
-int offsetOf(const Object &object, const Member &member)
-{
-    return static_cast<int>(reinterpret_cast<const char *>(&member) - reinterpret_cast<const char *>(&object));
-}
 
 class Pool : public karVarPageMemory {
 public:
