@@ -38,6 +38,12 @@ if(KAR_SANITIZE)
     add_link_options(${sanitizers})
 endif()
 
+option(KAR_COVERAGE "Count how often lines and branches run (GCC only)" OFF)
+if(KAR_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()
+
 if(WIN32)
     add_link_options(-static-libgcc -static-libstdc++ -static)   # a library without further files beside it
 endif()

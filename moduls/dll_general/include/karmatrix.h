@@ -126,7 +126,7 @@ protected:
         // The address may lie outside of the array, where pointer arithmetic is not defined.
         const auto offset = static_cast<std::uintptr_t>(index(r, c)) * sizeof(double);
         const auto address = reinterpret_cast<std::uintptr_t>(data) + offset;
-        return reinterpret_cast<double *>(address); // NOLINT(performance-no-int-to-ptr)
+        return reinterpret_cast<double *>(address); // NOLINT(performance-no-int-to-ptr): it may lie outside the array
     }
     /// Frees the array; with positive sizes a new one is filled with 0.
     void _InitData();

@@ -24,8 +24,7 @@ CtrlType karDataId::getType() const { return CtrlId; }
 int karDataId::getId() const { return id; }
 void karDataId::setId(int newId) { id = newId; }
 
-// Assigned to a fresh text, whose size a short value then has.
-// cppcheck-suppress useInitializationList
+// cppcheck-suppress useInitializationList ; assigned to a fresh text, whose size a short value then has
 karDataText::karDataText(const karString &value) { text = value; }
 CtrlType karDataText::getType() const { return CtrlText; }
 karString karDataText::getText() const { return text; }
@@ -65,8 +64,8 @@ karMessageBase &karMessageBase::setParamCount(int count)
     paramCount = count;
     if (count <= 0)
         return *this;
-    params = static_cast<karDataBase **>(
-        kar::allocArray(static_cast<unsigned>(count), sizeof *params)); // NOLINT(bugprone-sizeof-expression): pointers
+    params = static_cast<karDataBase **>(kar::allocArray(
+        static_cast<unsigned>(count), sizeof *params)); // NOLINT(bugprone-sizeof-expression): of pointers
     for (int index = 0; params && index < count; ++index)
         params[index] = nullptr;
     return *this;
@@ -218,8 +217,7 @@ karMessageBase *messageOf(karMessageLBase *element) { return element ? element->
 
 } // namespace
 
-// Copies share what they point at, as the header tells.
-// cppcheck-suppress [noCopyConstructor, noOperatorEq]
+// cppcheck-suppress [noCopyConstructor, noOperatorEq] ; copies share what they point at, as the header tells
 karCtrl::karCtrl() : percent(new karPercent), messages(new karMessage) {}
 
 karCtrl::~karCtrl()

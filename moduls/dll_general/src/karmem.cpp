@@ -64,7 +64,7 @@ void *karBasisPage::element_X(void *base, int i)
 {
     // As a number: the result may lie outside the storage, and unsigned arithmetic wraps.
     const std::intptr_t index = i;
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): it may lie outside the storage
     return reinterpret_cast<void *>(addressOf(base) +
                                     static_cast<std::uintptr_t>(index) * static_cast<std::uintptr_t>(elementFullSize_));
 }

@@ -17,7 +17,7 @@ inline unsigned lowestBit(std::uint64_t word) { return static_cast<unsigned>(__b
 inline void *choose(bool condition, void *first, void *second)
 {
     const std::uintptr_t mask = 0 - static_cast<std::uintptr_t>(condition);
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): one of the two
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): it is one of the two pointers
     return reinterpret_cast<void *>((addressOf(first) & mask) | (addressOf(second) & ~mask));
 }
 

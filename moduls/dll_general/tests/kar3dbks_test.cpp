@@ -4,6 +4,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -142,6 +143,7 @@ TEST(Kar3DBKS, PlaneTakesTheAxesAsPoints)
 
 TEST(Kar3DBKS, PlaneIsComputedAsStated)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(741);
     TestHash ofClass, ofPlain;
     for (int call = 0; call < 50000; ++call) {
@@ -233,6 +235,7 @@ TEST(ObjectAxes, SwitchExactlyAtOne64th)
 
 TEST(ObjectAxes, AreOrthogonalAndRightHandedForTenThousandNormals)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(742);
     TestHash ofClass, ofPlain;
     for (int call = 0; call < 10000; ++call) {

@@ -6,6 +6,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -560,6 +561,7 @@ void runPlain(unsigned operation, Three a, Three b, double v, TestHash &hash)
 
 TEST(Kar3DPoint, AMillionOperationsAreThoseOfThePlainTranscription)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(71);
     TestHash ofPoint, ofDimension, ofPlain;
     for (int call = 0; call < 500000; ++call) {
@@ -578,6 +580,7 @@ TEST(Kar3DPoint, AMillionOperationsAreThoseOfThePlainTranscription)
 
 TEST(Kar3DRange, UnionsAreThoseOfThePlainTranscription)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(72);
     TestHash ofClass, ofPlain;
     for (int call = 0; call < 200000; ++call) {
@@ -607,7 +610,7 @@ TEST(Kar3DRange, UnionsAreThoseOfThePlainTranscription)
 TEST(Kar3DPoint, AngleAndDistanceAreThoseOfTheirFormulas)
 {
     TestRandom random(73);
-    for (int call = 0; call < 100000; ++call) {
+    for (int call = 0, calls = testSteps(100000); call < calls; ++call) {
         const kar3D_Point a{mixedDouble(random), mixedDouble(random), mixedDouble(random)};
         const kar3D_Point b{mixedDouble(random), mixedDouble(random), mixedDouble(random)};
         ASSERT_TRUE(sameBits(a.AngleX(b), std::atan2(b.y() - a.y(), b.x() - a.x()))) << "seed 73, call " << call;

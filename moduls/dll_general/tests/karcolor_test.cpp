@@ -6,6 +6,7 @@
 #include "testhash.h"
 #include "testrandom.h"
 #include "vcolor.h"
+#include "teststeps.h"
 
 #include <climits>
 #include <cstdint>
@@ -278,6 +279,7 @@ TEST(KarColor, TheNamedIndicesHaveTheirColours)
 // Each byte of two numbers on its own, with plain integers.
 TEST(KarColor, AMillionStepsHaveTheHashOfPlainBytes)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1010);
     TestHash code;
     TestHash plain;

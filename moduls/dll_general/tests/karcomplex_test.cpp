@@ -3,6 +3,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -152,6 +153,7 @@ void addTranscription(TestHash &hash, double a, double b, double c, double d)
 
 TEST(KarComplex, MillionCallsHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(81);
     TestHash hash, expected;
     for (int step = 0; step < 125000; ++step) { // eight operations a step

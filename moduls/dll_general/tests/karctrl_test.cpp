@@ -4,6 +4,7 @@
 
 #include "silenthost.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -230,6 +231,13 @@ TEST(KarMessageBase, OutOfRangeAValueStaysWithTheCaller)
     delete value;
     EXPECT_EQ(message.getParam(0), nullptr);
     EXPECT_EQ(message.getParam(1), nullptr);
+}
+
+TEST(KarMessageBase, MayComeFromNew)
+{
+    karMessageBase *const message = new karMessageBase;
+    EXPECT_EQ(message->getParamCount(), 2);
+    delete message;
 }
 
 namespace {
@@ -495,7 +503,7 @@ TEST(KarMessage, RandomSequencesWithSharedIdsFollowAPlainList)
     karMessage list;
     std::vector<karMessageLBase *> plain;
     const auto id = [](karMessageLBase *element) { return static_cast<int>(element->getMessage()->getMessageID()); };
-    for (int step = 0; step < 60000; ++step) {
+    for (int step = 0, steps = testSteps(60000); step < steps; ++step) {
         const int wanted = random.between(0, 9);
         const unsigned at = plain.empty() ? 0 : random.below(static_cast<unsigned>(plain.size()));
         switch (random.below(8)) {

@@ -2,6 +2,7 @@
 #include "kardpoint.h"
 #include "testhash.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <cmath>
 #include <cstdint>
@@ -48,6 +49,7 @@ double anyPlace(TestRandom &random)
 
 TEST(KarD_PointModel, AgreesOverAMillionCalls)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 621;
     TestRandom random(seed);
     TestHash ours;
@@ -163,6 +165,7 @@ TEST(KarD_PointModel, AgreesOverAMillionCalls)
 
 TEST(KarD_PointModel, AgreesOverAMillionRotations)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 622;
     TestRandom random(seed);
     TestHash ours;
@@ -188,6 +191,7 @@ TEST(KarD_PointModel, AgreesOverAMillionRotations)
 // Angles come from the C library, so they are hashed in steps of 1e-6.
 TEST(KarD_PointModel, AgreesOverAMillionDirections)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 623;
     TestRandom random(seed);
     TestHash ours;
@@ -213,7 +217,7 @@ TEST(KarD_PointModel, KeepsLengthsAndComesBackFromARotation)
 {
     const std::uint64_t seed = 624;
     TestRandom random(seed);
-    for (int step = 0; step < 200000; ++step) {
+    for (int step = 0, steps = testSteps(200000); step < steps; ++step) {
         const karD_Point start(random.between(-1e4, 1e4), random.between(-1e4, 1e4));
         const karD_Point centre(random.between(-1e4, 1e4), random.between(-1e4, 1e4));
         const double angle = random.between(0.0, 6.28);

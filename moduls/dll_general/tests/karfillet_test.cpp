@@ -3,6 +3,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -316,7 +317,7 @@ struct Sector {
 TEST(Fillet, TouchesBothLinesAtItsRadiusInTheSectorOfThePickPoint)
 {
     TestRandom random(61);
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 61, step " << step);
         const Sector sector(random);
         const double radius = random.between(0.1, 5.0);
@@ -340,7 +341,7 @@ TEST(Fillet, TouchesBothLinesAtItsRadiusInTheSectorOfThePickPoint)
 TEST(Chamfer, HasTheLengthsAndTheAngle)
 {
     TestRandom random(62);
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 62, step " << step);
         Sector sector(random);
         const Lines g = sector.lines(random);
@@ -495,6 +496,7 @@ Lines randomLines(TestRandom &random)
 
 TEST(Fillet, MillionCallsHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(63);
     TestHash hash, expected;
     for (int step = 0; step < 500000; ++step) {
@@ -518,6 +520,7 @@ TEST(Fillet, MillionCallsHashToTheGoldenValue)
 
 TEST(Chamfer, CallsByAngleEqualTheSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(64);
     TestHash hash, expected, rounded;
     for (int step = 0; step < 250000; ++step) {

@@ -8,6 +8,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -165,6 +166,7 @@ bool isNumber(const double *values, int count)
 
 TEST(Incidence, MillionCallsWithoutTrigonometryHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(91);
     TestHash hash, expected;
     for (int step = 0; step < 100000; ++step) {
@@ -323,6 +325,7 @@ struct BothHashes {
 
 TEST(Incidence, MillionCallsWithTrigonometryEqualTheTranscription)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(92);
     BothHashes hash, expected;
     for (int step = 0; step < 100000; ++step) {

@@ -4,6 +4,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -242,7 +243,7 @@ TEST(NormDerivedElliptical, IsTheSpeedOnTheEllipse)
 TEST(NormDerivedElliptical, IsTheStatedFormula)
 {
     TestRandom random(90);
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         double p[4];
         for (double &parameter : p)
             parameter = step % 2 == 0 ? random.between(-4.0, 4.0) : mixedDouble(random);
@@ -377,6 +378,7 @@ int reached(const double *row, double eps)
 
 TEST(Integral, MillionCallsOfTheIntegrandHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(88);
     TestHash hash, expected;
     for (int step = 0; step < 8000; ++step) {

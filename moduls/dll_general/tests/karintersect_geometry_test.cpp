@@ -5,6 +5,7 @@
 #include "crossingreasons.h"
 #include "curvesteps.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +36,7 @@ double residual(const Ellipse &e, double x, double y)
 TEST(IntersectLine, ReportsAKnownCommonPointWithinItsLimits)
 {
     TestRandom random(41);
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 41, step " << step);
         const double angle = random.between(0.0, crossingFullTurn);
         const double other = random.between(0.0, crossingFullTurn);
@@ -60,7 +61,7 @@ TEST(IntersectLine, ReportsPointsOfBothCurves)
 {
     TestRandom random(42);
     int points = 0;
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 42, step " << step);
         const Ellipse e = randomWhole(random, step % 2 == 0);
         const double angle = random.between(0.0, crossingFullTurn);
@@ -82,14 +83,14 @@ TEST(IntersectLine, ReportsPointsOfBothCurves)
             ++points;
         }
     }
-    EXPECT_GT(points, 10000);
+    EXPECT_GT(points, testSteps(10000));
 }
 
 TEST(IntersectLine, OffTheLineLieOnlyPointsOfALineThroughThePointOfPi)
 {
     TestRandom random(43);
     int ofZero = 0, cancelled = 0;
-    for (int step = 0; step < 50000; ++step) {
+    for (int step = 0, steps = testSteps(50000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 43, step " << step);
         int n[8];
         for (int &number : n)
@@ -112,7 +113,7 @@ TEST(IntersectLine, OffTheLineLieOnlyPointsOfALineThroughThePointOfPi)
                 ++cancelled; // its first coefficient is rounding alone
         }
     }
-    EXPECT_GT(ofZero, 100);
+    EXPECT_GT(ofZero, testSteps(100));
     EXPECT_LT(cancelled, ofZero);
 }
 
@@ -143,7 +144,7 @@ TEST(IntersectEllipses, ReportPointsOfBothCurves)
 {
     TestRandom random(45);
     int points = 0, nearMisses = 0;
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 45, step " << step);
         Ellipse first = randomWhole(random, step % 2 == 0);
         Ellipse second = randomWhole(random, step % 2 == 0);
@@ -187,7 +188,7 @@ TEST(IntersectEllipses, ReportPointsOfBothCurves)
         }
         ASSERT_EQ(count, written);
     }
-    EXPECT_GT(points, 10000);
+    EXPECT_GT(points, testSteps(10000));
     EXPECT_GT(nearMisses, 10);
 }
 
@@ -246,7 +247,7 @@ TEST(PerpendicularPoints, ArePerpendicular)
 {
     TestRandom random(48);
     int points = 0;
-    for (int step = 0; step < 10000; ++step) {
+    for (int step = 0, steps = testSteps(10000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 48, step " << step);
         const Ellipse e = randomWhole(random, step % 8 == 0);
         const double px = random.between(-10.0, 10.0);
@@ -272,7 +273,7 @@ TEST(PerpendicularPoints, ArePerpendicular)
         for (int i = 2 * count; i < 8; ++i)
             ASSERT_EQ(0.0, at[i]);
     }
-    EXPECT_GT(points, 15000);
+    EXPECT_GT(points, testSteps(15000));
 }
 
 } // namespace

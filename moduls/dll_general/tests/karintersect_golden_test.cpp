@@ -6,6 +6,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -158,6 +159,7 @@ Ellipse randomEllipse(TestRandom &random, bool circle, bool rotated)
 
 TEST(IntersectLine, CallsWithoutRotationHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(81);
     Hashes hash, expected;
     for (int step = 0; step < 200000; ++step) {
@@ -185,6 +187,7 @@ TEST(IntersectLine, CallsWithoutRotationHashToTheGoldenValue)
 
 TEST(IntersectLine, CallsWithRotationEqualTheSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(82);
     Hashes hash, expected;
     for (int step = 0; step < 200000; ++step) {
@@ -205,6 +208,7 @@ TEST(IntersectLine, CallsWithRotationEqualTheSteps)
 
 TEST(IntersectEllipses, CallsWithoutRotationHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(83);
     Hashes hash, expected;
     for (int step = 0; step < 300000; ++step) {
@@ -231,6 +235,7 @@ TEST(IntersectEllipses, CallsWithoutRotationHashToTheGoldenValue)
 /// Runs that take many passes may take another road where the C library rounds a sine otherwise.
 TEST(IntersectEllipses, CallsWithRotationEqualTheSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(84);
     Hashes hash, expected;
     for (int step = 0; step < 300000; ++step) {
@@ -253,6 +258,7 @@ TEST(IntersectEllipses, CallsWithRotationEqualTheSteps)
 
 TEST(PerpendicularPoints, CallsWithoutRotationHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(85);
     Hashes hash, expected;
     for (int step = 0; step < 200000; ++step) {
@@ -274,6 +280,7 @@ TEST(PerpendicularPoints, CallsWithoutRotationHashToTheGoldenValue)
 
 TEST(PerpendicularPoints, CallsWithRotationEqualTheSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(86);
     Hashes hash, expected;
     for (int step = 0; step < 200000; ++step) {

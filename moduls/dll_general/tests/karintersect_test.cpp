@@ -4,6 +4,7 @@
 
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -611,7 +612,7 @@ TEST(IntersectArcArc, AFirstRadiusBelowAHundredthGivesNothing)
 TEST(IntersectArcArc, IsTheTwoEllipsesOfEqualAxes)
 {
     TestRandom random(73);
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         double v[10];
         for (double &value : v)
             value = mixedDouble(random);
@@ -765,7 +766,7 @@ TEST(IntersectEllipses, BoundedFormEndsOnAnyBitsAndEqualsTheUnboundedOne)
 {
     TestRandom random(74);
     int settled = 0;
-    for (int step = 0; step < 60000; ++step) {
+    for (int step = 0, steps = testSteps(60000); step < steps; ++step) {
         double v[14];
         for (double &value : v)
             value = random.below(4) == 0 ? rawDouble(random) : random.between(-3.0, 3.0);
@@ -785,14 +786,14 @@ TEST(IntersectEllipses, BoundedFormEndsOnAnyBitsAndEqualsTheUnboundedOne)
         if (crossingOfArcs(first, second, mask, passesOfArcs).count >= 0 && passesOfArcs >= 0)
             crossingOfArcs(first, second, mask); // compares both forms
     }
-    EXPECT_GT(settled, 50000);
+    EXPECT_GT(settled, testSteps(50000));
 }
 
 TEST(PerpendicularPoints, BoundedFormEndsOnAnyBitsAndEqualsTheUnboundedOne)
 {
     TestRandom random(75);
     int settled = 0;
-    for (int step = 0; step < 60000; ++step) {
+    for (int step = 0, steps = testSteps(60000); step < steps; ++step) {
         double v[9];
         for (double &value : v)
             value = random.below(4) == 0 ? rawDouble(random) : random.between(-3.0, 3.0);
@@ -807,7 +808,7 @@ TEST(PerpendicularPoints, BoundedFormEndsOnAnyBitsAndEqualsTheUnboundedOne)
         ++settled;
         EXPECT_TRUE(bounded.isSameAs(feet(v[0], v[1], e))) << "seed 75, step " << step;
     }
-    EXPECT_GT(settled, 40000);
+    EXPECT_GT(settled, testSteps(40000));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "karmemgb.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -339,6 +340,20 @@ TEST(ListSort, OneElementStaysAndCurrentIsCleared)
     expectWellFormed(list);
 }
 
+TEST(ListSort, FindsTheEndOfAListThatHasNoLastElement)
+{
+    for (const int length : {1, 2, 3, 7, 20}) {
+        std::vector<int> keys;
+        for (int i = 0; i < length; ++i)
+            keys.push_back(i);
+        List list(keys);
+        list.head.ListLast(nullptr);
+        list.head.sortByKey();
+        EXPECT_EQ(list.head.ListFirst(), &list.elements[static_cast<std::size_t>(length) - 1]);
+        EXPECT_EQ(list.head.ListLast(), list.head.ListFirst()->last()) << length;
+    }
+}
+
 TEST(ListSort, DifferenceSortsInDescendingOrder)
 {
     List five({2, 5, 1, 4, 3});
@@ -514,10 +529,10 @@ public:
 
 TEST(ListSort, SortsAMillionElementsOnASmallStackWithoutMemory)
 {
-    const int count = 1000000;
+    const int count = testSteps(1000000);
     const std::uint64_t seed = 324;
     TestRandom random(seed);
-    std::vector<Element> elements(count);
+    std::vector<Element> elements(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) // in the order of their places, linked by hand
         elements[static_cast<std::size_t>(i)].key = random.between(0, 1 << 30);
     DepthHead head;

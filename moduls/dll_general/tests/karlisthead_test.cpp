@@ -6,6 +6,7 @@
 #include "karmemgb.h"
 #include "testrandom.h"
 #include "testslot.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -279,6 +280,21 @@ TEST(KarListHeadObject, InsertInTheMiddleChangesCurrentAlone)
     EXPECT_EQ(head.state(), "acb abc");
 }
 
+TEST(KarListHeadObject, InsertBehindTheEndOfAForeignChainMakesItLonger)
+{
+    Head head;
+    auto *const a = new Element('a');
+    head.ListAppend(a);
+    Element end('e');
+    Element b('b');
+    EXPECT_EQ(head.ListInsert(&b, &end), &b);
+    EXPECT_EQ(end.next(), &b);
+    EXPECT_EQ(b.prev(), &end);
+    EXPECT_EQ(b.next(), nullptr);
+    EXPECT_EQ(head.state(), "a aab");
+    head.ListCurrent(nullptr);
+}
+
 TEST(KarListHeadObject, UnchainGivesTheElementBackAlive)
 {
     dead.clear();
@@ -494,7 +510,7 @@ TEST(KarListHeadObject, RandomStepsFollowAPlainModel)
             element = element->next();
         return element;
     };
-    for (int step = 0; step < 5000; ++step) {
+    for (int step = 0, steps = testSteps(5000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed " << seed << " step " << step);
         const unsigned what = random.below(6);
         if (what < 3 && !free.empty()) {

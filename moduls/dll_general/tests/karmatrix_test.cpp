@@ -6,6 +6,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -599,7 +600,7 @@ void identity(Plain &m)
 TEST(KarMatrix, RotationAboutThreeAxesIsTheStatedClosedForm)
 {
     TestRandom random(731);
-    for (int call = 0; call < 10000; ++call) {
+    for (int call = 0, calls = testSteps(10000); call < calls; ++call) {
         const double a = random.between(-7.0, 7.0), b = random.between(-7.0, 7.0), c = random.between(-7.0, 7.0);
         const double cA = std::cos(a), sA = std::sin(a), cB = std::cos(b), sB = std::sin(b);
         const double cC = std::cos(c), sC = std::sin(c);
@@ -668,7 +669,7 @@ karMatrix randomFactory(TestRandom &random, Plain &m)
 TEST(KarMatrix, CompositionsOfFactoriesMovePositionsLikePlainMatrices)
 {
     TestRandom random(732);
-    for (int run = 0; run < 5000; ++run) {
+    for (int run = 0, runs = testSteps(5000); run < runs; ++run) {
         Plain plain, factor, product;
         karMatrix composed = randomFactory(random, plain);
         for (unsigned steps = random.below(6); steps > 0; --steps) {
@@ -747,6 +748,7 @@ TEST(Kar3DPoint, KeepsItselfOrBecomesNullWithAMatrixOfAnotherSize)
 
 TEST(Kar3DPoint, AMillionApplicationsAreThoseOfThePlainTranscription)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(733);
     TestHash ofClass, ofPlain;
     Plain m;
@@ -772,6 +774,7 @@ TEST(Kar3DPoint, AMillionApplicationsAreThoseOfThePlainTranscription)
 
 TEST(KarMatrix, ProductsSumsAndScalingsAreThoseOfThePlainTranscription)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(734);
     TestHash ofClass, ofPlain;
     const auto add = [&ofClass](const karMatrix &m) {

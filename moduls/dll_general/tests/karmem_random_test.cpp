@@ -4,6 +4,7 @@
 
 #include "mempeek.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -221,7 +222,7 @@ TEST(KarPageMemory, MillionRandomStepsAgreeWithPlainScans)
                       {100, 100, 150000, 900}, {333, 7, 100000, 600}, {2, 3000, 50000, 500}, {5000, 30, 100000, 400}};
     std::uint64_t seed = 1;
     for (const auto &run : runs)
-        runPool(seed++, run.size, run.perPage, run.steps, run.most, true);
+        runPool(seed++, run.size, run.perPage, testSteps(run.steps), run.most, true);
 }
 
 TEST(KarPageMemory, ThousandsOfPagesAreServedFromTheFront)
@@ -297,7 +298,7 @@ TEST(KarGlobalMemory, MillionRandomStepsAgreeWithPlainScans)
             pages += sizeClass.plain.pageCount();
         return pages;
     };
-    for (int step = 0; step < 1000000; ++step) {
+    for (int step = 0, steps = testSteps(1000000); step < steps; ++step) {
         if (step % 20000 == 0)
             wanted = random.below(3) ? random.below(3000) : 0;
         if (random.below(100) < (live.size() < wanted ? 65u : 35u)) {

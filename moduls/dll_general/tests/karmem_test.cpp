@@ -80,6 +80,7 @@ public:
     using karPage::elementCount;
     using karPage::elementFullSize;
     using karPage::firstFreeElement;
+    using karPage::initBasis;
     using karPage::karPage;
     std::ptrdiff_t freeListOffset() const { return offsetIn(*this, firstFreeElement_); }
     std::ptrdiff_t basisEnd() const { return offsetIn(*this, elementUsed_) + 4; }
@@ -416,6 +417,10 @@ TEST(KarPage, WithoutStorageHasZeroSizesAndNoElement)
         EXPECT_EQ(page.elementCount(), 0);
         EXPECT_EQ(page.canInsertElement(), 0);
         EXPECT_EQ(page.newElement(), nullptr);
+        void *p = &page; // an address of its own it has none
+        page.deleteElement(p);
+        EXPECT_EQ(p, nullptr);
+        EXPECT_EQ(page.newElement(), nullptr);
         EXPECT_TRUE(page.isValid());
     }
     if (sizeof(void *) > 4) { // the distance of 2^31 bytes is no int
@@ -499,23 +504,48 @@ TEST(KarPage, AnAddressBesideTheStartOfAnElementIsNotLinked)
     EXPECT_EQ(page.elementUsed(), 1);
 }
 
-TEST(KarPage, DamagedLinksDoNotMisleadTheReleaseOfALiveElement)
+TEST(KarPage, ReleaseFollowsADamagedFreeListNoFurtherThanThePage)
 {
-    karPage page(nullptr, 32, 5);
-    void *elements[5];
-    for (void *&element : elements)
-        element = page.newElement();
-    void *p = elements[0];
-    page.deleteElement(p);
-    std::memset(elements[0], 0x7f, 32); // used after its release
-    // Two live elements hold links to each other, as free ones would, so that the damaged list is looked through.
-    void *const links[2] = {nullptr, elements[2]};
-    std::memcpy(elements[1], links, sizeof links);
-    std::memcpy(elements[2], &elements[1], sizeof elements[1]);
-    p = elements[1];
-    page.deleteElement(p);
-    EXPECT_EQ(page.elementUsed(), 3);
-    EXPECT_EQ(page.newElement(), elements[1]);
+    for (const bool endless : {true, false}) {
+        karPage page(nullptr, 32, 4);
+        void *elements[4];
+        for (void *&element : elements)
+            element = page.newElement();
+        void *p = elements[0];
+        page.deleteElement(p);
+        // The only free element leads to itself, or out of the page; two live ones hold links to each other.
+        void *const damaged[2] = {endless ? elements[0] : &page, nullptr};
+        std::memcpy(elements[0], damaged, sizeof damaged);
+        void *const links[2] = {nullptr, elements[2]};
+        std::memcpy(elements[1], links, sizeof links);
+        void *const back[2] = {elements[1], nullptr};
+        std::memcpy(elements[2], back, sizeof back);
+        p = elements[1];
+        page.deleteElement(p);
+        EXPECT_EQ(page.elementUsed(), 2);
+        EXPECT_EQ(page.newElement(), elements[1]);
+    }
+}
+
+TEST(KarPage, AssignedToItselfStays)
+{
+    karPage page(nullptr, 16, 2);
+    void *const first = page.newElement();
+    const karPage &same = page;
+    page = same;
+    EXPECT_EQ(page.elementUsed(), 1);
+    EXPECT_EQ(page.newElement(), static_cast<char *>(first) - 16);
+    EXPECT_TRUE(page.isValid());
+}
+
+TEST(KarPage, WithoutAPoolTakesTheFieldsOfAnother)
+{
+    karPage source(nullptr, 16, 2);
+    Page page(nullptr, 16, 0);
+    static_cast<karPage &>(page) = source;
+    EXPECT_EQ(page.PageBegin(), source.PageBegin());
+    EXPECT_EQ(page.newElement(), static_cast<char *>(source.PageBegin()) + 16);
+    page.initBasis(); // the storage goes with the source
 }
 
 // ---- Pool
@@ -1015,6 +1045,31 @@ TEST(KarPageMemory, AppendAndDeletePageByHand)
     EXPECT_EQ(PoolPeek::firstOf(pool), b);
     EXPECT_EQ(pool.getAnzElem(), 1);
     EXPECT_TRUE(pool.isValid());
+}
+
+TEST(KarPageMemory, PagesAppendedByHandAreUsedFirstToLast)
+{
+    PoolPeek pool(16, 1);
+    std::vector<karPage *> pages;
+    for (int i = 0; i < 200; ++i)
+        pages.push_back(pool.appendPage());
+    EXPECT_TRUE(pool.isValid());
+    for (karPage *const page : pages)
+        EXPECT_EQ(pool.newElement(), page->firstPageElement());
+    EXPECT_EQ(PoolPeek::pages(pool), 200);
+    EXPECT_TRUE(pool.isValid());
+}
+
+TEST(KarPageMemory, AssignedToItselfKeepsItsPages)
+{
+    karPageMemory pool(16, 4);
+    void *p = pool.newElement();
+    const karPageMemory &same = pool;
+    pool = same;
+    EXPECT_TRUE(pool.isValid());
+    pool.deleteElement(p);
+    EXPECT_EQ(p, nullptr);
+    EXPECT_EQ(PoolPeek::pages(pool), 0);
 }
 
 TEST(KarPageMemory, ElementsAreAlignedForTheirLinks)

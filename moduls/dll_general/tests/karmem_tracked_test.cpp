@@ -4,9 +4,11 @@
 #include "failalloc.h"
 #include "mempeek.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <list>
@@ -124,6 +126,10 @@ TEST(KarMemory_Entry, StandsAtTheEndAndHoldsItsFields)
     alone = c;
     EXPECT_EQ(alone.prev(), &b);
     EXPECT_EQ(alone.hsize(), 25);
+    const karMemory_Entry &same = alone;
+    alone = same;
+    EXPECT_EQ(alone.prev(), &b);
+    EXPECT_EQ(alone.hsize(), 25);
     alone.prev(nullptr);
     karMemory_Entry copy(b);
     EXPECT_EQ(copy.prev(), &a);
@@ -142,6 +148,7 @@ TEST(KarFile_EntryZ, StandsAtTheEndAndHoldsItsFields)
     EXPECT_EQ(b.hsize(), 50);
     EXPECT_EQ(a.next(), &b);
     EXPECT_EQ(b.set_besideIt(), &a);
+    EXPECT_EQ(a.set_besideIt(), &b);
     EXPECT_EQ(a.GetType(), 60);
     EXPECT_EQ(a.ListObjectOk(), 1);
     a.hentry(stderr);
@@ -398,7 +405,7 @@ TEST(KarMemory, LongRandomSequenceAgreesWithAPlainList)
     long sum = 0;
     long highest = 0;
     std::size_t wanted = 0;
-    for (int step = 0; step < 300000; ++step) {
+    for (int step = 0, steps = testSteps(300000); step < steps; ++step) {
         if (step % 5000 == 0)
             wanted = random.below(60);
         void *const p = places + random.below(40); // many addresses twice
@@ -474,6 +481,30 @@ TEST(KarMemory, DeleteAllPassesOverARecordWithoutABlock)
     MemoryPeek::tailOf(memory)->hentry(nullptr);
     EXPECT_EQ(memory.delete_all(), 1);
     EXPECT_EQ(MemoryPeek::tailOf(memory), nullptr);
+}
+
+TEST(KarMemory, DeleteAllPassesOverAddressesTooLowForABlock)
+{
+    Memory memory;
+    for (std::uintptr_t address = 1; address <= 4; ++address) {
+        void *p;
+        std::memcpy(&p, &address, sizeof p);
+        memory.dxnew(p, 5);
+    }
+    EXPECT_EQ(memory.delete_all(), 1);
+    EXPECT_EQ(memory.curr_used_memory(), 20);
+}
+
+TEST(KarMemory, AssignedToItselfKeepsItsRecords)
+{
+    karMemory memory;
+    for (int i = 0; i < 20; ++i)
+        memory.dxnew(places + i, 1);
+    const karMemory &same = memory;
+    memory = same;
+    EXPECT_EQ(memory.curr_used_memory(), 20);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(forget(memory, places + i));
 }
 
 TEST(KarMemory, DeleteAllOfRecordsWithoutSizeGives0)
@@ -555,6 +586,20 @@ TEST(KarMemory, OneCallClosesOneFileLatestFirst)
     EXPECT_EQ(memory.xfclose_all(), 1);
 }
 
+TEST(KarMemory, LatestFileIsClosedFirstWhateverRecordIsEntered)
+{
+    const TestFile file("karmem_tracked_test_entered.tmp", 10);
+    karMemory memory;
+    std::FILE *const a = memory.xfopen(file.c_str(), "rb");
+    karFile_EntryZ *const older = MemoryPeek::filesOf(memory);
+    memory.xfopen(file.c_str(), "rb");
+    MemoryPeek::filesOf(memory) = older;
+    EXPECT_EQ(memory.xfclose_all(), 0);
+    EXPECT_EQ(MemoryPeek::filesOf(memory), older);
+    EXPECT_EQ(memory.xfclose(a), 0);
+    EXPECT_EQ(memory.xfclose_all(), 1);
+}
+
 TEST(KarMemory, RecordWithoutAStreamIsDroppedAlone)
 {
     const TestFile file("karmem_tracked_test_null.tmp", 10);
@@ -614,7 +659,7 @@ TEST(KarMemory, CopiesOverlappingRangesInBothDirections)
     karMemory memory;
     constexpr std::uint64_t seed = 7;
     TestRandom random(seed);
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0, rounds = testSteps(20000); round < rounds; ++round) {
         unsigned char bytes[96];
         unsigned char expected[96];
         for (int i = 0; i < 96; ++i)

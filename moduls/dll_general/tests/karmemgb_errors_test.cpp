@@ -231,6 +231,21 @@ TEST(ForeignAddresses, WithAnyHeaderReleaseNothing)
     KarDellocMemory(keeper);
 }
 
+TEST(ForeignAddresses, InAHeapBlockTooShortForGuardsReleaseNothing)
+{
+    auto *const block = static_cast<char *>(__AllocMemory(6));
+    const unsigned header = 6; // as a block of the allocator would have it
+    std::memcpy(block, &header, sizeof header);
+    const State before;
+    {
+        const Mark cleared(0);
+        KarDellocMemory(block + 4);
+    }
+    EXPECT_TRUE(State() == before);
+    EXPECT_EQ(__MemorySize(block, 0), 6u);
+    __FreeMemory(block);
+}
+
 TEST(ForeignAddresses, InsideAPoolBlockCountAsAReleaseAndDoNotBecomeFree)
 {
     char *const a = static_cast<char *>(KarAllocMemory(500));

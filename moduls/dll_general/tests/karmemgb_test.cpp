@@ -441,6 +441,17 @@ TEST(EntryPoints, PlacementFormAllocatesForANullOnly)
     EXPECT_EQ(KarAllocMemory(0u, static_cast<void *>(nullptr)), nullptr);
 }
 
+TEST(EntryPoints, SizesOfObjectsAndArraysBeyond32BitsGiveNull)
+{
+    EXPECT_EQ(karListObjectNV::operator new(kar::largestObject + 1), nullptr);
+    EXPECT_EQ(karListObjectNV::operator new(kar::largestObject + 1, nullptr), nullptr);
+    EXPECT_EQ(kar::allocArray(0x20000000u, 8), nullptr);
+    EXPECT_EQ(kar::allocArray(0xffffffffu, 0), nullptr); // nothing, of whatever count
+    void *const p = karListObjectNV::operator new(24, nullptr);
+    ASSERT_NE(p, nullptr);
+    karListObjectNV::operator delete(p);
+}
+
 TEST(EntryPoints, FormsWithFileAndLineAllocateAlike)
 {
     char file[] = "file";

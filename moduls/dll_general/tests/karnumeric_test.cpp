@@ -1,6 +1,7 @@
 // Integer arithmetic that wraps, and the way from a real to an int.
 #include "karnumeric.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <climits>
 #include <cstdint>
@@ -58,7 +59,7 @@ TEST(KarNumeric, AgreesWith64BitArithmetic)
         v = (v % 4294967296 + 4294967296) % 4294967296;
         return static_cast<int>(v >= 2147483648 ? v - 4294967296 : v);
     };
-    for (int step = 0; step < 100000; ++step) {
+    for (int step = 0, steps = testSteps(100000); step < steps; ++step) {
         const int a = random.anyInt();
         const int b = random.anyInt();
         ASSERT_EQ(kar::wrapAdd(a, b), wrapped(std::int64_t{a} + b)) << "seed " << seed << ", step " << step;

@@ -3,6 +3,7 @@
 
 #include "testhash.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <climits>
 #include <cmath>
@@ -407,7 +408,7 @@ TEST(PlacedCopy, ABoxHasItsTwoCornersPlacedAndIsNotNormalised)
 TEST(PlacedCopy, FollowsThePlainMatrixOfItsSteps)
 {
     TestRandom random(1020);
-    for (int i = 0; i < 50000; ++i) {
+    for (int i = 0, count = testSteps(50000); i < count; ++i) {
         const double sx = random.between(-4.0, 4.0);
         const double sy = random.between(-4.0, 4.0);
         const int angle = random.between(-5000000, 5000000);
@@ -480,6 +481,7 @@ void plainPlace(const PlainBlock &p, double &x, double &y)
 // Right angles and no slope: nothing of the C library's trigonometry takes part, so every bit is compared.
 TEST(PlacedCopy, AMillionPointsAtRightAnglesHaveTheHashOfThePlainSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1021);
     TestHash code;
     TestHash plain;
@@ -509,6 +511,7 @@ TEST(PlacedCopy, AMillionPointsAtRightAnglesHaveTheHashOfThePlainSteps)
 // Any angle and slope: the places are hashed on the grid, where a last bit of a sine doesn't show.
 TEST(PlacedCopy, AMillionGridPointsHaveTheHashOfThePlainSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1022);
     TestHash code;
     TestHash plain;
@@ -538,6 +541,7 @@ TEST(PlacedCopy, AMillionGridPointsHaveTheHashOfThePlainSteps)
 // Chains of combinations; the fields are whole numbers and products of powers of two, exact on every target.
 TEST(KarParamBlock, AMillionCombinationsHaveTheHashOfThePlainSums)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1023);
     TestHash code;
     TestHash plain;

@@ -4,6 +4,7 @@
 #include "silenthost.h"
 #include "testrandom.h"
 #include "testslot.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -397,7 +398,7 @@ TEST_F(KarPercent, RandomSequencesFollowThePlainStack)
     constexpr std::uint64_t seed = 20260105;
     TestRandom random(seed);
     PlainStack plain;
-    for (int step = 0; step < 300000; ++step) {
+    for (int step = 0, steps = testSteps(300000); step < steps; ++step) {
         switch (random.below(12)) {
         case 0:
             if (plain.layers.size() < 6) {

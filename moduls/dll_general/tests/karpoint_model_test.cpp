@@ -2,6 +2,7 @@
 #include "karpoint.h"
 #include "testhash.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <cmath>
 #include <cstdint>
@@ -67,6 +68,7 @@ int anyPlace(TestRandom &random) { return random.below(2) ? random.anyInt() : ra
 
 TEST(KarPointModel, AgreesOverAMillionCallsOfItsArithmetic)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 601;
     TestRandom random(seed);
     TestHash ours;
@@ -162,6 +164,7 @@ TEST(KarPointModel, AgreesOverAMillionCallsOfItsArithmetic)
 
 TEST(KarPointModel, AgreesOverAMillionRotations)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 602;
     TestRandom random(seed);
     TestHash ours;
@@ -191,6 +194,7 @@ TEST(KarPointModel, AgreesOverAMillionRotations)
 // Coordinates up to 10000 keep a last-bit difference between trigonometry libraries away from the truncation.
 TEST(KarPointModel, AgreesOverRotationsByAngles)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 603;
     TestRandom random(seed);
     TestHash ours;
@@ -222,7 +226,7 @@ TEST(KarPointModel, LosesLessThanTwoUnitsAStepAndFiveThereAndBack)
     const std::uint64_t seed = 604;
     TestRandom random(seed);
     int worst = 0;
-    for (int step = 0; step < 200000; ++step) {
+    for (int step = 0, steps = testSteps(200000); step < steps; ++step) {
         const karPoint start(random.between(-100000, 100000), random.between(-100000, 100000));
         const int cx = random.between(-1000, 1000);
         const int cy = random.between(-1000, 1000);
@@ -246,7 +250,7 @@ TEST(KarPointModel, OrdersByCmpWhereNothingWraps)
 {
     const std::uint64_t seed = 605;
     TestRandom random(seed);
-    for (int step = 0; step < 100000; ++step) {
+    for (int step = 0, steps = testSteps(100000); step < steps; ++step) {
         const karPoint a(random.between(-5, 5), random.between(-5, 5));
         const karPoint b(random.between(-5, 5), random.between(-5, 5));
         const int lineByLine = (a.y() - b.y()) * 100 + (a.x() - b.x()); // rows of a raster, then places in a row

@@ -2,6 +2,7 @@
 #include "karrect.h"
 #include "testhash.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -115,6 +116,7 @@ int asInt(bool value) { return value ? 1 : 0; }
 // One box lives through the whole run, so the stores meet ordered, touching and inverted boxes.
 TEST(KarD_RectModel, AgreesOverAMillionCalls)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 631;
     TestRandom random(seed);
     TestHash ours;
@@ -265,6 +267,7 @@ TEST(KarD_RectModel, AgreesOverAMillionCalls)
 
 TEST(KarRectModel, AgreesOverAMillionCalls)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     const std::uint64_t seed = 632;
     TestRandom random(seed);
     TestHash ours;
@@ -354,7 +357,7 @@ TEST(KarRectModel, IntersectsAndUnitesLikeSetsOfGridPoints)
 {
     const std::uint64_t seed = 633;
     TestRandom random(seed);
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         int v[8];
         for (int &value : v)
             value = random.between(0, 9);
@@ -412,7 +415,7 @@ TEST(KarD_RectModel, StaysOrderedUnderOrderedStores)
     const std::uint64_t seed = 634;
     TestRandom random(seed);
     karD_Rect r(0, 0, 1, 1);
-    for (int step = 0; step < 200000; ++step) {
+    for (int step = 0, steps = testSteps(200000); step < steps; ++step) {
         const karD_Point p(random.between(-9.0, 9.0), anyPlace(random));
         switch (random.below(4)) {
         case 0:
@@ -439,7 +442,7 @@ TEST(KarRectModel, TurnsEachCornerLikeAPoint)
 {
     const std::uint64_t seed = 635;
     TestRandom random(seed);
-    for (int step = 0; step < 100000; ++step) {
+    for (int step = 0, steps = testSteps(100000); step < steps; ++step) {
         const karRect start = plainGrid(random.between(-999, 999), random.between(-999, 999), random.between(-999, 999),
                                         random.between(-999, 999));
         const double angle = random.between(-7.0, 7.0);

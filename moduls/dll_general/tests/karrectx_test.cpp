@@ -3,6 +3,7 @@
 
 #include "testhash.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <algorithm>
 #include <climits>
@@ -145,7 +146,7 @@ TEST(KarRectX, CornersWrapBeforeTheyTurn)
 TEST(KarRectX, TurningAnywhereStaysWithinTwoUnitsOfThePlainMatrix)
 {
     TestRandom random(1030);
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0, count = testSteps(100000); i < count; ++i) {
         const int x = random.between(-1000, 1000);
         const int y = random.between(-1000, 1000);
         const int width = random.between(-500, 500);
@@ -285,7 +286,7 @@ TEST(KarRectX, NormLageEndsWhereAFullTurnNoLongerChangesTheAngle)
 TEST(KarRectX, NormLageMovesTheCornersByTwoUnitsAtMost)
 {
     TestRandom random(1032);
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0, count = testSteps(100000); i < count; ++i) {
         karRectX box(karPoint(random.between(-1000, 1000), random.between(-1000, 1000)), random.between(0, 500),
                      random.between(0, 500), random.between(-20.0, 20.0));
         const karRectX before = box;
@@ -337,7 +338,7 @@ TEST(KarRectX, ExtentOfABoxThatHardlyTurnsGoesByTwoCorners)
 TEST(KarRectX, ExtentOfABoxWellTurnedHoldsTheFourCorners)
 {
     TestRandom random(1033);
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0, count = testSteps(100000); i < count; ++i) {
         const double angle = random.between(-7.0, 7.0);
         if (std::fabs(std::sin(2 * angle)) < 0.2)
             continue;
@@ -435,7 +436,7 @@ TEST(KarRectX, APointIsInWhereThePlainTestIsClear)
     TestRandom random(1034);
     int inside = 0;
     int outside = 0;
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0, count = testSteps(100000); i < count; ++i) {
         const int x = random.between(-200, 200);
         const int y = random.between(-200, 200);
         const int width = random.between(50, 400);
@@ -459,8 +460,8 @@ TEST(KarRectX, APointIsInWhereThePlainTestIsClear)
             ASSERT_FALSE(in) << "step " << i;
         }
     }
-    EXPECT_GT(inside, 2000);
-    EXPECT_GT(outside, 2000);
+    EXPECT_GT(inside, testSteps(2000));
+    EXPECT_GT(outside, testSteps(2000));
 }
 
 TEST(KarRectX, IsFullInABoxWithAllFourCorners)
@@ -746,6 +747,7 @@ karRectX turnedBox(const Plain &box)
 
 TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1040);
     TestHash code;
     TestHash plain;
@@ -787,6 +789,7 @@ TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
 
 TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1041);
     TestHash code;
     TestHash plain;
@@ -815,6 +818,7 @@ TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
 
 TEST(KarRectX, AMillionViewsHaveTheHashOfThePlainSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1042);
     TestHash code;
     TestHash plain;
@@ -840,7 +844,7 @@ TEST(KarRectX, AMillionViewsHaveTheHashOfThePlainSteps)
 TEST(KarRectX, AnyNumbersAreAnswered)
 {
     TestRandom random(1043);
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0, count = testSteps(20000); i < count; ++i) {
         const auto any = [&] {
             return random.below(4) == 0 ? (random.below(2) == 0 ? INT_MIN : INT_MAX) : random.anyInt();
         };

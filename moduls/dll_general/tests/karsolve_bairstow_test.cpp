@@ -5,6 +5,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -288,7 +289,7 @@ TEST(Eqbairstow, LimitHoldsForEachFactorAndKeepsTheRootsOfThoseBefore)
     EXPECT_EQ(2, passes);
     TestRandom random(94);
     int partial = 0;
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         std::vector<double> a(static_cast<std::size_t>(random.between(6, 7)));
         for (double &coefficient : a)
             coefficient = random.between(-10.0, 10.0);
@@ -347,7 +348,7 @@ TEST(Eqbairstow, FindsChosenRootsInTheStatedOrder)
 {
     TestRandom random(4);
     int settled = 0;
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 4, step " << step);
         Roots roots;
         const int degree = random.between(3, 4);
@@ -381,7 +382,7 @@ TEST(Eqbairstow, FindsChosenRootsInTheStatedOrder)
         if (HasFailure())
             return;
     }
-    EXPECT_GT(settled, 8000);
+    EXPECT_GT(settled, testSteps(8000));
 }
 
 TEST(Eqbairstow, FindsDoubleRootsWithFewerDigits)
@@ -409,7 +410,7 @@ TEST(EqBairstow, FindsComplexRootsInTheStatedOrder)
 {
     TestRandom random(5);
     int settled = 0;
-    for (int step = 0; step < 10000; ++step) {
+    for (int step = 0, steps = testSteps(10000); step < steps; ++step) {
         SCOPED_TRACE(testing::Message() << "seed 5, step " << step);
         Roots roots;
         const int degree = random.between(3, 4);
@@ -439,7 +440,7 @@ TEST(EqBairstow, FindsComplexRootsInTheStatedOrder)
         if (HasFailure())
             return;
     }
-    EXPECT_GT(settled, 4000);
+    EXPECT_GT(settled, testSteps(4000));
 }
 
 TEST(EqBairstow, SingleRootKeepsTheRealPartOfItsQuotient)
@@ -564,6 +565,7 @@ void addRealSteps(TestHash &hash, int n, const double *a, double eps, int limit)
 
 TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(84);
     TestHash hash, expected;
     for (int step = 0; step < 100000; ++step) {
@@ -615,6 +617,7 @@ void addComplexSteps(TestHash &hash, int n, const karComplex *a, const karComple
 
 TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(85);
     TestHash hash, expected;
     for (int step = 0; step < 30000; ++step) {
@@ -645,7 +648,7 @@ TEST(Eqbairstow, BoundedFormEqualsTheOtherWhereThatEnds)
 {
     TestRandom random(86);
     int ended = 0;
-    for (int step = 0; step < 50000; ++step) {
+    for (int step = 0, steps = testSteps(50000); step < steps; ++step) {
         std::vector<double> a(static_cast<std::size_t>(random.between(1, 7)));
         for (double &coefficient : a)
             coefficient = step % 2 == 0 ? random.anyDouble() : mixedDouble(random);
@@ -663,14 +666,14 @@ TEST(Eqbairstow, BoundedFormEqualsTheOtherWhereThatEnds)
         other.solve(eps);
         ASSERT_TRUE(bounded.isSameAs(other)) << "seed 86, step " << step;
     }
-    EXPECT_GT(ended, 30000);
+    EXPECT_GT(ended, testSteps(30000));
 }
 
 TEST(EqBairstow, BoundedFormEqualsTheOtherWhereThatEnds)
 {
     TestRandom random(87);
     int ended = 0;
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         const auto number = [&] { return step % 2 == 0 ? random.anyDouble() : mixedDouble(random); };
         std::vector<karComplex> a(static_cast<std::size_t>(random.between(1, 7)));
         for (karComplex &coefficient : a) {
@@ -696,7 +699,7 @@ TEST(EqBairstow, BoundedFormEqualsTheOtherWhereThatEnds)
         other.solve(p, q, eps);
         ASSERT_TRUE(bounded.isSameAs(other)) << "seed 87, step " << step;
     }
-    EXPECT_GT(ended, 10000);
+    EXPECT_GT(ended, testSteps(10000));
 }
 
 // Solve_Polynom_Roots
@@ -817,6 +820,7 @@ std::vector<double> matrixRoots(std::vector<double> a, int limit)
 
 TEST(SolvePolynomRoots, AnyDegreeEqualsTheStepsWrittenOut)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(89);
     TestHash hash, expected;
     int ended = 0;

@@ -4,6 +4,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -59,7 +60,7 @@ bool isRoundedQuotient(double computed, const Exact &numerator, const Exact &den
 TEST(Solve2x2Matrix, IsTheRoundedQuotientForIntegerSystems)
 {
     TestRandom random(1);
-    for (int step = 0; step < 5000; ++step) {
+    for (int step = 0, steps = testSteps(5000); step < steps; ++step) {
         double m[6];
         for (double &element : m)
             element = random.between(-1000000, 1000000); // products and their difference are exact
@@ -84,7 +85,7 @@ TEST(CalculateDeterminante, GivesTheStatedProducts)
 TEST(CalculateDeterminante, IsExactForSmallIntegersAndCloseForReals)
 {
     TestRandom random(2);
-    for (int step = 0; step < 5000; ++step) {
+    for (int step = 0, steps = testSteps(5000); step < steps; ++step) {
         const bool integers = step % 2 == 0;
         double m[9];
         for (double &element : m)
@@ -203,7 +204,7 @@ TEST(Gausstridiag, TheRightSideMayLieInTheMatrix)
 TEST(Gausstridiag, LeavesResidualsOfRoundingOnly)
 {
     TestRandom random(3);
-    for (int step = 0; step < 5000; ++step) {
+    for (int step = 0, steps = testSteps(5000); step < steps; ++step) {
         double A[2][2], b[2], x[2];
         for (int row = 0; row < 2; ++row) {
             A[row][0] = random.between(-10.0, 10.0);
@@ -502,6 +503,7 @@ void addComplex(TestHash &hash, TestHash &expected, double a, double b, double c
 
 TEST(QuadraticSolvers, MillionCallsHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(82);
     TestHash hash, expected;
     for (int step = 0; step < 250000; ++step) { // four solvers
@@ -552,6 +554,7 @@ int eliminate(const double (*A)[2], double *b, int n)
 
 TEST(LinearSolvers, MillionCallsHashToTheGoldenValue)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(83);
     TestHash hash, expected;
     for (int step = 0; step < 200000; ++step) { // five calls

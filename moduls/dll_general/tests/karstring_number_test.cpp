@@ -2,6 +2,7 @@
 #include "support/exactdecimal.h"
 #include "support/textprobe.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <cerrno>
 #include <climits>
@@ -102,6 +103,8 @@ TEST(KarString, RoundsTheExactValueHalfAwayFromZero)
     EXPECT_EQ(written(0.999, 2, false), "1.00");
     EXPECT_EQ(written(0.006, 2, false), "0.01");
     EXPECT_EQ(written(0.0, 3, false), "0.000");
+    // The middle of two numbers of 69 places, with more digits than a machine word has.
+    EXPECT_EQ(written(0x1p-70, 69, false), "0.000000000000000000000847032947254300339068322500679641962051391601563");
 }
 
 TEST(KarString, KeepsTheZerosOfAValueThatVanishes)
@@ -174,7 +177,7 @@ TEST(KarString, WritesTheExactDigitsOfRandomNumbers)
 {
     const std::uint64_t seed = 20261;
     TestRandom random(seed);
-    for (int step = 0; step < 8000; ++step) {
+    for (int step = 0, steps = testSteps(8000); step < steps; ++step) {
         double value = random.between(-1000.0, 1000.0);
         switch (random.below(6)) {
         case 0:
@@ -371,6 +374,7 @@ TEST(KarString, ReadsEverythingElseAsHexadecimal)
     EXPECT_EQ(readWhole("ff"), (Whole{0, 255}));
     EXPECT_EQ(readWhole("FF"), (Whole{0, 255}));
     EXPECT_EQ(readWhole("12a"), (Whole{0, 298}));
+    EXPECT_EQ(readWhole("0a1"), (Whole{0, 161}));
     EXPECT_EQ(readWhole("-5"), (Whole{0, -5}));
     EXPECT_EQ(readWhole("-10"), (Whole{0, -16}));
     EXPECT_EQ(readWhole("+10"), (Whole{0, 16}));

@@ -2,6 +2,7 @@
 // Not tested: the size that a format of more than 4 GB asks for.
 #include "support/textprobe.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <climits>
 #include <clocale>
@@ -14,6 +15,7 @@
 #include <ctime>
 #include <cwchar>
 #include <memory>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -132,6 +134,7 @@ TEST(KarString, FormatCountsANullTextAsOne)
 TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
 {
     // "%lld": the second l is the conversion, the d an ordinary character; then a text counts 1 whatever it is.
+    int printed = 0;
     karString s;
     EXPECT_EQ(s.format("%lld %s", 1234567890123456789LL, "0123456789abcdef"), 36);
     EXPECT_TRUE(hasState(s, "1234567890123456789 0123456789abcdef", 36, 40)); // too small: adjust(37)
@@ -156,6 +159,17 @@ TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
     karString x;
     x.format("%Fs|%s", 1.0, "ab"); // F as a letter of length before "s"
     EXPECT_TRUE(hasState(x, "1.000000s|ab", 12, 16));
+#if defined(__linux__)
+    // Nothing behind it is read either: no width, no flag, no character.
+    karString behind;
+    behind.format("%Fs|%*d|%-5d|%c|%n", 1.0, 3, 7, 8, 'x', &printed);
+    EXPECT_EQ(behind == "1.000000s|  7|8    |x|", 1);
+    EXPECT_EQ(printed, 22);
+    printed = 0;
+    karString given;
+    given.format("%*d|%*d|%s", 0, 5, 3, 6, "ab"); // a width of 0 is none; 32 + 1 + 32 + 1 + 2
+    EXPECT_TRUE(hasState(given, "5|  6|ab", 8, 72));
+#endif
     karString y;
     y.format("%jd|%td|%s", static_cast<std::intmax_t>(1), static_cast<std::ptrdiff_t>(2), "ab");
     EXPECT_TRUE(hasState(y, "1|2|ab", 6, 16));
@@ -252,7 +266,7 @@ TEST(KarString, FormatsAsTheCLibraryDoes)
 {
     const std::uint64_t seed = 20265;
     TestRandom random(seed);
-    for (int step = 0; step < 40000; ++step) {
+    for (int step = 0, steps = testSteps(40000); step < steps; ++step) {
         std::string format = "<%";
         for (unsigned flags = random.below(4); flags > 0; --flags)
             format += "-+ 0#"[random.below(5)];
@@ -331,6 +345,19 @@ TEST(KarString, FormatWritesThePointOfTheLocale)
     s.format("%7.2f|%.0f", -1.5, 2.5);
     EXPECT_EQ(s == expected, 1);
     std::setlocale(LC_NUMERIC, "C");
+}
+
+TEST(KarString, FormatRoundsAMiddleToTheEvenDigitAndNamesWhatIsNoNumber)
+{
+    karString s;
+    s.format("%.69f", 0x1p-70); // ...15625: more digits than a machine word has
+    EXPECT_EQ(s == "0.000000000000000000000847032947254300339068322500679641962051391601562", 1);
+    s.format("%.71f", 0x1p-70 + 0x1p-72); // ...953125
+    EXPECT_EQ(s == "0.00000000000000000000105879118406787542383540312584955245256423950195312", 1);
+#if defined(__linux__)
+    s.format("%f|%5.1f", std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity());
+    EXPECT_EQ(s == "inf| -inf", 1);
+#endif
 }
 
 TEST(KarString, FormatReadsItsOwnText)

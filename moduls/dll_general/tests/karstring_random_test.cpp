@@ -1,6 +1,7 @@
 // A million random operations on texts beside a plain model that keeps every byte, the cached length and the size.
 #include "support/textprobe.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <algorithm>
 #include <cstring>
@@ -466,6 +467,6 @@ TEST(KarString, AMillionOperationsFollowThePlainModel)
 {
     const std::uint64_t seed = 41;
     Sequence sequence(seed);
-    for (int step = 0; step < 1000000; ++step)
+    for (int step = 0, steps = testSteps(1000000); step < steps; ++step)
         ASSERT_TRUE(sequence.step()) << "seed " << seed << ", step " << step << ", operation " << sequence.operation;
 }

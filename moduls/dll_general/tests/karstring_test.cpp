@@ -611,6 +611,7 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_EQ(s == "abcdefgh", 1);
     EXPECT_EQ(s < "abcdefghi", 1);
     EXPECT_EQ(s > "abcdefg", 1);
+    EXPECT_EQ(s < "abcdefgx", 1);
     EXPECT_EQ(s == karString("abcdefgh"), 1);
     EXPECT_EQ(karString("abcdefgh") == s, 1);
     EXPECT_EQ(karString("abcdefghi") > s, 1);
@@ -623,10 +624,28 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_EQ(s.karstrchr('h', 3), 7);
     EXPECT_EQ(s.karstrchr('i', 3), -1);
     EXPECT_EQ(s.karstrchr('\0', 3), -1);
+    EXPECT_EQ(s.vstrstr(""), TextProbe::bytes(s));
     EXPECT_EQ(s.karstrstr("h", 3), 7);
     EXPECT_TRUE(hasState(karString(s), "abcdefgh", 8, 24));
+    s.rtrim();
+    EXPECT_EQ(s == "abcdefgh", 1);
     s &= 'i';
     EXPECT_TRUE(hasState(s, "abcdefghi", 9, 16));
+
+    karString tokens("abc,efg", 0u);
+    tokens[7] = 'h';
+    EXPECT_TRUE(hasState(tokens.karstrtok(","), "abc", 3, 16));
+    EXPECT_TRUE(hasState(tokens, "efgh", 4, 8));
+}
+
+TEST(KarString, SearchesWithoutATerminatorEndAtANul)
+{
+    karString s("abc", 4u);
+    s[7] = 'h';
+    TextProbe::setCached(s, 8); // the text ends before
+    EXPECT_EQ(s.karstrchr('h', 1), -1);
+    EXPECT_EQ(s.karstrstr("", 3), 3);
+    EXPECT_EQ(s.karstrstr("h", 3), -1);
 }
 
 TEST(KarString, SearchingATextWithoutATerminatorEndsWithItsBuffer)

@@ -4,6 +4,7 @@
 #include "support/textprobe.h"
 #include "testrandom.h"
 #include "testslot.h"
+#include "teststeps.h"
 
 #include <cstddef>
 #include <string>
@@ -293,7 +294,7 @@ TEST(KarStringListHead, RandomOperationsFollowAPlainList)
     TestRandom random(seed);
     karStringListHead head;
     std::vector<std::string> plain;
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
         const auto count = static_cast<unsigned>(plain.size());
         const unsigned at = count ? random.below(count) : 0;
         karStringList *element = head.ListFirst();

@@ -4,6 +4,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -107,6 +108,7 @@ struct OpenInfo : karTransformationInfo {
 
 TEST(KarTransformationInfo, AngleRangeIsReachedTurnByTurn)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(751);
     TestHash ofClass, ofPlain;
     const OpenInfo info;

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace {
 
 /// Blocks of all size classes that are in use.
@@ -131,6 +133,26 @@ TEST(KarVarPageMemory, ChainApartIsTheWayInOnceTheFirstIsGone)
         pool.deleteElement(p, 4);
         EXPECT_EQ(pool.where(c), (Place{0, 0}));
         EXPECT_EQ(pool.getAnzElem(), 4);
+    }
+    EXPECT_EQ(blocksInUse(), before);
+}
+
+TEST(KarVarPageMemory, ResizeMovesToTheChainApart)
+{
+    const int before = blocksInUse();
+    {
+        Pool pool(8, 4);
+        void *a = pool.newElement(4);
+        {
+            const AllAllocationsFail failing;
+            pool.newElement(4);
+        }
+        void *const b = pool.newElement(1);
+        std::memcpy(a, "0123456789abcdef", 16);
+        void *const moved = pool.resizeElementLast(a, 4, 2);
+        EXPECT_EQ(moved, pool.lastPage->PageBegin());
+        EXPECT_EQ(pool.lastPage->prev()->PageBegin(), b);
+        EXPECT_EQ(std::memcmp(moved, "0123456789abcdef", 16), 0);
     }
     EXPECT_EQ(blocksInUse(), before);
 }

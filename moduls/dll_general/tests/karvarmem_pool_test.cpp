@@ -492,6 +492,16 @@ TEST(KarVarPageMemory, CopySharesEveryField)
     }
 }
 
+TEST(KarVarPageMemory, AssignedToItselfKeepsItsPages)
+{
+    Pool pool(8, 4);
+    void *const a = pool.newElement(4);
+    const Pool &same = pool;
+    pool = same;
+    EXPECT_EQ(pool.where(a), (Place{0, 0}));
+    EXPECT_EQ(pool.getAnzElem(), 4);
+}
+
 TEST(KarVarPageMemory, DestructorDestroysEveryPageOfTheChain)
 {
     Pool pool(8, 4); // the leak sanitizer watches

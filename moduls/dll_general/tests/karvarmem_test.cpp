@@ -614,6 +614,24 @@ TEST(KarVarPage, RangeInsideARunLeavesBothParts)
     EXPECT_EQ(page.runs(), Runs());
 }
 
+TEST(KarVarPage, RestTooShortForANodeIsDropped)
+{
+    Page page(1, 20);
+    page.takeRange(page.place(0), 15);
+    EXPECT_EQ(page.firstFreeElement(), nullptr);
+    EXPECT_TRUE(page.isValid());
+}
+
+TEST(KarVarPage, AssignedToItselfStays)
+{
+    Page page(8, 4);
+    EXPECT_EQ(page.take(1), 0);
+    const Page &same = page;
+    page = same;
+    EXPECT_EQ(page.elementUsed(), 1);
+    EXPECT_EQ(page.take(3), 8);
+}
+
 TEST(KarVarPage, CopyHasEveryField)
 {
     char empty[sizeof(Page)];
@@ -775,6 +793,7 @@ TEST(KarVarPage, OverwrittenNodesNeverLeadOutOfThePage)
     for (const int filler : {0x00, 0x01, 0x10, 0x7f, 0x80, 0xff}) {
         Page page(8, 12);
         page.takePairs(6);
+        std::memset(page.place(0), 0x55, 96); // their owners use them all
         for (const int position : {0, 32, 64})
             page.give(position, 2);
         std::memset(page.place(32), filler, 16); // the owner writes into what it has released

@@ -4,6 +4,7 @@
 #include "testhash.h"
 #include "testnumbers.h"
 #include "testrandom.h"
+#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -134,7 +135,7 @@ TEST(Kar2DVector, RotatesCounterClockwise)
     EXPECT_EQ(v.GetY(), 1);
     EXPECT_NEAR(v.GetAngleX(), pi / 2, 1e-15);
     TestRandom random(722);
-    for (int call = 0; call < 10000; ++call) {
+    for (int call = 0, calls = testSteps(10000); call < calls; ++call) {
         const double x = random.between(-9.0, 9.0), y = random.between(-9.0, 9.0), angle = random.between(-9.0, 9.0);
         const double c = std::cos(angle), s = std::sin(angle);
         const double newX = c * x - s * y, newY = s * x + c * y;
@@ -303,6 +304,7 @@ void add(TestHash &hash, const kar3DVector &v) { add(hash, Plain{v.GetX(), v.Get
 
 TEST(Kar3DVector, AMillionOperationsAreThoseOfThePlainTranscription)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(724);
     TestHash ofClass, ofPlain;
     for (int call = 0; call < 100000; ++call) {

@@ -7,6 +7,7 @@
 #include "testhash.h"
 #include "testrandom.h"
 #include "vcolornames.h"
+#include "teststeps.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -333,6 +334,7 @@ TEST(VColor, ToDxfFollowsTheStepsForEveryLimit)
 
 TEST(VColor, AMillionColoursHaveTheHashOfThePlainSteps)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1001);
     TestHash code;
     TestHash plain;
@@ -349,6 +351,7 @@ TEST(VColor, AMillionColoursHaveTheHashOfThePlainSteps)
 // Random numbers almost never meet the eight exact values, so half of the calls choose among them.
 TEST(VColor, AMillionIgesNumbersHaveTheHashOfThePlainTable)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1002);
     TestHash code;
     TestHash plain;
@@ -364,6 +367,7 @@ TEST(VColor, AMillionIgesNumbersHaveTheHashOfThePlainTable)
 
 TEST(VColor, AMillionIndicesHaveTheHashOfThePlainTable)
 {
+    KAR_NEEDS_WHOLE_SEQUENCE();
     TestRandom random(1003);
     TestHash code;
     TestHash plain;
@@ -524,7 +528,7 @@ TEST_F(VColorNameReading, WithoutMemoryForAPartLeavesThatPart0)
 TEST_F(VColorNameReading, ReadsBackWhatItWrites)
 {
     TestRandom random(1004);
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0, count = testSteps(20000); i < count; ++i) {
         const long rgb = static_cast<long>(random.bits() & 0xFFFFFF);
         ASSERT_EQ(vColorName::Conv(textOf(rgb).c_str()), rgb) << "step " << i;
     }
@@ -574,7 +578,7 @@ TEST_F(VColorNameReading, TextsOfItsOwnAlphabetAreReadAsThePlainModelReadsThem)
     const std::string pieces[] = {"RGB", "(", ",", ",", ")", " ", "7", "30", "255", "a", "-", "x"};
     TestRandom random(1005);
     int read = 0;
-    for (int i = 0; i < 60000; ++i) {
+    for (int i = 0, count = testSteps(60000); i < count; ++i) {
         std::string text = i % 4 == 0 ? "" : "RGB(";
         std::string stretch;
         for (unsigned n = random.below(14); n > 0; --n) {
@@ -591,7 +595,7 @@ TEST_F(VColorNameReading, TextsOfItsOwnAlphabetAreReadAsThePlainModelReadsThem)
         read += expected != 0;
         ASSERT_EQ(vColorName::Conv(text.c_str()), expected) << "step " << i << ": " << text;
     }
-    EXPECT_GT(read, 9000) << "texts that hold a colour";
+    EXPECT_GT(read, testSteps(9000)) << "texts that hold a colour";
 }
 
 TEST(NamedColors, SixteenRowsAndANullRow)

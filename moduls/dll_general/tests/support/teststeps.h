@@ -1,0 +1,23 @@
+// Lengths of long sequences: whole, or shortened by the environment where each step takes long, as under valgrind.
+#ifndef KAR_TEST_STEPS_H
+#define KAR_TEST_STEPS_H
+
+#include <algorithm>
+#include <cstdlib>
+
+/// `whole` steps, divided by the number in the environment variable KAR_TEST_STEPS; 1 at least.
+inline int testSteps(int whole)
+{
+    static const int divisor = [] {
+        const char *const text = std::getenv("KAR_TEST_STEPS");
+        return text ? std::max(std::atoi(text), 1) : 1;
+    }();
+    return std::max(whole / divisor, 1);
+}
+
+/// First in a test that compares with a constant of its whole sequence: it is skipped where that is shortened.
+#define KAR_NEEDS_WHOLE_SEQUENCE()                                                                                     \
+    if (testSteps(2) != 2)                                                                                             \
+    GTEST_SKIP() << "compares with a constant of the whole sequence"
+
+#endif
