@@ -134,7 +134,6 @@ TEST(KarString, FormatCountsANullTextAsOne)
 TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
 {
     // "%lld": the second l is the conversion, the d an ordinary character; then a text counts 1 whatever it is.
-    int printed = 0;
     karString s;
     EXPECT_EQ(s.format("%lld %s", 1234567890123456789LL, "0123456789abcdef"), 36);
     EXPECT_TRUE(hasState(s, "1234567890123456789 0123456789abcdef", 36, 40)); // too small: adjust(37)
@@ -161,6 +160,7 @@ TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
     EXPECT_TRUE(hasState(x, "1.000000s|ab", 12, 16));
 #if defined(__linux__)
     // Nothing behind it is read either: no width, no flag, no character.
+    int printed = 0;
     karString behind;
     behind.format("%Fs|%*d|%-5d|%c|%n", 1.0, 3, 7, 8, 'x', &printed);
     EXPECT_EQ(behind == "1.000000s|  7|8    |x|", 1);
