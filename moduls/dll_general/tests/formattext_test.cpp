@@ -1,5 +1,6 @@
 // Which formats are written without the C library, and that they stay in their room. The texts that callers see are
-// tested in karstring_process_test.cpp, where the C library takes over what is left to it here.
+// tested in karstring_process_test.cpp, where the C library takes over what is left to it here; those of numbers too, but
+// for one rounding that no format asks for.
 #include "formattext.cpp"
 #include "numbertext.cpp"
 
@@ -54,6 +55,8 @@ TEST(WriteUsualFormat, NeedsRoomForTheTerminator)
         EXPECT_EQ(writtenIn(room, "%8d", -123), fitting("    -123"));
         EXPECT_EQ(writtenIn(room, "%08d", -123), fitting("-0000123"));
         EXPECT_EQ(writtenIn(room, "%-8d", -123), fitting("-123    "));
+        EXPECT_EQ(writtenIn(room, "%u", 12345678u), fitting("12345678"));
+        EXPECT_EQ(writtenIn(room, "%8c", 'a'), fitting("       a"));
         EXPECT_EQ(writtenIn(room, "%x", 0x12345678u), fitting("12345678"));
         EXPECT_EQ(writtenIn(room, "%.6f", 1.5), fitting("1.500000"));
     }
@@ -73,6 +76,7 @@ TEST(WriteUsualFormat, WritesTheUsualConversions)
     EXPECT_EQ(usual("%x|%5x|%05x|%x", 0u, 0xabcu, 1u, 0xffffffffu), "0|  abc|00001|ffffffff");
     EXPECT_EQ(usual("%f|%.0f|%.1f|%+.1f|%07.2f", 1.5, 2.5, -0.25, 0.5, -1.0), "1.500000|2|-0.2|+0.5|-001.00");
     EXPECT_EQ(usual("%60.12f|", 0.5).size(), 61u);
+    EXPECT_EQ(usual("%.3f|%.40f", 1e-30, std::ldexp(1.0, -80)), "0.000|0.0000000000000000000000008271806125530277");
     EXPECT_EQ(usual("%9d|%19d", 5, 6), "        5|                  6");
 }
 
@@ -102,4 +106,17 @@ TEST(WriteUsualFormat, LeavesOthersToTheCLibrary)
     EXPECT_EQ(usual("%f", HUGE_VAL), left);
     EXPECT_EQ(usual("%e", 1.0), left);
     EXPECT_EQ(usual("%5%"), left);
+}
+
+// 1/1024 is 0.0009765625, and 2^-80 is 0.0000000000000000000000008271...
+TEST(WriteFixed, KeepsTheZerosOfWhatVanishes)
+{
+    const auto published = [](double value) {
+        kar::text::FixedText text;
+        kar::text::writeFixed(value, 2, kar::text::FixedStyle::published, text);
+        EXPECT_EQ(text.zeros, 0u);
+        return std::string(text.begin, text.length);
+    };
+    EXPECT_EQ(published(1.0 / 1024.0), "0.000");
+    EXPECT_EQ(published(std::ldexp(1.0, -80)), "0.000000000000000000000000");
 }
