@@ -87,8 +87,8 @@ public:
         }
     }
 
-    /// An element of the page has been released, the only free one if `first`. Where the pages are few, and their
-    /// memory near, a branch on what chance decides would cost more than the work, here and in `tookElement`.
+    /// An element of the page has been released. Where the pages are few (`fewPages`), and their memory near, a branch on
+    /// what chance decides would cost more than the work, here and in `tookElement`.
     void gotElement(karPage &page)
     {
         const unsigned slot = page.state.slot;
