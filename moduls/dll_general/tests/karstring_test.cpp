@@ -327,6 +327,29 @@ TEST(KarString, AssignmentOfATextWithoutBufferAndRoomForItsLengthLosesTheBuffer)
     EXPECT_EQ(TextProbe::bytes(a), nullptr);
 }
 
+// Any buffer would be too small for the length that is taken over.
+TEST(KarString, AssignmentOfATextWithoutBufferWhoseSizeIsNoneLosesTheBuffer)
+{
+    const karString b('x', 0xffffffffu, 0u); // size 2^32, which wraps to 0
+    ASSERT_EQ(b.size(), 0u);
+    karString a("abc");
+    a = b;
+    EXPECT_EQ(TextProbe::bytes(a), nullptr);
+    EXPECT_EQ(a.length(), 0xffffffffu);
+    EXPECT_EQ(a.size(), 0u);
+    EXPECT_EQ(a.karstrchr('x', 1000), -1);
+    a.cut(1000);
+    EXPECT_EQ(a.length(), 1000u);
+    a = "abc";
+    EXPECT_TRUE(hasState(a, "abc", 3, 16)); // adjust(12)
+    a = b;
+    a &= 'c';
+    EXPECT_EQ(a.vstrlen(), 0u);
+    karString c("abc");
+    c = karString(0xffffffffu); // size 0 too, but length 0: fits
+    EXPECT_TRUE(hasState(c, "", 0, 16));
+}
+
 TEST(KarString, AppendBeyondThirtyTwoBitsLosesTheBuffer)
 {
     karString s("abc");
