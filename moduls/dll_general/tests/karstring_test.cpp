@@ -655,6 +655,11 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     s &= 'i';
     EXPECT_TRUE(hasState(s, "abcdefghi", 9, 16));
 
+    karString large('a', 999u); // the block's guard, its length of 1008 bytes, follows at once
+    large[999] = 'b';
+    EXPECT_EQ(large.karstrstr("ab", 990), 998);
+    EXPECT_EQ(large.karstrstr("b\xf0", 990), -1);
+
     karString tokens("abc,efg", 0u);
     tokens[7] = 'h';
     EXPECT_TRUE(hasState(tokens.karstrtok(","), "abc", 3, 16));
@@ -724,6 +729,7 @@ TEST(KarString, FindsTextAndCharactersByPointer)
     EXPECT_EQ(s.vstrchr('x'), nullptr);
     EXPECT_EQ(s.vstrchr('\0'), text + 6);
     EXPECT_EQ(s.vstrrchr('b'), text + 4);
+    EXPECT_EQ(karString("b").vstrrchr('b') != nullptr, true); // the first character too
     EXPECT_EQ(s.vstrrchr('x'), nullptr);
     EXPECT_EQ(s.vstrrchr('\0'), text + 6);
     EXPECT_EQ(TextProbe::cached(s), 6u);
