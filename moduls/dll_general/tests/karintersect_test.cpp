@@ -318,6 +318,16 @@ TEST(IntersectLineEllipse, AddsTheRootAtInfinityOfAHorizontalLine)
     EXPECT_TRUE(f.isZero(1));
 }
 
+TEST(IntersectLineArc, ZeroOfANegativeRadiusIsPositive)
+{
+    // -b*sin(0) is -(-2)*0.0, a positive zero, and so is the root of the tangent x = -2.
+    double p[4] = {};
+    EXPECT_EQ(1, Intersect_Line_Arc(-2, 0, -2, 0, 0, -0.0, -2, 0, 7, 0, p[0], p[1], p[2], p[3]));
+    EXPECT_EQ(-2.0, p[0]);
+    EXPECT_EQ(0.0, p[1]);
+    EXPECT_FALSE(std::signbit(p[1]));
+}
+
 TEST(IntersectLineEllipse, DropsAPointBesideTheCircleOfCosines)
 {
     // (0.1 + 0.3) - 0.1 is an ulp above 0.3, of which acos is not a number

@@ -25,6 +25,8 @@ namespace {
 using kar::SystemAnswers;
 using kar::SystemReport;
 
+static_assert(kar::nodeNameSize == 16, "15 characters and a terminator");
+
 std::string computer; // the name that the made-up system has
 int asked;            // how often it was asked for
 
