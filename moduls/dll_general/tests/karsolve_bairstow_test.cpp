@@ -2,7 +2,7 @@
 
 #include "karmatrix.h"
 
-#include "testhash.h"
+#include "goldenrun.h"
 #include "testnumbers.h"
 #include "testrandom.h"
 #include "teststeps.h"
@@ -565,27 +565,20 @@ void addRealSteps(TestHash &hash, int n, const double *a, double eps, int limit)
 
 TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(84);
-    TestHash hash, expected;
-    for (int step = 0; step < 100000; ++step) {
-        const int n = random.between(3, 4);
+    GoldenRun run(84, 100000, 16711054473206003138u);
+    while (run.next()) {
+        const int n = run.random.between(3, 4);
         std::vector<double> a(static_cast<std::size_t>(n) + 1);
         for (double &coefficient : a)
-            coefficient = step % 2 == 0 ? random.between(-10.0, 10.0) : mixedDouble(random);
-        addRealSteps(expected, n, a.data(), 1e-10, 40);
-        RealRun run(a);
+            coefficient = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
+        addRealSteps(run.plain, n, a.data(), 1e-10, 40);
+        RealRun solver(a);
         int passes = 40;
-        const int roots = run.solve(1e-10, passes);
-        hash.add(passes);
+        const int roots = solver.solve(1e-10, passes);
+        run.code.add(passes);
         for (int i = 1; i <= roots; ++i)
-            hash.add(run.re[i]), hash.add(run.im[i]);
-        if (step % 1000 == 0) {
-            ASSERT_EQ(expected.value(), hash.value()) << "seed 84, step " << step;
-        }
+            run.code.add(solver.re[i]), run.code.add(solver.im[i]);
     }
-    EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(16711054473206003138u, hash.value());
 }
 
 void addNumber(TestHash &hash, const karComplex &z)
@@ -617,29 +610,22 @@ void addComplexSteps(TestHash &hash, int n, const karComplex *a, const karComple
 
 TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(85);
-    TestHash hash, expected;
-    for (int step = 0; step < 30000; ++step) {
-        const int n = random.between(3, 4);
+    GoldenRun run(85, 30000, 6737948442523617243u);
+    while (run.next()) {
+        const int n = run.random.between(3, 4);
         std::vector<karComplex> a(static_cast<std::size_t>(n) + 1);
         for (karComplex &coefficient : a) {
-            coefficient.SetReal(step % 2 == 0 ? random.between(-10.0, 10.0) : mixedDouble(random));
-            coefficient.SetImag(step % 2 == 0 ? random.between(-10.0, 10.0) : mixedDouble(random));
+            coefficient.SetReal(run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random));
+            coefficient.SetImag(run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random));
         }
-        addComplexSteps(expected, n, a.data(), karComplex(1, 0), karComplex(-1, 0), 1e-10, 40);
-        ComplexRun run(a);
+        addComplexSteps(run.plain, n, a.data(), karComplex(1, 0), karComplex(-1, 0), 1e-10, 40);
+        ComplexRun solver(a);
         int passes = 40;
-        const int roots = run.solve(karComplex(1, 0), karComplex(-1, 0), 1e-10, passes);
-        hash.add(passes);
+        const int roots = solver.solve(karComplex(1, 0), karComplex(-1, 0), 1e-10, passes);
+        run.code.add(passes);
         for (int i = 1; i <= roots; ++i)
-            addNumber(hash, run.x[i]);
-        if (step % 1000 == 0) {
-            ASSERT_EQ(expected.value(), hash.value()) << "seed 85, step " << step;
-        }
+            addNumber(run.code, solver.x[i]);
     }
-    EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(6737948442523617243u, hash.value());
 }
 
 // The bounded forms beside the others
@@ -820,27 +806,23 @@ std::vector<double> matrixRoots(std::vector<double> a, int limit)
 
 TEST(SolvePolynomRoots, AnyDegreeEqualsTheStepsWrittenOut)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(89);
-    TestHash hash, expected;
+    GoldenRun run(89, 20000, 15140741494536058021u);
     int ended = 0;
-    for (int step = 0; step < 20000; ++step) {
-        std::vector<double> a(static_cast<std::size_t>(random.between(3, 9)));
+    while (run.next()) {
+        std::vector<double> a(static_cast<std::size_t>(run.random.between(3, 9)));
         for (double &coefficient : a)
-            coefficient = step % 4 == 0 ? mixedDouble(random) : random.between(-10.0, 10.0);
+            coefficient = run.step % 4 == 0 ? mixedDouble(run.random) : run.random.between(-10.0, 10.0);
         const std::vector<double> steps = matrixRoots(a, 100);
         if (steps.empty())
             continue;
         ++ended;
         for (double element : steps)
-            expected.add(element);
+            run.plain.add(element);
         const karMatrix coefficients = row(a);
         for (double element : elements(Solve_Polynom_Roots(coefficients, nan, inf)))
-            hash.add(element);
-        ASSERT_EQ(expected.value(), hash.value()) << "seed 89, step " << step;
+            run.code.add(element);
     }
-    EXPECT_GT(ended, 5000);
-    EXPECT_EQ(15140741494536058021u, hash.value());
+    EXPECT_GT(ended, testSteps(5000));
 }
 
 } // namespace
