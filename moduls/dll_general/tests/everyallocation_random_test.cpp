@@ -19,7 +19,7 @@ class Refusing {
 public:
     explicit Refusing(TestRandom &random)
     {
-        refusedHeap.start(random.below(3) == 0 ? 1 + random.below(4) : 0, random.below(2) == 0, true);
+        refusedHeap.start(random.below(3) == 0 ? 1 + random.below(4) : 0, random.below(2) == 0, RefusedHeap::blocks);
         refusedHeap.armed = true;
     }
     ~Refusing() { refusedHeap.armed = false; }
