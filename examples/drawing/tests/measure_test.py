@@ -23,7 +23,8 @@ class Extents(DrawingTest):
         self.assertEqual(exact, [6.414214, 3.585786, 7, 6.414214])
 
     def test_of_turned_ellipses(self):
-        # Half width sqrt(a^2 cos^2 + b^2 sin^2) with a = 5, b = 3, 30 degrees, half height with sine and cosine exchanged.
+        # Half width sqrt(a^2 cos^2 + b^2 sin^2) with a = 5, b = 3, 30 degrees, half height with sine and
+        # cosine exchanged.
         a = 5 * math.cos(math.pi / 6), 5 * math.sin(math.pi / 6)
         exact, sampled, _ = self.extents(self.file(drawing(ellipse(0, 0, *a, 0.6))))["ELLIPSE"]
         width, height = math.sqrt(25 * 0.75 + 9 * 0.25), math.sqrt(25 * 0.25 + 9 * 0.75)

@@ -177,9 +177,9 @@ private:
 /// \name Object coordinate systems
 /// \{
 
-/// The x axis of the object coordinate system with the extrusion direction `n`, by the arbitrary axis rule of DXF: of unit
-/// length, orthogonal to `n`. It is W by n with W = (0, 1, 0) where |n.x| and |n.y| are both strictly less than 1/64,
-/// otherwise W = (0, 0, 1).
+/// The x axis of the object coordinate system with the extrusion direction `n`, by the arbitrary axis rule of DXF: of
+/// unit length, orthogonal to `n`. It is W by n with W = (0, 1, 0) where |n.x| and |n.y| are both strictly less than
+/// 1/64, otherwise W = (0, 0, 1).
 /// Note: `n` is compared as it is, not normalised first.
 KAR_API kar3DVector GetOCSVectorAxisX(const kar3DVector &n);
 /// The normalised outer product a by b: the y axis, if `a` is the extrusion direction and `b` the x axis.

@@ -377,8 +377,8 @@ int EqBairstow(int n, karComplex *const a, karComplex *const x, const karComplex
 
 namespace {
 
-/// Stores roots in the rows of a matrix: the imaginary parts at the flat index position + n, which is the first column of
-/// the second row for every pair.
+/// Stores roots in the rows of a matrix: the imaginary parts at the flat index position + n, which is the first column
+/// of the second row for every pair.
 struct MatrixRoots {
     int degree;
     GuardedRow<double> elements;

@@ -106,8 +106,8 @@ TEST(BoundingRectOfEllipse, IsSampledByDegreesElsewhere)
     const double h = std::cos(0.5 * degree);
     EXPECT_RECT(-h, -h, h, h, CalculateBoundingRect(0, 0, 1, 1, 0.5 * degree), 1e-15);
     EXPECT_GT(1 - h, 3.8e-5);
-    // Neighbours of the exact rotations are sampled, and so are negative rotations and further turns: their sines, about
-    // 1e-16, carry a long axis into the short direction.
+    // Neighbours of the exact rotations are sampled, and so are negative rotations and further turns: their sines,
+    // about 1e-16, carry a long axis into the short direction.
     EXPECT_EQ(0.1, CalculateBoundingRect(0, 0, 0.1, 1e20, pi).right());
     for (const double rotation : {3.1415926535897936, -pi, 3 * pi, 2 * fullTurn})
         EXPECT_GT(CalculateBoundingRect(0, 0, 0.1, 1e20, rotation).right(), 1e4) << rotation;

@@ -557,8 +557,8 @@ TEST(KarRectX, TheYOfACornerIsHeldAgainstTheLeftAndTheRight)
     EXPECT_TRUE(isSeen(box, karRect(-80, 90, 99, 260))) << "100 is right of 99, so the edge is looked at";
 }
 
-// The corners are (40, -170), (148, -2), (31, 73), (-77, -95). No edge of the first corner reaches the level 30, so both
-// places stay at -left, which is 50. With everything 50 to the right, left and both places are 0.
+// The corners are (40, -170), (148, -2), (31, 73), (-77, -95). No edge of the first corner reaches the level 30, so
+// both places stay at -left, which is 50. With everything 50 to the right, left and both places are 0.
 TEST(KarRectX, ThePlaceOnALevelStartsAtTheNegatedLeft)
 {
     const karRectX box(karPoint(40, -170), 200, 140, 1.0);

@@ -25,7 +25,8 @@ protected:
     const int before = blocksInUse();
 };
 
-/// Pages of four elements, the first of them full, and then a page that can't be had: the next one begins a chain apart.
+/// Pages of four elements, the first of them full, and then a page that can't be had: the next one
+/// begins a chain apart.
 class BrokenPool : public Pool {
 public:
     BrokenPool() : Pool(8, 4), first(newElement(4))

@@ -1,4 +1,5 @@
-// The steps of the intersections and feet written out plainly, apart from the library: what its results are compared with.
+// The steps of the intersections and feet written out plainly, apart from the library: what its results
+// are compared with.
 #ifndef KAR_TEST_CURVE_STEPS_H
 #define KAR_TEST_CURVE_STEPS_H
 

@@ -77,8 +77,8 @@ inline bool takesFromHeap(const Operation &operation)
 inline std::string nameOf(const ::testing::TestParamInfo<Operation> &info) { return info.param.name; }
 inline void PrintTo(const Operation &operation, std::ostream *out) { *out << operation.name; }
 
-/// What is held from the allocator and the system when everything has been released. Pages that have no storage stand in
-/// their pool until it is destroyed.
+/// What is held from the allocator and the system when everything has been released. Pages that have no storage stand
+/// in their pool until it is destroyed.
 struct Holdings {
     long blocks = globalMemList->getCurAnzNew();
     long bytes = globalMemList->getCurSizeNew();

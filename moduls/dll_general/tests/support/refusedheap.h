@@ -26,7 +26,8 @@
 /// Which requests of the library the system refuses while `armed`. Requests of anyone else are neither counted nor
 /// refused.
 struct RefusedHeap {
-    /// The tables behind the pools take cleared memory, all else is blocks. What isn't meant is granted and not counted.
+    /// The tables behind the pools take cleared memory, all else is blocks. What isn't meant is granted
+    /// and not counted.
     enum Kind {
         everything,
         blocks,

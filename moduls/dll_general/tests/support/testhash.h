@@ -29,8 +29,8 @@ private:
     std::uint64_t state = 0xcbf29ce484222325u;
 };
 
-/// Two hashes, for results of the C library's trigonometry: those of one run are equal bit by bit, and `value` is that of the
-/// results on a grid, where the last digits of a C library don't count.
+/// Two hashes, for results of the C library's trigonometry: those of one run are equal bit by bit, and `value` is that
+/// of the results on a grid, where the last digits of a C library don't count.
 struct RoundedHash {
     TestHash exact;
     TestHash rounded;
