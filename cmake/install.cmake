@@ -37,7 +37,8 @@ if(NOT WIN32)
         file(INSTALL DESTINATION \"\${CMAKE_INSTALL_PREFIX}/\${folder}\" TYPE FILE FILES \"${gdb_script}\")"
         COMPONENT development)
 endif()
-install(FILES moduls/dll_general/debug/krkgeneral.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/krKGeneral COMPONENT development)
+install(FILES moduls/dll_general/debug/krkgeneral.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/krKGeneral
+    COMPONENT development)
 
 if(KAR_BUILD_EXAMPLES)
     # The programs find the library beside them wherever the tree lies; packages leave that to the system.

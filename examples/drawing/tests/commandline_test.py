@@ -55,9 +55,11 @@ class CommandLine(DrawingTest):
 
     def test_every_pair_of_options_works(self):
         path = self.file(drawing(polyline([(0, 0, 0), (9, 0, 0), (9, 9, 0)]) + circle(5, 0, 3)))
-        options = [("--svg", self.folder / "o.svg"), ("--dxf", self.folder / "o.dxf"), ("--json", self.folder / "o.json"),
+        options = [("--svg", self.folder / "o.svg"), ("--dxf", self.folder / "o.dxf"),
+                   ("--json", self.folder / "o.json"),
                    ("--csv", self.folder / "o.csv"), ("--text", self.folder / "o.txt"), ("--transform", "scale=2"),
-                   ("--fillet", 1), ("--chamfer", 1), ("--nearest", "1,2"), ("--passes", 9), ("--lang", "de"), ("-q",), ("-v",)]
+                   ("--fillet", 1), ("--chamfer", 1), ("--nearest", "1,2"), ("--passes", 9), ("--lang", "de"),
+                   ("-q",), ("-v",)]
         exclusive = ({"--fillet", "--chamfer"}, {"-q", "-v"})
         for i, one in enumerate(options):
             for other in ((), *options[:i]):
@@ -82,8 +84,8 @@ class Streams(DrawingTest):
     """The ways into and out of the program as a shell lays them."""
 
     def shell(self, command, **changes):
-        return subprocess.run(["sh", "-c", command, PROGRAM, self.file(drawing(line()))], capture_output=True, text=True,
-                              timeout=60, cwd=self.folder, env=environment(**changes))
+        return subprocess.run(["sh", "-c", command, PROGRAM, self.file(drawing(line()))], capture_output=True,
+                              text=True, timeout=60, cwd=self.folder, env=environment(**changes))
 
     def test_a_drawing_from_a_pipe(self):
         for name in ("-", "/dev/stdin"):
@@ -103,7 +105,8 @@ class Streams(DrawingTest):
         self.assertTrue((self.folder / "out.svg").read_text().endswith("</svg>\n"))
         for option in ("--svg", "--dxf", "--json", "--csv", "--text"):
             # The report finds no place; it doesn't get into a file that was opened in place of standard output.
-            self.assertEqual(self.shell(f'"$0" "$1" {option} all >&- 2>&- <&-').returncode, 0 if option == "--text" else 3)
+            self.assertEqual(self.shell(f'"$0" "$1" {option} all >&- 2>&- <&-').returncode,
+                             0 if option == "--text" else 3)
             self.assertEqual((self.folder / "all").read_text().count("Memory: "), 1 if option == "--text" else 0)
         self.assertIn("error: standard output: ", self.shell('"$0" "$1" --svg - >&-').stderr)
 
@@ -123,7 +126,8 @@ class Streams(DrawingTest):
     def test_a_bare_environment(self):
         path = self.file(drawing(line()))
         for variables in ({}, {"TMPDIR": "/nowhere"}, {"TERM": ""}):
-            result = subprocess.run([PROGRAM, path, "--dxf", "-"], capture_output=True, text=True, timeout=60, env=variables)
+            result = subprocess.run([PROGRAM, path, "--dxf", "-"], capture_output=True, text=True, timeout=60,
+                                    env=variables)
             self.assertEqual((result.returncode, result.stderr), (0, ""), variables)
 
     def test_a_terminal_that_can_do_nothing_gets_plain_lines(self):

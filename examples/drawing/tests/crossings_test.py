@@ -93,7 +93,8 @@ class Crossings(DrawingTest):
                          [(-c, -c), (-c, c), (c, -c), (c, c)])
         self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + segment(-9, 0, 9, 0)), [(-5, 0), (5, 0)])
         self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + segment(0, -9, 0, 9)), [(0, -3), (0, 3)])
-        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + circle(0, 0, 5)), [(-5, 0), (5, 0)])  # touching twice
+        self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + circle(0, 0, 5)),
+                         [(-5, 0), (5, 0)])  # touching twice
         self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + circle(0, 0, 2)), [])
         self.assertEqual(self.crossings(ellipse(0, 0, 5, 0, 0.6) + ellipse(0, 0, 5, 0, 0.6)), [])  # the same
 
@@ -130,11 +131,13 @@ class Crossings(DrawingTest):
         self.assertEqual(self.crossings(rounded + segment(2, -9, 2, 9)), [(2, -2), (2, 2)])
 
     def test_of_blocks(self):
-        path = self.file(drawing(insert("B", 10, 0) + segment(0, 1, 20, 1), block("B", circle(0, 0, 1) + segment(-2, 0, 2, 0))))
+        path = self.file(drawing(insert("B", 10, 0) + segment(0, 1, 20, 1),
+                                 block("B", circle(0, 0, 1) + segment(-2, 0, 2, 0))))
         self.report(path, "--json", self.folder / "out.json")
         found = [(one["x"], one["y"], one["first"]["kind"], one["second"]["kind"])
                  for one in json.loads((self.folder / "out.json").read_text())["crossings"]]
-        self.assertEqual(sorted(found), [(9, 0, "CIRCLE", "LINE"), (10, 1, "LINE", "CIRCLE"), (11, 0, "CIRCLE", "LINE")])
+        self.assertEqual(sorted(found),
+                         [(9, 0, "CIRCLE", "LINE"), (10, 1, "LINE", "CIRCLE"), (11, 0, "CIRCLE", "LINE")])
 
     def test_after_a_transformation(self):
         entities = segment(-9, 3, 9, 3) + circle(0, 0, 5)
@@ -155,7 +158,8 @@ class Crossings(DrawingTest):
         path = self.file(drawing(ellipse(0, 0, 5, 0, 0.6) + ellipse(1, 0, 0, 5, 0.6)))
         result = run(path, "--passes", "1", "--nearest", "3,4")
         self.assertEqual(result.returncode, 0)
-        self.assertIn("crossings of ELLIPSE (A) and ELLIPSE (A) may be missing: the iteration does not settle", result.stderr)
+        self.assertIn("crossings of ELLIPSE (A) and ELLIPSE (A) may be missing: the iteration does not settle",
+                      result.stderr)
         self.assertIn("feet on ELLIPSE (A) may be missing: the iteration does not settle", result.stderr)
         self.assertEqual(result.stdout.count("Crossings: 4\n"), 1)  # found by a walk along the curve none the less
 

@@ -146,7 +146,8 @@ class DrawingTest(unittest.TestCase):
 
     def lengths(self, path, *options):
         """{layer: length}; "all layers" among them."""
-        rows = re.findall(r"    (\S+(?= +RGB)|all layers) +(?:RGB\(\d+,\d+,\d+\))? +(\S+)\n", self.report(path, *options))
+        rows = re.findall(r"    (\S+(?= +RGB)|all layers) +(?:RGB\(\d+,\d+,\d+\))? +(\S+)\n",
+                          self.report(path, *options))
         return {layer: float(length) for layer, length in rows}
 
     def svg(self, path, *options):

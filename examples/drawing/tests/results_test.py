@@ -114,7 +114,8 @@ class Svg(DrawingTest):
                     segment(0, 0, 2, 2, layer="NOWHERE") + segment(0, 0, 2, 3, "62\n1\n420\n1193046\n", layer="RED") +
                     segment(0, 0, 2, 4, "62\n0\n", layer="RED") + segment(0, 0, 2, 5, layer="green") +
                     insert("B", 0, 0, "62\n6\n", layer="GREEN"))
-        found = {path[path.index("L"):]: colour for colour, path in self.paths(self.file(drawing(entities, blocks, table)))}
+        found = {path[path.index("L"):]: colour
+                 for colour, path in self.paths(self.file(drawing(entities, blocks, table)))}
         self.assertEqual(found, {
             "L2,0": "#ff0000", "L2,-1": "#ff7f00", "L2,-2": "#000000", "L2,-3": "#123456", "L2,-4": "#000000",
             "L2,-5": "#00ff00",  # a layer that is off has its colour below 0
@@ -128,8 +129,10 @@ class Svg(DrawingTest):
         self.assertEqual(texts, [('a < b & "c" > d', "matrix(1,0,0,1,1,-2)"), ("r", "matrix(0,-1,1,0,3,-4)")])
 
     def test_texts_are_aligned(self):
-        root = self.svg(self.file(drawing(label(1, 2, "m", "72\n1\n11\n5\n21\n6\n") + label(1, 2, "e", "72\n2\n11\n7\n21\n8\n"))))
-        texts = [(element.text, element.get("text-anchor"), element.get("transform")) for element in root.iter(SVG + "text")]
+        root = self.svg(self.file(drawing(label(1, 2, "m", "72\n1\n11\n5\n21\n6\n") +
+                                          label(1, 2, "e", "72\n2\n11\n7\n21\n8\n"))))
+        texts = [(element.text, element.get("text-anchor"), element.get("transform"))
+                 for element in root.iter(SVG + "text")]
         self.assertEqual(texts, [("m", "middle", "matrix(1,0,0,1,5,-6)"), ("e", "end", "matrix(1,0,0,1,7,-8)")])
 
     def test_what_belongs_to_a_sheet_is_not_drawn(self):
