@@ -160,10 +160,8 @@ public:
     {
         return kar3D_Dimension(d.width(), d.height(), 0.0);
     }
-    kar3DVector Get3DVector(const kar2DVector &v) const
-    {
-        return kar3DVector(v.GetX(), v.GetY(), 0.0, true);
-    } ///< Normalised.
+    /// Normalised.
+    kar3DVector Get3DVector(const kar2DVector &v) const { return kar3DVector(v.GetX(), v.GetY(), 0.0, true); }
     /// `point` mirrored at the unbounded line through `lineStart` and `lineEnd`, see `Calculate_Mirror_Point_To_Line`.
     kar3D_Point Get3DMirrorPoint(const karD_Point &point, const karD_Point &lineStart, const karD_Point &lineEnd) const;
     /// \}

@@ -45,12 +45,12 @@ public:
     /// \name Construction
     /// \{
     explicit karListHeadObject(ObjektIdies id = ObjektIdies(0)) : listId(id) {} ///< Empty.
-    karListHeadObject(const karListHeadObject &) =
-        default; ///< Note: shares the chain; the head that dies first deletes it.
+    /// Note: shares the chain; the head that dies first deletes it.
+    karListHeadObject(const karListHeadObject &) = default;
     /// \}
 
-    karListHeadObject &
-    operator=(const karListHeadObject &) = default; ///< Note: shares the chain; the old one stays alive.
+    /// Note: shares the chain; the old one stays alive.
+    karListHeadObject &operator=(const karListHeadObject &) = default;
 
     /// \name Reading
     /// \{
@@ -58,11 +58,11 @@ public:
     karListObject *ListLast() const { return listLast; }       ///< The last element, null if the list is empty.
     karListObject *ListCurrent() const { return listCurrent; } ///< The element last added, null at times.
     ObjektIdies getListId() const { return listId; }           ///< The id given at construction.
-    karListObject *
-    ListExist(const karListObject *element) const; ///< The element if it stands in the list, else null. Linear.
-    int ListAnzahl() const;                        ///< Elements from the first one on. Linear.
-    int
-    ListAnzahl(karListObject *element) const; ///< Elements of the whole chain that holds `element`, 0 for null. Linear.
+    /// The element if it stands in the list, else null. Linear.
+    karListObject *ListExist(const karListObject *element) const;
+    int ListAnzahl() const; ///< Elements from the first one on. Linear.
+    /// Elements of the whole chain that holds `element`, 0 for null. Linear.
+    int ListAnzahl(karListObject *element) const;
     /// \}
 
     /// \name Changing
@@ -163,8 +163,9 @@ public:
 
     /// \name Construction
     /// \{
-    karListHeadListObject(karListHeadListObject *other,
-                          ObjektIdies id);                          ///< At the end of the chain of heads of `other`.
+
+    /// At the end of the chain of heads of `other`.
+    karListHeadListObject(karListHeadListObject *other, ObjektIdies id);
     karListHeadListObject(const karListHeadListObject &) = default; ///< Copies the head part and the links.
     /// \}
 
