@@ -3,6 +3,7 @@
 #include "karmatrix.h"
 
 #include "goldenrun.h"
+#include "rootsteps.h"
 #include "testnumbers.h"
 #include "testrandom.h"
 #include "teststeps.h"
@@ -523,57 +524,16 @@ TEST(EqBairstow, AnyDegreeSettlesAtARatioEqualToTheLimit)
 
 // Against the steps written out
 
-/// Bairstow's iteration for degree 3 or 4, with p, q, the quotients and the ratio as in the book.
+/// The passes and, if they sufficed, the roots.
 template <class Number>
-struct Transcription {
-    Number a[5], b[5], c[5];
-    Number p{}, q{};
-
-    static double size(double number) { return std::fabs(number); }
-    static double size(const karComplex &z) { return std::sqrt(z.GetReal() * z.GetReal() + z.GetImag() * z.GetImag()); }
-
-    /// The passes for the first factor, or -1 if `limit` is reached.
-    int factor(int n, double eps, int limit)
-    {
-        b[0] = c[0] = a[0];
-        for (int pass = 1; pass <= limit; ++pass) {
-            b[1] = a[1] - p * b[0];
-            c[1] = b[1] - p * c[0];
-            for (int k = 2; k <= n; ++k)
-                b[k] = a[k] - p * b[k - 1] - q * b[k - 2];
-            for (int k = 2; k <= n; ++k)
-                c[k] = b[k] - p * c[k - 1] - q * c[k - 2];
-            const Number d = b[n - 1] - c[n - 1];
-            const Number D = c[n - 2] * c[n - 2] + d * c[n - 3];
-            const Number dp = (c[n - 2] * b[n - 1] - c[n - 3] * b[n]) / D;
-            const Number dq = (d * b[n - 1] + c[n - 2] * b[n]) / D;
-            p = p + dp;
-            q = q + dq;
-            const double r = (size(dp) + size(dq)) / (size(p) + size(q));
-            if (!(r > eps))
-                return pass;
-        }
-        return -1;
-    }
-};
-
-void addRealSteps(TestHash &hash, int n, const double *a, double eps, int limit)
+void addSteps(TestHash &hash, std::vector<Number> a, Number p, Number q)
 {
-    Transcription<double> t;
-    std::copy(a, a + n + 1, t.a);
-    const int passes = t.factor(n, eps, limit);
+    int passes = 40;
+    plain::Complex x[4];
+    const int roots = plain::bairstow(static_cast<int>(a.size()) - 1, a.data(), p, q, x, passes);
     hash.add(passes);
-    if (passes < 0)
-        return;
-    double re1, im1, re2, im2;
-    Solve_SquareRoots(t.p, t.q, re1, im1, re2, im2);
-    hash.add(re1), hash.add(im1), hash.add(re2), hash.add(im2);
-    if (n == 4) {
-        Solve_SquareRoots(t.b[1] / t.b[0], t.b[2] / t.b[0], re1, im1, re2, im2);
-        hash.add(re1), hash.add(im1), hash.add(re2), hash.add(im2);
-    } else {
-        hash.add(-t.b[1] / t.b[0]), hash.add(0.0);
-    }
+    for (int i = 0; i < roots; ++i)
+        hash.add(x[i].re), hash.add(x[i].im);
 }
 
 TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
@@ -584,7 +544,7 @@ TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
         std::vector<double> a(static_cast<std::size_t>(n) + 1);
         for (double &coefficient : a)
             coefficient = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
-        addRealSteps(run.plain, n, a.data(), 1e-10, 40);
+        addSteps(run.plain, a, 0.0, 0.0);
         RealRun solver(a);
         int passes = 40;
         const int roots = solver.solve(1e-10, passes);
@@ -594,50 +554,26 @@ TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
     }
 }
 
-void addNumber(TestHash &hash, const karComplex &z)
-{
-    hash.add(z.GetReal());
-    hash.add(z.GetImag());
-}
-
-void addComplexSteps(TestHash &hash, int n, const karComplex *a, const karComplex &p, const karComplex &q, double eps,
-                     int limit)
-{
-    Transcription<karComplex> t;
-    std::copy(a, a + n + 1, t.a);
-    t.p = p, t.q = q;
-    const int passes = t.factor(n, eps, limit);
-    hash.add(passes);
-    if (passes < 0)
-        return;
-    karComplex x1, x2;
-    Solve_SquareRoots(t.p, t.q, x1, x2);
-    addNumber(hash, x1), addNumber(hash, x2);
-    if (n == 4) {
-        Solve_SquareRoots(t.b[1] / t.b[0], t.b[2] / t.b[0], x1, x2);
-        addNumber(hash, x1), addNumber(hash, x2);
-    } else {
-        hash.add((-t.b[1] / t.b[0]).GetReal()), hash.add(0.0);
-    }
-}
-
 TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
 {
     GoldenRun run(85, 30000, 6737948442523617243u);
     while (run.next()) {
         const int n = run.random.between(3, 4);
-        std::vector<karComplex> a(static_cast<std::size_t>(n) + 1);
-        for (karComplex &coefficient : a) {
-            coefficient.SetReal(run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random));
-            coefficient.SetImag(run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random));
+        std::vector<plain::Complex> a(static_cast<std::size_t>(n) + 1);
+        for (plain::Complex &coefficient : a) {
+            coefficient.re = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
+            coefficient.im = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
         }
-        addComplexSteps(run.plain, n, a.data(), karComplex(1, 0), karComplex(-1, 0), 1e-10, 40);
-        ComplexRun solver(a);
+        addSteps(run.plain, a, plain::Complex{1, 0}, plain::Complex{-1, 0});
+        std::vector<karComplex> coefficients;
+        for (const plain::Complex &z : a)
+            coefficients.emplace_back(z.re, z.im);
+        ComplexRun solver(coefficients);
         int passes = 40;
         const int roots = solver.solve(karComplex(1, 0), karComplex(-1, 0), 1e-10, passes);
         run.code.add(passes);
         for (int i = 1; i <= roots; ++i)
-            addNumber(run.code, solver.x[i]);
+            run.code.add(solver.x[i].GetReal()), run.code.add(solver.x[i].GetImag());
     }
 }
 
