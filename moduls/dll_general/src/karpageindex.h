@@ -5,7 +5,6 @@
 #include "addresstable.h"
 #include "karmem.h"
 
-#include <algorithm>
 #include <new>
 
 namespace kar {
@@ -117,9 +116,8 @@ public:
         if (gaveUp)
             return;
         std::uint64_t &word = bits[0][slot / 64];
-        const std::uint64_t before = word;
-        word = before & ~bitOf(slot);
-        if (before && !word)
+        word &= ~bitOf(slot);
+        if (!word)
             lostWord(slot / 64);
     }
 
@@ -173,7 +171,7 @@ private:
             if (bits[level][position / 64])
                 break;
         }
-        if (*room || !*bits[height - 1])
+        if (!*bits[height - 1])
             return;
         position = 0;
         for (unsigned level = height; --level > 0;)
