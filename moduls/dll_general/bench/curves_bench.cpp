@@ -257,10 +257,9 @@ void time(benchmark::State &state)
     state.SetLabel(rule<kind>());
 }
 
-/// The passes that a quartic of two circles needs, and no test of when they end.
+/// The passes for the first factor of a quartic of two circles.
 struct PassesAlone {
     double e4, e3, e2, e1, e0;
-    int passes;
 
     explicit PassesAlone(const Case &c)
     {
@@ -271,21 +270,21 @@ struct PassesAlone {
         e3 = e1 = 4 * square * dy * f.a;
         e2 = 2 * sum;
         e0 = sum + 2 * square * dx * f.a;
-        Points points;
-        passes = Ours<circles>::solve(c, points);
     }
     double run() const
     {
-        double p = 0, q = 0;
-        for (int pass = 0; pass < passes; ++pass) {
+        double p = 0, q = 0, ratio;
+        do {
             const double b1 = e3 - p * e4, c1 = b1 - p * e4;
             const double b2 = e2 - p * b1 - q * e4, c2 = b2 - p * c1 - q * e4;
             const double b3 = e1 - p * b2 - q * b1, c3 = b3 - p * c2 - q * c1;
             const double b4 = e0 - p * b3 - q * b2;
             const double d = b3 - c3, D = c2 * c2 + d * c1;
-            p += (c2 * b3 - c1 * b4) / D;
-            q += (d * b3 + c2 * b4) / D;
-        }
+            const double dp = (c2 * b3 - c1 * b4) / D, dq = (d * b3 + c2 * b4) / D;
+            p += dp;
+            q += dq;
+            ratio = (std::fabs(dp) + std::fabs(dq)) / (std::fabs(p) + std::fabs(q));
+        } while (ratio > 1e-10);
         return p + q;
     }
 };
