@@ -120,13 +120,13 @@ private:
     /// difference of equal numbers that aren't 0, so it is +0 whichever sample is the first.
     bool nearestAreExtremes() const
     {
-        constexpr double largest = 1e99;    // far below where the extremes start
+        constexpr double largest = 1e300;   // no sum with a centre so near is infinite
         constexpr double smallest = 1e-290; // far above the numbers that lose digits
         constexpr double farthest = 1e7;
         const double halfWidth = std::fabs(a * c) + std::fabs(b * s); // up to sqrt(2) times of it
         const double halfHeight = std::fabs(a * s) + std::fabs(b * c);
-        return std::fabs(a) < largest && std::fabs(b) < largest && std::fabs(cx) < largest && std::fabs(cy) < largest &&
-               halfWidth > smallest && halfHeight > smallest && std::fabs(cy) < farthest * halfHeight;
+        return halfWidth > smallest && halfWidth < largest && halfHeight > smallest && halfHeight < largest &&
+               std::fabs(cy) < farthest * halfHeight;
     }
 
     /// Adds the samples on both sides of f and of the place opposite, f being the angle of (A, B).
