@@ -511,8 +511,8 @@ TEST(EqBairstow, OtherDegreesThanThreeAndFourAreGuarded)
 
 TEST(EqBairstow, AnyDegreeSettlesAtARatioEqualToTheLimit)
 {
-    // (x^2 - 1)*(x^2 - 4)*(x - 3) from x^2 - 1: no change at once. x^3 - 3x^2 - 4x + 12 from there: q changes by -3, then
-    // nothing.
+    // (x^2 - 1)*(x^2 - 4)*(x - 3) from x^2 - 1: no change at once. x^3 - 3x^2 - 4x + 12 from there: q changes by -3,
+    // then nothing.
     ComplexRun quintic({{1, 0}, {-3, 0}, {-5, 0}, {15, 0}, {4, 0}, {-12, 0}});
     int passes = 60;
     EXPECT_EQ(5, quintic.solve(karComplex(0, 0), karComplex(-1, 0), 0.0, passes));
