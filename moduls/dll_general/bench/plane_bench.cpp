@@ -156,44 +156,60 @@ struct Placed {
     Coordinate y;
 };
 
-/// Each coordinate read, changed and written once.
+std::vector<Placed<double>> placed(const std::vector<karD_Point> &all)
+{
+    static_assert(sizeof(Placed<double>) == sizeof(karD_Point));
+    std::vector<Placed<double>> result;
+    for (const karD_Point &p : all)
+        result.push_back({nullptr, p.x(), p.y()});
+    return result;
+}
+
+std::vector<Placed<int>> placed(const std::vector<karPoint> &all)
+{
+    static_assert(sizeof(Placed<int>) == sizeof(karPoint));
+    std::vector<Placed<int>> result;
+    for (const karPoint &p : all)
+        result.push_back({nullptr, p.x(), p.y()});
+    return result;
+}
+
+/// The products and sums of a place in their order.
+void turn(std::vector<Placed<double>> &all)
+{
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    for (Placed<double> &p : all) {
+        const double dx = p.x - centreX;
+        const double dy = p.y - centreY;
+        p.x = (centreX + (dx * cosine)) - (dy * sine);
+        p.y = (centreY + (dx * sine)) + (dy * cosine);
+    }
+}
+
+/// Four products, each truncated on its own.
+void turn(std::vector<Placed<int>> &all)
+{
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+    for (Placed<int> &p : all) {
+        const double dx = p.x - 120;
+        const double dy = p.y + 45;
+        p.x = 120 + static_cast<int>(dx * cosine) - static_cast<int>(dy * sine);
+        p.y = -45 + static_cast<int>(dx * sine) + static_cast<int>(dy * cosine);
+    }
+}
+
 template <class Point>
 void rotateLimit(benchmark::State &state)
 {
-    std::vector<Placed<double>> all(count, {nullptr, 1, 1});
-    static_assert(sizeof(Placed<double>) == sizeof(karD_Point));
+    auto all = placed(points<Point>());
     for (auto _ : state) {
-        for (Placed<double> &p : all) {
-            p.x += 1;
-            p.y += 1;
-        }
+        turn(all);
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
-    state.SetLabel("each coordinate read and written, behind a table");
-}
-
-/// Four products, each truncated on its own, and none looked at for its range.
-template <>
-void rotateLimit<karPoint>(benchmark::State &state)
-{
-    std::vector<Placed<int>> all;
-    static_assert(sizeof(Placed<int>) == sizeof(karPoint));
-    for (const karPoint &p : points<karPoint>())
-        all.push_back({nullptr, p.x(), p.y()});
-    const double cosine = std::cos(angle);
-    const double sine = std::sin(angle);
-    for (auto _ : state) {
-        for (Placed<int> &p : all) {
-            const double dx = p.x - 120;
-            const double dy = p.y + 45;
-            p.y = -45 + static_cast<int>(dx * sine) + static_cast<int>(dy * cosine);
-            p.x = 120 + static_cast<int>(dx * cosine) - static_cast<int>(dy * sine);
-        }
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
-    state.SetLabel("four products, each truncated on its own");
+    state.SetLabel("the products and sums alone, on points of this size");
 }
 
 /// Each coordinate read once, as whole numbers whose sum may be taken in any order.
