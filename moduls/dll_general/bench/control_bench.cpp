@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <list>
 #include <memory>
 #include <random>
@@ -309,6 +310,33 @@ void messageOurs(benchmark::State &state, const char *text)
     state.SetLabel("each value an object, a text read as a copy");
 }
 
+/// The blocks of one message and its texts, copied, and nothing else.
+void messageLimit(benchmark::State &state, const char *text)
+{
+    const karString resident; // as the host's own: a page goes with its last block
+    const auto size = static_cast<unsigned>(std::strlen(text)) + 1;
+    for (auto _ : state) {
+        void *blocks[] = {KarAllocMemory(sizeof(karMessageLBase)), KarAllocMemory(4 * sizeof(karDataBase *)),
+                          KarAllocMemory(sizeof(karDataId)),       KarAllocMemory(sizeof(karDataText)),
+                          KarAllocMemory(sizeof(karDataDouble)),   KarAllocMemory(sizeof(karDataInteger))};
+        void *stored = KarAllocMemory(16); // an empty text, replaced if it is too short
+        if (size > 16) {
+            KarDellocMemory(stored);
+            stored = KarAllocMemory(size);
+        }
+        std::memcpy(stored, text, size);
+        void *const read = KarAllocMemory(size + 8);
+        std::memcpy(read, stored, size);
+        benchmark::DoNotOptimize(read);
+        benchmark::ClobberMemory();
+        for (void *const block : blocks)
+            KarDellocMemory(block);
+        KarDellocMemory(stored);
+        KarDellocMemory(read);
+    }
+    state.SetLabel("the blocks, the text copied in and out");
+}
+
 enum class Id : int {
 };
 using Value = std::variant<std::monostate, Id, std::string, int, double>;
@@ -364,6 +392,8 @@ const int registered = registerAll();
 } // namespace
 
 BENCHMARK_CAPTURE(messageOurs, short, shortText)->Name("Message/short_text/ours");
+BENCHMARK_CAPTURE(messageLimit, short, shortText)->Name("Message/short_text/limit");
 BENCHMARK_CAPTURE(messageVariants, short, shortText)->Name("Message/short_text/std::variant");
 BENCHMARK_CAPTURE(messageOurs, long, longText)->Name("Message/long_text/ours");
+BENCHMARK_CAPTURE(messageLimit, long, longText)->Name("Message/long_text/limit");
 BENCHMARK_CAPTURE(messageVariants, long, longText)->Name("Message/long_text/std::variant");
