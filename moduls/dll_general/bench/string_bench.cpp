@@ -304,10 +304,12 @@ void readWholeFromChars(benchmark::State &state)
 {
     const std::string text("1234567");
     const char *start = text.c_str();
+    const char *end = start + text.size();
     for (auto _ : state) {
         benchmark::DoNotOptimize(start);
+        benchmark::DoNotOptimize(end);
         int value;
-        std::from_chars(start, start + 7, value);
+        std::from_chars(start, end, value);
         benchmark::DoNotOptimize(value);
     }
 }
