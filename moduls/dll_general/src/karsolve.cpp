@@ -387,8 +387,8 @@ struct MatrixRoots {
     {
         double re1, im1, re2, im2;
         Solve_SquareRoots(p, q, re1, im1, re2, im2);
-        storeReal(position, re1);
-        storeReal(position + 1, re2);
+        elements.set(position, re1);
+        elements.set(position + 1, re2); // of degree 1 the next overwrites it
         elements.set(position + n, im1);
         elements.set(position + n + 1, im2);
     }
@@ -396,15 +396,8 @@ struct MatrixRoots {
     {
         if (position >= degree)
             return;
-        storeReal(position, root);
+        elements.set(position, root);
         elements.set(position + 1, 0.0);
-    }
-
-private:
-    void storeReal(int position, double real) const
-    {
-        if (position < degree)
-            elements.set(position, real);
     }
 };
 

@@ -190,8 +190,8 @@ karString &karString::operator=(const karString &other)
     const unsigned newLength = other.cachedLength != unknownLength ? other.cachedLength : count;
     const bool isLonger = newLength >= bufferSize;
     unsigned newSize = isLonger ? other.bufferSize : bufferSize;
-    const bool runsOn = count >= newSize;
-    if (runsOn) // past its cached length
+    const bool runsOn = other.buffer && count >= newSize; // past its cached length; without a buffer newSize may be 0
+    if (runsOn)
         newSize = adjust(count + 1);
     cachedLength = newLength;
     if (isLonger || runsOn) {

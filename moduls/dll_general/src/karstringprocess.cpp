@@ -228,7 +228,7 @@ int karString::format(const char *fmt, ...)
     reSize(total);
     if (bufferSize <= count) { // the estimate was too small
         KarDellocMemory(buffer);
-        obtainText(printed, printed ? count : 0, std::uint64_t{count} + 1);
+        obtainText(printed ? printed : "", printed ? count : 0, std::uint64_t{count} + 1);
     } else if (buffer) {
         if (count && printed)
             std::memcpy(buffer, printed, count);

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 namespace {
@@ -103,7 +104,9 @@ TEST(WriteUsualFormat, LeavesOthersToTheCLibrary)
     EXPECT_EQ(usual("%05s", "a"), left);
     EXPECT_EQ(usual("%+s", "a"), left);
     EXPECT_EQ(usual("%ls", L"a"), left);
+    EXPECT_EQ(usual("%.1000f", 1.5), left);
     EXPECT_EQ(usual("%f", HUGE_VAL), left);
+    EXPECT_EQ(usual("%f", std::numeric_limits<double>::quiet_NaN()), left);
     EXPECT_EQ(usual("%e", 1.0), left);
     EXPECT_EQ(usual("%5%"), left);
 }

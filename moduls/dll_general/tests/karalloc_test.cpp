@@ -1,5 +1,5 @@
 // Objects and arrays from the library's allocator: sizes beyond 32 bits fail, and the placement form takes its address.
-// The largest size of all isn't asked for: whether 4 GB are free is up to the machine.
+// The largest sizes are in karalloc_largest_test.cpp.
 #include "karalloc.h"
 
 #include <gtest/gtest.h>

@@ -210,6 +210,11 @@ TEST(KarMessageBaseWithoutMemory, AfterAFailedArrayBuiltValuesAreReleasedAndGive
         karMessageBase message(EnumMessageID(2), 1);
         {
             AllAllocationsFail failing;
+            message.setParamCount(1);
+        }
+        message.setId(0, 1);
+        {
+            AllAllocationsFail failing;
             message.setParamCount(2);
         }
         message.setId(0, 1).setText(1, "x").setInteger(0, 3).setDouble(1, 1.0);

@@ -244,8 +244,10 @@ TEST(IsPointOnArc, EndsBelongToIt)
     EXPECT_TRUE(IsPointOnArc(1, 1, 2, -1, -9.9e-51, 3, 1, true, 1e-10)); // and of the end
     EXPECT_FALSE(IsPointOnArc(1, 1, 2, -1, -1.1e-50, 3, 1, true, 1e-10));
     EXPECT_TRUE(IsPointOnArc(1, 1, 2, 9.9e-51, -1, 3, 1, true, 1e-10)); // start above end
+    EXPECT_TRUE(IsPointOnArc(1, 1, 2, 1e-50, -1, 3, 1, true, 1e-10));
     EXPECT_FALSE(IsPointOnArc(1, 1, 2, 1.1e-50, -1, 3, 1, true, 1e-10));
     EXPECT_TRUE(IsPointOnArc(1, 1, 2, 1, -9.9e-51, 3, 1, true, 1e-10));
+    EXPECT_TRUE(IsPointOnArc(1, 1, 2, 1, -1e-50, 3, 1, true, 1e-10));
     EXPECT_FALSE(IsPointOnArc(1, 1, 2, 1, -1.1e-50, 3, 1, true, 1e-10));
 }
 

@@ -387,6 +387,7 @@ TEST(IntersectLineEllipticalArc, CandidateAtPiNeedsAHorizontalLineThatIsNotVerti
 {
     const Ellipse e = {0, 0, 1, 1};
     EXPECT_EQ(2, crossing(Line{-1, 0, 1, 0.8e-50}, e, 0).count);
+    EXPECT_EQ(1, crossing(Line{-1, 0, 1, 1e-50}, e, 0).count);
     EXPECT_EQ(1, crossing(Line{-1, 0, 1, 1.2e-50}, e, 0).count); // slope 6e-51: u1 is still 0 within 1e-50
     const double P = std::cos(1.0);
     const Ellipse flat = {0, 0, 1, 1e60, 1.0};

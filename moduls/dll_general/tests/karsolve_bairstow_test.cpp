@@ -508,6 +508,19 @@ TEST(EqBairstow, OtherDegreesThanThreeAndFourAreGuarded)
     EXPECT_EQ(0, EqBairstow(-3, nullptr, nullptr, karComplex(), karComplex(), 1e-10, passes));
 }
 
+TEST(EqBairstow, AnyDegreeSettlesAtARatioEqualToTheLimit)
+{
+    // (x^2 - 1)*(x^2 - 4)*(x - 3) from x^2 - 1: no change at once. x^3 - 3x^2 - 4x + 12 from there: q changes by -3, then
+    // nothing.
+    ComplexRun quintic({{1, 0}, {-3, 0}, {-5, 0}, {15, 0}, {4, 0}, {-12, 0}});
+    int passes = 60;
+    EXPECT_EQ(5, quintic.solve(karComplex(0, 0), karComplex(-1, 0), 0.0, passes));
+    EXPECT_EQ(3, passes);
+    const double roots[] = {1, -1, 2, -2, 3};
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(roots[i], quintic.x[i + 1].GetReal());
+}
+
 // Against the steps written out
 
 /// Bairstow's iteration for degree 3 or 4, with p, q, the quotients and the ratio as in the book.

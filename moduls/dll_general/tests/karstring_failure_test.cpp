@@ -126,6 +126,15 @@ TEST(KarStringFailure, FormatGivesTheLengthAndNoText)
     EXPECT_TRUE(hasNoBuffer(isLong, 600, 608));
 }
 
+// The room to print in can't be had; releasing the old buffer then makes way for the new one.
+TEST(KarStringFailure, FormatWithoutRoomToPrintInEmptiesTheText)
+{
+    karString s('x', 1000u);
+    const NthHeapBlockFails failing(1);
+    EXPECT_EQ(s.format("%*s", -2000, "ab"), 2000); // a negative width isn't part of the estimate
+    EXPECT_TRUE(hasState(s, "", 2000, 2008));
+}
+
 TEST(KarStringFailure, ResultsThatCannotBeHadReadAsEmpty)
 {
     karString s("a,b");

@@ -386,6 +386,7 @@ TEST(KarString, ReadsEverythingElseAsHexadecimal)
     EXPECT_EQ(readWhole("-10"), (Whole{0, -16}));
     EXPECT_EQ(readWhole("+10"), (Whole{0, 16}));
     EXPECT_EQ(readWhole("0x10"), (Whole{0, 16}));
+    EXPECT_EQ(readWhole("0x7"), (Whole{0, 7}));
     EXPECT_EQ(readWhole("-0X1f"), (Whole{0, -31}));
     EXPECT_EQ(readWhole(" 12"), (Whole{0, 18})); // a blank isn't a digit
     EXPECT_EQ(readWhole("\t\n\v\f\r 12"), (Whole{0, 18}));

@@ -1,5 +1,6 @@
 // Formatting, trimming, mapping, searching and taking texts apart.
 // Not tested: the size that a format of more than 4 GB asks for.
+#include "karmemgb.h"
 #include "support/textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
@@ -98,6 +99,7 @@ TEST(KarString, FormatEstimatesNumbersByWidthAndPrecisionAtLeast32)
     EXPECT_EQ(sizeAfter("%02d", 5), 40u);
     EXPECT_EQ(sizeAfter("% d", 5), 40u);
     EXPECT_EQ(sizeAfter("%#44x", 5u), 48u);                    // 44 + 2
+    EXPECT_EQ(sizeAfter("%#45x", 5u), 48u);                    // 47: adjust(48)
     EXPECT_EQ(sizeAfter("%#46x", 5u), 56u);                    // 46 + 2
     EXPECT_EQ(sizeAfter("%i%u%o", 1, 2u, 3u), 104u);           // 96
     EXPECT_EQ(sizeAfter("%X%e%g%G", 1u, 1.0, 1.0, 1.0), 136u); // 128
@@ -227,6 +229,13 @@ TEST(KarString, FormatHasRoomForWhatTheEstimateMisses)
     karString u;
     EXPECT_EQ(u.format("%700d|", 5), 701); // longer than what is printed at once
     EXPECT_TRUE(hasState(u, std::string(699, ' ') + "5|", 701, 704));
+    const long before = globalMemList->getCurAnzNew();
+    {
+        karString v;
+        EXPECT_EQ(v.format("%1500d", 7), 1500);
+        EXPECT_EQ(v == (std::string(1499, ' ') + "7").c_str(), 1);
+    }
+    EXPECT_EQ(globalMemList->getCurAnzNew(), before); // a block written over its end isn't released
 }
 
 TEST(KarString, FormatTakesNegativePrecisionAsItIs)
@@ -758,6 +767,17 @@ TEST(KarString, TokensHaveTheirOwnSize)
     EXPECT_TRUE(hasState(s, "b", 1, 120));
     s = "0123456789abcde,b";
     EXPECT_TRUE(hasState(s.karstrtok(","), "0123456789abcde", 15, 16));
+}
+
+TEST(KarString, MovesALongRestToTheStart)
+{
+    std::string rest;
+    for (int i = 0; i < 50000; ++i)
+        rest += static_cast<char>('a' + i % 23);
+    karString s(("token," + rest).c_str());
+    EXPECT_EQ(s.karstrtok(",") == "token", 1);
+    EXPECT_EQ(s == rest.c_str(), 1);
+    EXPECT_EQ(s.length(), 50000u);
 }
 
 TEST(KarString, TakesTokensByDelimitersThatLieInTheText)

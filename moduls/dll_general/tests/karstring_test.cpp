@@ -327,6 +327,29 @@ TEST(KarString, AssignmentOfATextWithoutBufferAndRoomForItsLengthLosesTheBuffer)
     EXPECT_EQ(TextProbe::bytes(a), nullptr);
 }
 
+// Any buffer would be too small for the length that is taken over.
+TEST(KarString, AssignmentOfATextWithoutBufferWhoseSizeIsNoneLosesTheBuffer)
+{
+    const karString b('x', 0xffffffffu, 0u); // size 2^32, which wraps to 0
+    ASSERT_EQ(b.size(), 0u);
+    karString a("abc");
+    a = b;
+    EXPECT_EQ(TextProbe::bytes(a), nullptr);
+    EXPECT_EQ(a.length(), 0xffffffffu);
+    EXPECT_EQ(a.size(), 0u);
+    EXPECT_EQ(a.karstrchr('x', 1000), -1);
+    a.cut(1000);
+    EXPECT_EQ(a.length(), 1000u);
+    a = "abc";
+    EXPECT_TRUE(hasState(a, "abc", 3, 16)); // adjust(12)
+    a = b;
+    a &= 'c';
+    EXPECT_EQ(a.vstrlen(), 0u);
+    karString c("abc");
+    c = karString(0xffffffffu); // size 0 too, but length 0: fits
+    EXPECT_TRUE(hasState(c, "", 0, 16));
+}
+
 TEST(KarString, AppendBeyondThirtyTwoBitsLosesTheBuffer)
 {
     karString s("abc");
@@ -638,6 +661,11 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     s &= 'i';
     EXPECT_TRUE(hasState(s, "abcdefghi", 9, 16));
 
+    karString large('a', 999u); // the block's guard, its length of 1008 bytes, follows at once
+    large[999] = 'b';
+    EXPECT_EQ(large.karstrstr("ab", 990), 998);
+    EXPECT_EQ(large.karstrstr("b\xf0", 990), -1);
+
     karString tokens("abc,efg", 0u);
     tokens[7] = 'h';
     EXPECT_TRUE(hasState(tokens.karstrtok(","), "abc", 3, 16));
@@ -707,6 +735,7 @@ TEST(KarString, FindsTextAndCharactersByPointer)
     EXPECT_EQ(s.vstrchr('x'), nullptr);
     EXPECT_EQ(s.vstrchr('\0'), text + 6);
     EXPECT_EQ(s.vstrrchr('b'), text + 4);
+    EXPECT_EQ(karString("b").vstrrchr('b') != nullptr, true); // the first character too
     EXPECT_EQ(s.vstrrchr('x'), nullptr);
     EXPECT_EQ(s.vstrrchr('\0'), text + 6);
     EXPECT_EQ(TextProbe::cached(s), 6u);
