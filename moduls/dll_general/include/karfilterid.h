@@ -118,4 +118,21 @@ protected:
     FilterMObject *methods = nullptr; ///< `slotCount` slots, null without a table
 };
 
+// Inline, so that the two calls of a dispatch stand in the host's loop, where the processor foresees them best.
+
+inline errorCodesKARTORY FilterMObject::filter(karFilterObject *item)
+{
+    if (!object || !method)
+        return KAR_ERROR_NO_METHOD;
+    return (getObject()->*method)(item);
+}
+
+inline errorCodesKARTORY karFilterIdBase::filterObject(karFilterObject *item)
+{
+    const filterObjectID id = item->getFilterId();
+    if (!methods)
+        return KAR_ERROR_UNKNOWN_METHOD;
+    return id >= 0 && id < slotCount ? methods[id].filter(item) : KAR_ERROR_NO_METHOD;
+}
+
 #endif

@@ -328,19 +328,16 @@ private:
         return static_cast<unsigned long long>(i) > 0xffffffffu ? 0xffffffffu : static_cast<unsigned>(i);
     }
 
-    // A text without terminator or buffer is told by the last byte that the comparison may have read.
+    // The last byte of a buffer is NUL, but where a host has written there or a text fills its buffer.
+    bool isTerminated() const { return buffer && !buffer[bufferSize - 1]; }
     int compare(const char *text) const
     {
-        const int order = buffer ? std::strncmp(buffer, text, bufferSize) : 0;
-        return order || (buffer && !buffer[bufferSize - 1]) ? order : compareBounded(text, std::strlen(text));
+        return isTerminated() ? std::strcmp(buffer, text) : compareBounded(text, std::strlen(text));
     }
     int compare(const karString &other) const
     {
-        if (!buffer || !other.buffer)
-            return compareBounded(other.text(), other.measured());
-        const unsigned size = bufferSize < other.bufferSize ? bufferSize : other.bufferSize;
-        const int order = std::strncmp(buffer, other.buffer, size);
-        return order || !buffer[size - 1] ? order : compareBounded(other.buffer, other.measured());
+        return isTerminated() && other.isTerminated() ? std::strcmp(buffer, other.buffer)
+                                                      : compareBounded(other.text(), other.measured());
     }
 
     karString(const karString &left, const char *right, std::size_t rightCount);
