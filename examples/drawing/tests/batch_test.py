@@ -174,11 +174,11 @@ class Local(BatchTest):
             while len(self.counts("end")) < 3 and time.monotonic() < end:
                 time.sleep(0.02)
             for which in signals:
-                if which == signal.SIGKILL:
-                    children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text().split()
+                children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text().split()
+                process.send_signal(which)
+                if which == signal.SIGKILL:     # after the script, which would otherwise tell of their end
                     for child in children:
                         os.kill(int(child), which)
-                process.send_signal(which)
                 time.sleep(0.05)
             told = process.communicate(timeout=60)
         return process.returncode, told
