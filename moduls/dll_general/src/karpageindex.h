@@ -5,13 +5,12 @@
 #include "addresstable.h"
 #include "karmem.h"
 
-#include <algorithm>
 #include <new>
 
 namespace kar {
 
 /// Lowest bit that is set.
-inline unsigned lowestBit(std::uint64_t word) { return static_cast<unsigned>(__builtin_ctzll(word)); }
+inline std::size_t lowestBit(std::uint64_t word) { return static_cast<std::size_t>(__builtin_ctzll(word)); }
 
 /// `first` if `condition` holds, otherwise `second`, without a branch: for conditions that chance decides.
 inline void *choose(bool condition, void *first, void *second)
@@ -21,10 +20,12 @@ inline void *choose(bool condition, void *first, void *second)
     return reinterpret_cast<void *>((addressOf(first) & mask) | (addressOf(second) & ~mask));
 }
 
-/// A page by a piece of the address space that its storage meets. All pieces of a table have one size.
+/// The pages whose storage meets a piece of the address space. All pieces of a table have one size.
 struct PageStretch {
-    std::uintptr_t key; // first address of the piece divided by its size, plus 1
-    karPage *page;
+    std::uintptr_t key;   // first address of the piece divided by its size, plus 1
+    std::uintptr_t start; // of the storage of the upper page
+    karPage *lower;
+    karPage *upper; // the same where the piece meets one alone
 };
 
 /// The pages of at least 2^largeShift bytes, those of all indices together: an address can be looked up before it is
@@ -46,7 +47,7 @@ public:
 
     bool complete() const { return !gaveUp; }
     bool fewPages() const { return height == 1; }
-    karPage *firstWithRoom() const { return room; }
+    karPage *firstWithRoom() const { return roomWord() ? pageOf(roomWord()) : nullptr; }
     int pages() const { return pageCount; }
 
     /// The page of any index with large pages whose storage holds `p`, or null.
@@ -68,7 +69,7 @@ public:
         ++pageCount;
         if (!gaveUp && !(addSlot(page) && addStretches(page)))
             giveUp();
-        if (!gaveUp && page.firstFreeElement_)
+        if (page.firstFreeElement_)
             gotRoom(page);
     }
 
@@ -87,61 +88,44 @@ public:
         }
     }
 
-    /// An element of the page has been released. Where the pages are few (`fewPages`), and their memory near, a branch on
-    /// what chance decides would cost more than the work, here and in `tookElement`.
-    void gotElement(karPage &page)
-    {
-        const unsigned slot = page.state.slot;
-        *bits[0] |= bitOf(slot);
-        room = static_cast<karPage *>(choose(slot < roomSlot, &page, room));
-        roomSlot = std::min(slot, roomSlot);
-    }
+    /// The first 64 slots together of which one has room, a bit for each; 0 without any.
+    std::uint64_t roomWord() const { return *room; }
+    /// The page of the lowest bit of `roomWord()`, which isn't 0.
+    karPage *pageOf(std::uint64_t word) const { return roomSlots[lowestBit(word)].page; }
 
-    /// An element of the page has been taken, the last free one if `full`.
-    void tookElement(karPage &page, bool full)
-    {
-        const unsigned slot = page.state.slot;
-        const std::uint64_t word = *bits[0] & ~(std::uint64_t(full) << slot % 64);
-        *bits[0] = word;
-        const unsigned lowest = lowestBit(word | (word == 0));
-        room = static_cast<karPage *>(choose(word, slots[lowest].page, nullptr));
-        roomSlot = lowest | (0u - static_cast<unsigned>(word == 0)); // noSlot without any
-    }
+    /// An element of the page of the lowest bit of `roomWord()`, which is `word`, has been taken, the last one if `full`.
+    /// Only where the pages are few (`fewPages`), which is one word.
+    void tookFirst(std::uint64_t word, bool full) { *room = word & (word - full); }
 
-    /// The page has a free element again.
+    /// The page has a free element.
     void gotRoom(karPage &page)
     {
-        unsigned position = page.state.slot;
-        for (unsigned level = 0; level < height; ++level, position /= 64) {
-            const std::uint64_t before = bits[level][position / 64];
-            bits[level][position / 64] = before | bitOf(position);
-            if (before)
-                break; // the levels above know of the word
-        }
-        if (height > 0 && page.state.slot < roomSlot) {
-            room = &page;
-            roomSlot = page.state.slot;
-        }
+        if (gaveUp)
+            return;
+        const unsigned slot = page.state.slot;
+        std::uint64_t &word = bits[0][slot / 64];
+        const std::uint64_t before = word;
+        word = before | bitOf(slot);
+        if (!before)
+            gotWord(slot / 64);
     }
 
     /// The page of the slot is full now, or goes.
     void lostRoom(unsigned slot)
     {
-        unsigned position = slot;
-        for (unsigned level = 0; level < height; ++level, position /= 64) {
-            bits[level][position / 64] &= ~bitOf(position);
-            if (bits[level][position / 64])
-                break;
-        }
-        if (slot == roomSlot)
-            findRoom();
+        if (gaveUp)
+            return;
+        std::uint64_t &word = bits[0][slot / 64];
+        word &= ~bitOf(slot);
+        if (!word)
+            lostWord(slot / 64);
     }
 
     /// Forgets what it knows of the pages; their chain is walked from now on.
     void giveUp()
     {
         gaveUp = true;
-        noRoom();
+        room = &nothing;
         for (unsigned i = 0; i < used; ++i)
             if (slots[i].page)
                 removeStretches(slots[i]);
@@ -162,26 +146,43 @@ private:
     static constexpr unsigned levels = 5; // 64 to the power of 5 pages
     static constexpr unsigned firstCapacity = 64;
 
-    static constexpr unsigned noSlot = ~0u;
+    static std::uint64_t bitOf(std::size_t position) { return std::uint64_t(1) << position % 64; }
 
-    void noRoom()
+    // A word of the lowest level isn't 0 any more.
+    [[gnu::noinline]] void gotWord(std::size_t word)
     {
-        room = nullptr;
-        roomSlot = noSlot;
+        std::size_t position = word;
+        for (unsigned level = 1; level < height; ++level, position /= 64) {
+            const std::uint64_t before = bits[level][position / 64];
+            bits[level][position / 64] = before | bitOf(position);
+            if (before)
+                break; // the levels above know of the word
+        }
+        if (!*room || bits[0] + word < room)
+            setRoom(word);
     }
 
-    static std::uint64_t bitOf(unsigned position) { return std::uint64_t(1) << position % 64; }
-
-    void findRoom()
+    // A word of the lowest level is 0 now.
+    [[gnu::noinline]] void lostWord(std::size_t word)
     {
-        noRoom();
-        if (height == 0 || !*bits[height - 1])
+        std::size_t position = word;
+        for (unsigned level = 1; level < height; ++level, position /= 64) {
+            bits[level][position / 64] &= ~bitOf(position);
+            if (bits[level][position / 64])
+                break;
+        }
+        if (!*bits[height - 1])
             return;
-        unsigned position = 0;
-        for (unsigned level = height; level-- > 0;)
+        position = 0;
+        for (unsigned level = height; --level > 0;)
             position = position * 64 + lowestBit(bits[level][position]);
-        room = slots[position].page;
-        roomSlot = position;
+        setRoom(position);
+    }
+
+    void setRoom(std::size_t word)
+    {
+        room = bits[0] + word;
+        roomSlots = slots + 64 * word;
     }
 
     bool addSlot(karPage &page)
@@ -236,7 +237,7 @@ private:
         used = next;
         capacity = newCapacity;
         std::free(old);
-        noRoom();
+        setRoom(0);
         for (unsigned i = 0; i < used; ++i)
             if (slots[i].page->firstFreeElement_)
                 gotRoom(*slots[i].page);
@@ -246,11 +247,12 @@ private:
     static karPage *find(const AddressTable<PageStretch> &pages, unsigned shift, const void *p)
     {
         const std::uintptr_t place = addressOf(p);
-        const PageStretch *const stretch = pages.find((place >> shift) + 1, [place](const PageStretch &candidate) {
-            const std::uintptr_t start = addressOf(candidate.page->firstPageElement_);
-            return place - start <= addressOf(candidate.page->lastPageElement_) - start;
-        });
-        return stretch ? stretch->page : nullptr;
+        const PageStretch *const stretch = pages.find((place >> shift) + 1);
+        if (!stretch)
+            return nullptr;
+        karPage *const page = static_cast<karPage *>(choose(place < stretch->start, stretch->lower, stretch->upper));
+        const std::uintptr_t start = addressOf(page->firstPageElement_);
+        return place - start <= addressOf(page->lastPageElement_) - start ? page : nullptr;
     }
 
     static bool isLarge(const Slot &slot) { return slot.length >> largeShift != 0; }
@@ -275,8 +277,22 @@ private:
     {
         const std::uintptr_t last = ((slot.start + slot.length) >> shift) + 1;
         for (std::uintptr_t key = (slot.start >> shift) + 1; key <= last; ++key)
-            if (!pages.insert({key, slot.page}))
+            if (!addStretch(pages, {key, slot.start, slot.page, slot.page}))
                 return false;
+        return true;
+    }
+
+    static bool addStretch(AddressTable<PageStretch> &pages, const PageStretch &added)
+    {
+        PageStretch *const stretch = pages.find(added.key);
+        if (!stretch)
+            return pages.insert(added);
+        if (stretch->lower != stretch->upper)
+            return false; // pages of many sizes in one chain
+        karPage *const other = stretch->upper;
+        const std::uintptr_t otherStart = addressOf(other->firstPageElement_);
+        *stretch = otherStart < added.start ? PageStretch{added.key, added.start, other, added.upper}
+                                            : PageStretch{added.key, otherStart, added.upper, other};
         return true;
     }
 
@@ -288,13 +304,23 @@ private:
         const unsigned shift = isLarge(slot) ? largeShift : smallShift;
         const std::uintptr_t last = ((slot.start + slot.length) >> shift) + 1;
         for (std::uintptr_t key = (slot.start >> shift) + 1; key <= last; ++key)
-            if (PageStretch *const stretch =
-                    pages.find(key, [&slot](const PageStretch &candidate) { return candidate.page == slot.page; }))
-                pages.erase(stretch);
+            if (PageStretch *const stretch = pages.find(key))
+                removeStretch(pages, stretch, slot.page);
     }
 
-    karPage *room = nullptr; // the first page with a free element
-    unsigned roomSlot = noSlot;
+    static void removeStretch(AddressTable<PageStretch> &pages, PageStretch *stretch, const karPage *page)
+    {
+        if (stretch->lower == page && stretch->upper == page)
+            pages.erase(stretch);
+        else if (stretch->lower == page)
+            stretch->lower = stretch->upper;
+        else if (stretch->upper == page)
+            stretch->upper = stretch->lower; // then `start` doesn't matter
+    }
+
+    std::uint64_t nothing = 0;
+    std::uint64_t *room = &nothing; // the first word of the lowest level that isn't 0; any word that is where all are
+    Slot *roomSlots = nullptr;      // which its bits stand for
     unsigned smallShift = 0;
     AddressTable<PageStretch> smallPages;
     std::uint64_t *bits[levels] = {}; // bit i of a level: word i of the level below isn't 0; at level 0 slot i has room

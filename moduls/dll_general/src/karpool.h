@@ -79,22 +79,30 @@ struct PoolAccess {
     {
         void *const element = page.firstFreeElement_;
         void *const next = FreeLinks::read(element).next;
-        page.elementUsed_ = page.elementUsed_ < 1 ? 1 : page.elementUsed_ + 1;
-        const bool more = holdsLinks(page, next);
-        PageIndex *const index = page.state.index;
-        if (index && index->fewPages()) {
-            FreeLinks nowhere;
-            FreeLinks::writePrev(choose(more, next, &nowhere), nullptr);
-            page.firstFreeElement_ = static_cast<karFreeElement *>(choose(more, next, nullptr));
-            index->tookElement(page, !more);
-        } else if (more) {
+        countTaken(page);
+        if (holdsLinks(page, next)) {
             FreeLinks::writePrev(next, nullptr);
             page.firstFreeElement_ = static_cast<karFreeElement *>(next);
         } else {
             page.firstFreeElement_ = nullptr;
-            if (index)
-                index->lostRoom(page.state.slot);
+            if (page.state.index)
+                page.state.index->lostRoom(page.state.slot);
         }
+        return element;
+    }
+
+    /// The same of the first page with room, which `word` tells, where the pages are few: their memory is near, and a
+    /// branch on what chance decides would cost more than the work.
+    static void *takeNear(PageIndex &index, std::uint64_t word)
+    {
+        karPage &page = *index.pageOf(word);
+        void *const element = page.firstFreeElement_;
+        void *const next = FreeLinks::read(element).next;
+        countTaken(page);
+        const bool more = holdsLinks(page, next);
+        FreeLinks::writePrev(choose(more, next, element), nullptr); // the element's own is null
+        page.firstFreeElement_ = static_cast<karFreeElement *>(choose(more, next, nullptr));
+        index.tookFirst(word, !more);
         return element;
     }
 
@@ -104,33 +112,32 @@ struct PoolAccess {
     /// The same for an address that is known to be the start of an element or not.
     [[gnu::always_inline]] static inline bool give(karPage &page, void *p, bool element)
     {
-        if (element && isFree(page, p))
-            return false;
-        page.elementUsed_ = page.elementUsed_ < 1 ? 0 : page.elementUsed_ - 1;
         if (element) {
+            if (isFree(page, p))
+                return false;
             karFreeElement *const head = page.firstFreeElement_;
-            FreeLinks{head, nullptr}.write(p);
-            page.firstFreeElement_ = static_cast<karFreeElement *>(p);
             PageIndex *const index = page.state.index;
-            if (index && index->fewPages()) {
-                FreeLinks nowhere;
-                FreeLinks::writePrev(choose(head, head, &nowhere), p);
-                index->gotElement(page);
+            if (index && index->fewPages()) { // as in `takeNear`
+                FreeLinks::writePrev(choose(head, head, p), p);
+                index->gotRoom(page);
             } else if (head) {
                 FreeLinks::writePrev(head, p);
             } else if (index) {
                 index->gotRoom(page);
             }
+            FreeLinks{head, nullptr}.write(p);
+            page.firstFreeElement_ = static_cast<karFreeElement *>(p);
         }
+        page.elementUsed_ = page.elementUsed_ < 1 ? 0 : page.elementUsed_ - 1;
         return page.elementUsed_ == 0;
     }
 
     /// `karPageMemory::newElement`.
-    static void *take(karPageMemory &pool)
+    [[gnu::always_inline]] static inline void *take(karPageMemory &pool)
     {
         if (PageIndex *const index = pool.state.index)
-            if (karPage *const page = index->firstWithRoom())
-                return take(*page);
+            if (const std::uint64_t word = index->roomWord())
+                return index->fewPages() ? takeNear(*index, word) : take(*index->pageOf(word));
         return takeSlowly(pool);
     }
 
@@ -156,6 +163,8 @@ struct PoolAccess {
     static karPage *find(karPageMemory &pool, void *p);
 
 private:
+    static void countTaken(karPage &page) { page.elementUsed_ = page.elementUsed_ < 1 ? 1 : page.elementUsed_ + 1; }
+
     static void *takeSlowly(karPageMemory &pool);
     static bool giveSlowly(karPageMemory &pool, void *p);
 };

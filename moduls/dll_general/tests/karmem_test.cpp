@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -1058,6 +1059,36 @@ TEST(KarPageMemory, PagesAppendedByHandAreUsedFirstToLast)
         EXPECT_EQ(pool.newElement(), page->firstPageElement());
     EXPECT_EQ(PoolPeek::pages(pool), 200);
     EXPECT_TRUE(pool.isValid());
+}
+
+TEST(KarPageMemory, SmallPagesChainedByHandBehindALargerOneAreUsedAndFoundAsWell)
+{
+    PoolPeek pool(16, 1000);
+    void *own[1000];
+    own[0] = pool.newElement();
+    {
+        std::deque<karPage> small; // many of them side by side, on both sides of whatever the first page ends at
+        for (int i = 0; i < 40; ++i)
+            small.emplace_back(PoolPeek::firstOf(pool), 16, 2);
+        EXPECT_TRUE(pool.isValid());
+        for (int i = 1; i < 1000; ++i)
+            own[i] = pool.newElement();
+        for (karPage &page : small) {
+            EXPECT_EQ(pool.newElement(), static_cast<char *>(page.PageBegin()) + 16);
+            EXPECT_EQ(pool.newElement(), page.PageBegin());
+        }
+        for (karPage &page : small) {
+            void *p = page.PageBegin();
+            pool.deleteElement(p);
+            EXPECT_EQ(p, nullptr);
+            EXPECT_EQ(page.elementUsed(), 1);
+        }
+        EXPECT_EQ(pool.newElement(), small.front().PageBegin());
+        EXPECT_TRUE(pool.isValid());
+    }
+    for (void *&element : own)
+        pool.deleteElement(element);
+    EXPECT_EQ(PoolPeek::firstOf(pool), nullptr);
 }
 
 TEST(KarPageMemory, AssignedToItselfKeepsItsPages)
