@@ -25,7 +25,8 @@ target_compile_options(kar_warnings INTERFACE
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(kar_warnings INTERFACE
         -Wno-self-assign-overloaded              # the tests do it on purpose
-        -Wno-delete-non-abstract-non-virtual-dtor)   # points in a vector: values with a virtual operation, never deleted by base
+        # points in a vector: values with a virtual operation, never deleted by base
+        -Wno-delete-non-abstract-non-virtual-dtor)
 else()
     target_compile_options(kar_warnings INTERFACE -Wduplicated-cond -Wlogical-op
         -Wno-maybe-uninitialized)                # reports uninitialised outputs of stated routines after inlining

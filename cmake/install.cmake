@@ -1,6 +1,6 @@
-# Installed tree: headers, library, CMake package, pkg-config module, what debuggers show values by, and the sample programs where
-# they are built. What a program needs to run, what its maker needs and the samples are components, which a package may hold
-# each for itself.
+# Installed tree: headers, library, CMake package, pkg-config module, what debuggers show values by, and the sample
+# programs where they are built. What a program needs to run, what its maker needs and the samples are components, which
+# a package may hold each for itself.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS krKGeneral EXPORT krKGeneralTargets
@@ -24,8 +24,8 @@ list(JOIN KAR_EXACT_FLAGS " " KAR_EXACT_FLAGS_TEXT)
 configure_file(cmake/krkgeneral.pc.in ${CMAKE_BINARY_DIR}/krkgeneral.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/krkgeneral.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-# gdb loads a file of the library's name from beside the library, in the build tree as in an installed one, which can then be
-# moved; or from the system's folder of such files, which mirrors the paths of libraries and which it trusts.
+# gdb loads a file of the library's name from beside the library, in the build tree as in an installed one, which can
+# then be moved; or from the system's folder of such files, which mirrors the paths of libraries and which it trusts.
 if(NOT WIN32)
     set(gdb_script ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/libkrKGeneral.so.${PROJECT_VERSION}-gdb.py)
     configure_file(moduls/dll_general/debug/krkgeneral_gdb.py ${gdb_script} COPYONLY)
@@ -37,7 +37,8 @@ if(NOT WIN32)
         file(INSTALL DESTINATION \"\${CMAKE_INSTALL_PREFIX}/\${folder}\" TYPE FILE FILES \"${gdb_script}\")"
         COMPONENT development)
 endif()
-install(FILES moduls/dll_general/debug/krkgeneral.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/krKGeneral COMPONENT development)
+install(FILES moduls/dll_general/debug/krkgeneral.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/krKGeneral
+    COMPONENT development)
 
 if(KAR_BUILD_EXAMPLES)
     # The programs find the library beside them wherever the tree lies; packages leave that to the system.

@@ -65,8 +65,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)       # what other packages depend on that are linked with the library
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# The trigger renews the cache of the loader. Two scripts that don't exist are named so that cpack writes none of its own,
-# which would do it once more.
+# The trigger renews the cache of the loader. Two scripts that don't exist are named so that cpack writes none of its
+# own, which would do it once more.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/cmake/debian/triggers none/postinst none/postrm)
 

@@ -1,4 +1,5 @@
-# 32-bit Linux: the widths of the original target, with SSE2 arithmetic so that no result passes through an x87 register.
+# 32-bit Linux: the widths of the original target, with SSE2 arithmetic so that no result passes through
+# an x87 register.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER gcc)   # GoogleTest asks for one

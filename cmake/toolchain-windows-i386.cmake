@@ -1,4 +1,5 @@
-# 32-bit Windows by MinGW-w64: the original target. -mstackrealign because callers there align the stack to 4 bytes only.
+# 32-bit Windows by MinGW-w64: the original target. -mstackrealign because callers there align the stack
+# to 4 bytes only.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)   # GoogleTest asks for one

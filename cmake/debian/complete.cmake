@@ -1,5 +1,5 @@
-# Run by cpack between installing and packing: puts into each package the change logs, the copyright and the manual pages.
-# Debian keeps them compressed, without the time of packing. No file for what is no Debian package.
+# Run by cpack between installing and packing: puts into each package the change logs, the copyright and the manual
+# pages. Debian keeps them compressed, without the time of packing. No file for what is no Debian package.
 if(NOT CPACK_GENERATOR STREQUAL DEB)
     return()
 endif()

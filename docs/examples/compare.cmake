@@ -1,4 +1,5 @@
-# Runs PROGRAM and compares what it prints with the file EXPECTED. After a change that is meant, the file is written anew:
+# Runs PROGRAM and compares what it prints with the file EXPECTED. After a change that is meant, the file
+# is written anew:
 #     build/release/bin/docs-NAME >docs/examples/NAME.out
 execute_process(COMMAND ${EMULATOR} ${PROGRAM} OUTPUT_VARIABLE printed COMMAND_ERROR_IS_FATAL ANY)
 string(REPLACE "\r\n" "\n" printed "${printed}")   # as Windows ends its lines

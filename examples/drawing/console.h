@@ -16,8 +16,8 @@ enum class Loudness {
     Verbose ///< all messages
 };
 
-/// Installs itself as the library's `Stdio` for as long as it lives. Everything goes to standard error, in colours where
-/// that is a terminal that has them; standard output is left to the report.
+/// Installs itself as the library's `Stdio` for as long as it lives. Everything goes to standard error, in colours
+/// where that is a terminal that has them; standard output is left to the report.
 class Console : public karStdio {
 public:
     explicit Console(Language language);
@@ -37,8 +37,8 @@ public:
                                va_list arguments) override;
     karString &localizeString(const char *section, const char *key, karString &out, long number) override;
 
-    /// The turn of everything that runs beside an operation: the tasks, and the progress bar of the controller, which is
-    /// drawn at most ten times a second, on a terminal only and never with `Quiet`.
+    /// The turn of everything that runs beside an operation: the tasks, and the progress bar of the controller, which
+    /// is drawn at most ten times a second, on a terminal only and never with `Quiet`.
     void turn(karCtrl &ctrl);
     void setLoudness(Loudness newLoudness) { loudness = newLoudness; }
     /// Takes the bar away.

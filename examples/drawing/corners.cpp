@@ -37,7 +37,8 @@ Piece shortArc(const karD_Point &centre, double radius, const karD_Point &from, 
     return arc;
 }
 
-// The corner at `tip` between the pieces towards `p` and `q`; none for pieces in one line and for those that are too short.
+// The corner at `tip` between the pieces towards `p` and `q`; none for pieces in one line and for those
+// that are too short.
 std::optional<Corner> cornerAt(const karD_Point &tip, const karD_Point &p, const karD_Point &q, CornerForm form,
                                double size)
 {

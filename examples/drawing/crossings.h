@@ -14,9 +14,9 @@ struct Crossing {
     std::size_t second;
 };
 
-/// The common points of all shapes and, in polylines, of pieces that don't follow each other, bounded by their ends. Pairs
-/// are found by a tree of boxes, so time grows little more than with the number of pieces. A pair whose iteration doesn't
-/// settle within `mostPasses` becomes a finding. After a break: what was found before.
+/// The common points of all shapes and, in polylines, of pieces that don't follow each other, bounded by their ends.
+/// Pairs are found by a tree of boxes, so time grows little more than with the number of pieces. A pair whose iteration
+/// doesn't settle within `mostPasses` becomes a finding. After a break: what was found before.
 std::vector<Crossing> findCrossings(const Picture &picture, int mostPasses, karFilter &filter);
 
 #endif

@@ -12,7 +12,8 @@ const char *kindName(EntityKind kind)
 
 void Block::sort() { ListSort(static_cast<karSortMethod>(&Block::keepsFront), this); }
 
-// Positive where the earlier element stays in front. No two entities are equal, since each has its own place in the file.
+// Positive where the earlier element stays in front. No two entities are equal, since each has its own
+// place in the file.
 int Block::keepsFront(const karListObject *earlier, const karListObject *later)
 {
     const auto &a = static_cast<const Entity &>(*earlier);

@@ -7,8 +7,8 @@
 
 #include <string>
 
-/// Reads a file into an empty drawing. Throws `DrawingError`; the drawing then holds what was read before, and so it does
-/// after a break.
+/// Reads a file into an empty drawing. Throws `DrawingError`; the drawing then holds what was read before, and so it
+/// does after a break.
 void readDxf(const std::string &path, Drawing &drawing, karFilter &filter);
 
 /// \overload the groups that `checkedDxf` gives.

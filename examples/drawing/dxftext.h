@@ -17,9 +17,9 @@ public:
 /// The whole file; "-" is standard input. Throws `DrawingError` for a missing file, a directory and an empty file.
 std::string readFile(const std::string &path);
 
-/// The groups of a drawing up to and including EOF, one line for each code and each value; what stands behind is dropped.
-/// Every group has a code from -5 to 1071 and a value, which is cut to what the parser takes; real and integer values are
-/// numbers in range, and an entity counts no more parts than the file has lines.
+/// The groups of a drawing up to and including EOF, one line for each code and each value; what stands behind is
+/// dropped. Every group has a code from -5 to 1071 and a value, which is cut to what the parser takes; real and integer
+/// values are numbers in range, and an entity counts no more parts than the file has lines.
 /// Throws `DrawingError` for a binary drawing, a text that is no DXF, one that ends early, and a number that isn't one.
 std::string checkedDxf(std::string_view text);
 

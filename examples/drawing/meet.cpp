@@ -203,7 +203,8 @@ private:
         return settled;
     }
 
-    // True where every real root led to a point of both curves. `settled` becomes true where the iteration came to an end.
+    // True where every real root led to a point of both curves. `settled` becomes true where the
+    // iteration came to an end.
     bool quartic(const Piece &implicit, const Piece &parametric, bool &settled)
     {
         constexpr double unwritten = HUGE_VAL;
@@ -225,9 +226,9 @@ private:
         return passes >= 0 && common;
     }
 
-    // Once around the smaller curve: where the larger one's implicit form changes its sign, the curves cross, and where it
-    // comes near 0 and turns back, they may touch. Rounding parts the roots of curves that touch, so the quartic alone
-    // would miss those.
+    // Once around the smaller curve: where the larger one's implicit form changes its sign, the curves cross, and where
+    // it comes near 0 and turns back, they may touch. Rounding parts the roots of curves that touch, so the quartic
+    // alone would miss those.
     void walk(const Piece &larger, const Piece &smaller)
     {
         constexpr int places = 64;

@@ -31,8 +31,8 @@ public:
     Phase &operator=(const Phase &) = delete;
     ~Phase();
 
-    /// To be asked before each element; `fraction` of the phase lies behind. False where a break is asked for: the first
-    /// time this becomes a finding.
+    /// To be asked before each element; `fraction` of the phase lies behind. False where a break is asked for: the
+    /// first time this becomes a finding.
     bool next(double fraction);
 
     karFilter &filter;

@@ -36,8 +36,8 @@ struct Options {
 /// The language that the command line chooses, whatever else stands there; empty where it doesn't.
 std::string languageChoice(int argc, char **argv);
 
-/// Reads the command line. What it gives is the exit status of a program that is done already: after `--help`, and with an
-/// option that can't be read, which it has told the console then.
+/// Reads the command line. What it gives is the exit status of a program that is done already: after `--help`, and with
+/// an option that can't be read, which it has told the console then.
 std::optional<int> readOptions(int argc, char **argv, Options &options);
 
 #endif

@@ -35,8 +35,8 @@ struct Piece {
 
 Piece straightPiece(const karD_Point &start, const karD_Point &end);
 
-/// The arc centre + u*cos t + v*sin t for t from `from` over `sweep` radians: its shadow in the plane, along z. An ellipse
-/// that is seen edge-on becomes the straight piece between its outermost points.
+/// The arc centre + u*cos t + v*sin t for t from `from` over `sweep` radians: its shadow in the plane, along z. An
+/// ellipse that is seen edge-on becomes the straight piece between its outermost points.
 Piece curvedPiece(const kar3D_Point &centre, const kar3D_Point &u, const kar3D_Point &v, double from, double sweep);
 
 /// The same piece along another path: from `end` to `start`.
@@ -49,8 +49,8 @@ karD_Rect sampledBox(const Piece &piece);
 
 double lengthOf(const Piece &piece);
 
-/// Distance of a point from the unbounded curve, to first order, with a sign; `normal` becomes the unit direction in which
-/// it grows.
+/// Distance of a point from the unbounded curve, to first order, with a sign; `normal` becomes the unit direction in
+/// which it grows.
 double offset(const Piece &piece, const karD_Point &point, karD_Point &normal);
 /// Distance of a point from the bounded piece; to first order, so right for points near it.
 double gap(const Piece &piece, const karD_Point &point);

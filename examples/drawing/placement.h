@@ -12,7 +12,8 @@ struct Placement {
     kar3D_Point y{0.0, 1.0, 0.0};
     kar3D_Point z{0.0, 0.0, 1.0};
 
-    /// The object coordinate system of an extrusion direction, by the arbitrary axis rule. A null direction is that of z.
+    /// The object coordinate system of an extrusion direction, by the arbitrary axis rule. A null
+    /// direction is that of z.
     static Placement ofExtrusion(const kar3DVector &extrusion);
     /// Scaled first, turned then, moved last.
     static Placement of(const karTransformationInfo &info);

@@ -11,8 +11,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A temporary file where the file is to be. It is gone with the object unless it was committed; where the system has files
-/// without a name it is gone with the program too, however that ends.
+/// A temporary file where the file is to be. It is gone with the object unless it was committed; where the system has
+/// files without a name it is gone with the program too, however that ends.
 class SaveFile {
 public:
     /// Throws `OutputError` where the directory can't be written.

@@ -12,8 +12,8 @@ enum class Language {
     German
 };
 
-/// By `choice` ("en" or "de"), or with an empty choice by the environment (the first of `LC_ALL`, `LC_MESSAGES` and `LANG`
-/// that is set). English where neither tells.
+/// By `choice` ("en" or "de"), or with an empty choice by the environment (the first of `LC_ALL`, `LC_MESSAGES` and
+/// `LANG` that is set). English where neither tells.
 Language chooseLanguage(const std::string &choice);
 
 /// The English text is the key. Gives the text itself where the language has none of its own.

@@ -174,11 +174,11 @@ class Local(BatchTest):
             while len(self.counts("end")) < 3 and time.monotonic() < end:
                 time.sleep(0.02)
             for which in signals:
-                if which == signal.SIGKILL:
-                    children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text().split()
+                children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children").read_text().split()
+                process.send_signal(which)
+                if which == signal.SIGKILL:     # after the script, which would otherwise tell of their end
                     for child in children:
                         os.kill(int(child), which)
-                process.send_signal(which)
                 time.sleep(0.05)
             told = process.communicate(timeout=60)
         return process.returncode, told
@@ -209,7 +209,8 @@ class Local(BatchTest):
                 status, (told, error) = self.interrupted(which)
                 self.assertEqual(status, 130, error)
                 done = self.counts("end")
-                self.assertEqual(told.splitlines()[0], f"12 drawings: {len(done)} done, 0 failed, {12 - len(done)} left")
+                self.assertEqual(told.splitlines()[0],
+                                 f"12 drawings: {len(done)} done, 0 failed, {12 - len(done)} left")
                 self.assertIn("batch: interrupted; the same command goes on\n", error)
                 self.assertLess(len(done), 12)
                 self.assertEqual(self.counts("start"), done)
@@ -277,9 +278,10 @@ exec '{PROGRAM}' "$@"
         missing = self.folder / "missing"
         for arguments in ((), ("--no-such",), (missing,), (self.drawings,), (self.drawings, "b"), ("--jobs",)):
             with self.subTest(arguments=arguments):
-                result = subprocess.run([BATCH, "--out", self.out, "--program", PROGRAM, *arguments], capture_output=True,
-                                        text=True, timeout=60, env=self.environment())
-                self.assertEqual((result.returncode, result.stdout, result.stderr.count("\n")), (2, "", 1), result.stderr)
+                result = subprocess.run([BATCH, "--out", self.out, "--program", PROGRAM, *arguments],
+                                        capture_output=True, text=True, timeout=60, env=self.environment())
+                self.assertEqual((result.returncode, result.stdout, result.stderr.count("\n")), (2, "", 1),
+                                 result.stderr)
 
     def test_a_program_that_is_not_there_is_told(self):
         self.add("a.dxf")

@@ -13,8 +13,10 @@ SVG = "{http://www.w3.org/2000/svg}"
 RESULT = "#d00000"
 
 # Pictures and how many points they report; the others show curves.
-POINTS = {"line-line": 1, "line-arc": 2, "line-ellipse": 2, "line-elliptical-arc": 1, "arc-arc": 2, "ellipse-ellipse": 4,
-          "foot-on-line": 1, "feet-on-ellipse": 4, "circle-through-three-points": 1, "mirror": 0, "fillet": 0, "chamfer": 0,
+POINTS = {"line-line": 1, "line-arc": 2, "line-ellipse": 2, "line-elliptical-arc": 1, "arc-arc": 2,
+          "ellipse-ellipse": 4,
+          "foot-on-line": 1, "feet-on-ellipse": 4, "circle-through-three-points": 1, "mirror": 0,
+          "fillet": 0, "chamfer": 0,
           "extents": 0, "arbitrary-axis": 0, "rotated-rectangle": 0, "colour-wheel": 0}
 
 

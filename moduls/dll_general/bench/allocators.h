@@ -87,6 +87,19 @@ inline void *heapAllocate(std::size_t size)
 }
 inline void heapRelease(void *block) { std::free(checkedStart(block, true)); }
 
+/// A page for one block: the C library gives 200 elements of 500 bytes, whose free list is written.
+inline void *pageAllocate(std::size_t)
+{
+    constexpr std::size_t stride = 512, count = 200;
+    char *const page = static_cast<char *>(std::malloc(stride * count));
+    for (std::size_t i = 0; i < count; ++i) {
+        char *const links[2] = {i > 0 ? page + (i - 1) * stride : nullptr,
+                                i + 1 < count ? page + (i + 1) * stride : nullptr};
+        std::memcpy(page + i * stride, links, sizeof links);
+    }
+    return page;
+}
+
 class Random { // xorshift64*
 public:
     std::size_t below(std::size_t n) { return static_cast<std::size_t>((next() >> 11) % n); }

@@ -5,8 +5,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <list>
 #include <memory>
 #include <random>
@@ -17,14 +19,15 @@
 
 namespace {
 
-/// \name Dispatch: items of all kinds in random order; each handler adds the weight of the item to the sum of its kind.
+/// \name Dispatch: items of all kinds, each an object of the class of its kind, in random order; each handler adds the
+/// weight of the item to the sum of its kind. A processor learns the order of a thousand items by heart, but not that of
+/// a hundred thousand.
 /// \{
 
-constexpr std::size_t items = 1000;
 constexpr std::size_t kinds = 25;
 
 /// The same kinds for all sides.
-std::vector<std::size_t> kindsInOrder()
+std::vector<std::size_t> kindsInOrder(std::size_t items)
 {
     std::mt19937 engine(4);
     std::uniform_int_distribution<std::size_t> kind(0, kinds - 1);
@@ -36,11 +39,43 @@ std::vector<std::size_t> kindsInOrder()
 
 using EachKind = std::make_index_sequence<kinds>;
 
+template <class Base, template <std::size_t> class OfKind, std::size_t... kind>
+std::unique_ptr<Base> makeOne(std::size_t wanted, std::index_sequence<kind...>)
+{
+    std::unique_ptr<Base> made;
+    ((kind == wanted ? (made = std::make_unique<OfKind<kind>>(), 0) : 0), ...);
+    return made;
+}
+
+template <class Base, template <std::size_t> class OfKind>
+std::vector<std::unique_ptr<Base>> makeAll(std::size_t items)
+{
+    std::vector<std::unique_ptr<Base>> all;
+    for (const std::size_t kind : kindsInOrder(items))
+        all.push_back(makeOne<Base, OfKind>(kind, EachKind()));
+    return all;
+}
+
+/// Runs `handle` on each item of `all` again and again.
+template <class Items, class Handle>
+void dispatchAll(benchmark::State &state, const Items &all, Handle handle)
+{
+    for (auto _ : state) {
+        for (const auto &item : all)
+            benchmark::DoNotOptimize(handle(*item));
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(all.size()));
+}
+
 struct Item : karFilterObject {
-    explicit Item(std::size_t ownKind) : kind(static_cast<int>(ownKind)) {}
-    filterObjectID getFilterId() override { return filterObjectID(kind); }
-    int kind;
+    virtual ~Item() = default;
     int weight = 1;
+};
+
+template <std::size_t kind>
+struct ItemOfKind : Item {
+    filterObjectID getFilterId() override { return filterObjectID(kind); }
 };
 
 class Summing : public karFilterIdBase {
@@ -62,36 +97,35 @@ private:
     }
 };
 
-void dispatchOurs(benchmark::State &state)
+void dispatchOurs(benchmark::State &state, std::size_t items)
 {
     Summing summing;
-    std::vector<std::unique_ptr<Item>> all;
-    for (const std::size_t kind : kindsInOrder())
-        all.push_back(std::make_unique<Item>(kind));
-    for (auto _ : state) {
-        for (const auto &item : all)
-            benchmark::DoNotOptimize(summing.filterObject(item.get()));
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items));
+    dispatchAll(state, makeAll<Item, ItemOfKind>(items),
+                [&summing](Item &item) { return summing.filterObject(&item); });
     state.SetLabel("the item is asked for its kind");
 }
 
-/// Nothing but a call through a table, by a kind that is known.
-void dispatchLimit(benchmark::State &state)
+struct Handler {
+    int (*run)(std::int64_t *sums, Item &item);
+    std::int64_t *sums;
+};
+
+template <std::size_t... kind>
+void dispatchSteps(benchmark::State &state, std::size_t items, std::index_sequence<kind...>)
 {
     std::int64_t sums[kinds] = {};
-    int (*volatile table[kinds])(std::int64_t *);
-    for (auto &entry : table)
-        entry = [](std::int64_t *sum) { return *sum += 1, 0; };
-    const std::vector<std::size_t> order = kindsInOrder();
-    for (auto _ : state) {
-        for (const std::size_t kind : order)
-            benchmark::DoNotOptimize(table[kind](&sums[kind]));
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items));
-    state.SetLabel("a call through a table by a kind that is known");
+    Handler table[] = {{[](std::int64_t *all, Item &item) { return all[kind] += item.weight, 0; }, sums}...};
+    dispatchAll(state, makeAll<Item, ItemOfKind>(items), [&table](Item &item) {
+        const Handler &handler = table[item.getFilterId()];
+        return handler.sums && handler.run ? handler.run(handler.sums, item) : -1;
+    });
+}
+
+/// Nothing but the virtual call, the index, two tests and a call through the table.
+void dispatchLimit(benchmark::State &state, std::size_t items)
+{
+    dispatchSteps(state, items, EachKind());
+    state.SetLabel("a virtual call, an index, two tests and a call through a table");
 }
 
 struct Adding {
@@ -109,26 +143,10 @@ struct AddingKind : Adding {
     }
 };
 
-template <std::size_t... kind>
-std::unique_ptr<Adding> makeAdding(std::size_t wanted, std::index_sequence<kind...>)
-{
-    std::unique_ptr<Adding> made;
-    ((kind == wanted ? (made = std::make_unique<AddingKind<kind>>(), 0) : 0), ...);
-    return made;
-}
-
-void dispatchVirtual(benchmark::State &state)
+void dispatchVirtual(benchmark::State &state, std::size_t items)
 {
     std::int64_t sums[kinds] = {};
-    std::vector<std::unique_ptr<Adding>> all;
-    for (const std::size_t kind : kindsInOrder())
-        all.push_back(makeAdding(kind, EachKind()));
-    for (auto _ : state) {
-        for (const auto &item : all)
-            benchmark::DoNotOptimize(item->add(sums));
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items));
+    dispatchAll(state, makeAll<Adding, AddingKind>(items), [&sums](Adding &item) { return item.add(sums); });
 }
 
 template <std::size_t kind>
@@ -150,29 +168,34 @@ struct VariantOf<std::index_sequence<kind...>> {
     }
 };
 
-void dispatchVisit(benchmark::State &state)
+void dispatchVisit(benchmark::State &state, std::size_t items)
 {
     using Kinds = VariantOf<EachKind>;
     std::int64_t sums[kinds] = {};
     std::vector<std::unique_ptr<Kinds::Type>> all; // each item an object of its own, as on the other sides
-    for (const std::size_t kind : kindsInOrder())
+    for (const std::size_t kind : kindsInOrder(items))
         all.push_back(std::make_unique<Kinds::Type>(Kinds::make(kind)));
     const auto add = [&sums](const auto &item) {
         sums[item.sum] += item.weight;
         return 0;
     };
-    for (auto _ : state) {
-        for (const auto &item : all)
-            benchmark::DoNotOptimize(std::visit(add, *item));
-        benchmark::ClobberMemory();
-    }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items));
+    dispatchAll(state, all, [add](const Kinds::Type &item) { return std::visit(add, item); });
 }
 
 /// \}
 
 /// \name Progress: 0 to 100 percent through a number of layers, each 10 to 90 of the next
 /// \{
+
+void reportAll(benchmark::State &state, karFilter &filter)
+{
+    for (auto _ : state)
+        for (int percent = 0; percent <= 100; ++percent) {
+            filter.setPercent(percent);
+            benchmark::DoNotOptimize(filter.getGlobalPercent());
+        }
+    state.SetItemsProcessed(state.iterations() * 101);
+}
 
 void percentOurs(benchmark::State &state, int count)
 {
@@ -181,12 +204,7 @@ void percentOurs(benchmark::State &state, int count)
         filter.setPercentStartEnd(10, 90);
         filter.addPercentLayer();
     }
-    for (auto _ : state)
-        for (int percent = 0; percent <= 100; ++percent) {
-            filter.setPercent(percent);
-            benchmark::DoNotOptimize(filter.getGlobalPercent());
-        }
-    state.SetItemsProcessed(state.iterations() * 101);
+    reportAll(state, filter);
     state.SetLabel("virtual operations over a list of layers");
 }
 
@@ -194,6 +212,58 @@ struct Range {
     int start;
     int end;
 };
+
+/// A controller that does nothing but take the percentage once through a list of layers, their ranges tested.
+class LayerCtrl : public karCtrl {
+public:
+    explicit LayerCtrl(int count) : layers(static_cast<std::size_t>(count), Layer{{10, 90}, nullptr})
+    {
+        layers.back() = {{0, 100}, nullptr};
+        for (Layer &layer : layers) {
+            layer.outer = innermost;
+            innermost = &layer;
+        }
+    }
+    void setLayerPercent(int value) override
+    {
+        const int old = whole;
+        reported = value;
+        whole = value == -1 ? -1 : mapped(static_cast<unsigned>(std::clamp(value, 0, 100)));
+        if (old > whole)
+            ++falls;
+    }
+    int getGlobalPercent() override { return whole; }
+
+private:
+    struct Layer : Range {
+        Layer *outer;
+    };
+    int mapped(unsigned value) const
+    {
+        for (const Layer *layer = innermost; layer; layer = layer->outer) {
+            const auto start = static_cast<unsigned>(layer->start);
+            const auto end = static_cast<unsigned>(layer->end);
+            if (start > end || end > 100)
+                return -1;
+            value = ((end - start) * value + 50) / 100 + start;
+        }
+        return static_cast<int>(value);
+    }
+
+    std::vector<Layer> layers;
+    Layer *innermost = nullptr;
+    int whole = -1;
+    int reported = -1;
+    int falls = 0;
+};
+
+void percentLimit(benchmark::State &state, int count)
+{
+    LayerCtrl ctrl(count);
+    karFilter filter(&ctrl);
+    reportAll(state, filter);
+    state.SetLabel("two virtual calls, each layer of a list once");
+}
 
 int folded(const std::vector<Range> &layers, int percent)
 {
@@ -240,6 +310,33 @@ void messageOurs(benchmark::State &state, const char *text)
     state.SetLabel("each value an object, a text read as a copy");
 }
 
+/// The blocks of one message and its texts, copied, and nothing else.
+void messageLimit(benchmark::State &state, const char *text)
+{
+    const karString resident; // as the host's own: a page goes with its last block
+    const auto size = static_cast<unsigned>(std::strlen(text)) + 1;
+    for (auto _ : state) {
+        void *blocks[] = {KarAllocMemory(sizeof(karMessageLBase)), KarAllocMemory(4 * sizeof(karDataBase *)),
+                          KarAllocMemory(sizeof(karDataId)),       KarAllocMemory(sizeof(karDataText)),
+                          KarAllocMemory(sizeof(karDataDouble)),   KarAllocMemory(sizeof(karDataInteger))};
+        void *stored = KarAllocMemory(16); // an empty text, replaced if it is too short
+        if (size > 16) {
+            KarDellocMemory(stored);
+            stored = KarAllocMemory(size);
+        }
+        std::memcpy(stored, text, size);
+        void *const read = KarAllocMemory(size + 8);
+        std::memcpy(read, stored, size);
+        benchmark::DoNotOptimize(read);
+        benchmark::ClobberMemory();
+        for (void *const block : blocks)
+            KarDellocMemory(block);
+        KarDellocMemory(stored);
+        KarDellocMemory(read);
+    }
+    state.SetLabel("the blocks, the text copied in and out");
+}
+
 enum class Id : int {
 };
 using Value = std::variant<std::monostate, Id, std::string, int, double>;
@@ -274,9 +371,17 @@ void messageVariants(benchmark::State &state, const char *text)
 
 int registerAll()
 {
+    for (const std::size_t items : {1000u, 100000u}) {
+        const std::string row = "Dispatch/25_kinds/" + std::to_string(items) + "/";
+        benchmark::RegisterBenchmark((row + "ours").c_str(), dispatchOurs, items);
+        benchmark::RegisterBenchmark((row + "limit").c_str(), dispatchLimit, items);
+        benchmark::RegisterBenchmark((row + "virtual_call").c_str(), dispatchVirtual, items);
+        benchmark::RegisterBenchmark((row + "std::visit").c_str(), dispatchVisit, items);
+    }
     for (const int layers : {1, 4, 16}) {
         const std::string row = "SetPercent/" + std::to_string(layers) + "/";
         benchmark::RegisterBenchmark((row + "ours").c_str(), percentOurs, layers);
+        benchmark::RegisterBenchmark((row + "limit").c_str(), percentLimit, layers);
         benchmark::RegisterBenchmark((row + "std::vector").c_str(), percentVector, layers);
     }
     return 0;
@@ -286,12 +391,9 @@ const int registered = registerAll();
 
 } // namespace
 
-BENCHMARK(dispatchOurs)->Name("Dispatch/25_kinds/ours");
-BENCHMARK(dispatchLimit)->Name("Dispatch/25_kinds/limit");
-BENCHMARK(dispatchVirtual)->Name("Dispatch/25_kinds/virtual_call");
-BENCHMARK(dispatchVisit)->Name("Dispatch/25_kinds/std::visit");
-
 BENCHMARK_CAPTURE(messageOurs, short, shortText)->Name("Message/short_text/ours");
+BENCHMARK_CAPTURE(messageLimit, short, shortText)->Name("Message/short_text/limit");
 BENCHMARK_CAPTURE(messageVariants, short, shortText)->Name("Message/short_text/std::variant");
 BENCHMARK_CAPTURE(messageOurs, long, longText)->Name("Message/long_text/ours");
+BENCHMARK_CAPTURE(messageLimit, long, longText)->Name("Message/long_text/limit");
 BENCHMARK_CAPTURE(messageVariants, long, longText)->Name("Message/long_text/std::variant");

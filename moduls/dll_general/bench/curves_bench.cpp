@@ -1,6 +1,6 @@
 // Intersections of whole curves, feet of perpendiculars and extents of arcs beside Open CASCADE: time a call, known
 // crossings that are missed in a million, points reported a call, and the largest distance of a reported point from its
-// curves. Pairs on which the iteration doesn't settle are left out.
+// curves. Pairs on which the iteration doesn't settle are left out. A limit is the time of stated steps alone.
 #include "karextent.h"
 #include "karintersect.h"
 
@@ -257,6 +257,106 @@ void time(benchmark::State &state)
     state.SetLabel(rule<kind>());
 }
 
+/// The passes for the first factor of a quartic of two circles.
+struct PassesAlone {
+    double e4, e3, e2, e1, e0;
+
+    explicit PassesAlone(const Case &c)
+    {
+        const Ellipse &e = c.first, &f = c.second;
+        const double dx = f.cx - e.cx, dy = f.cy - e.cy, square = e.a * e.a;
+        const double sum = square * (f.a * f.a + dx * dx + dy * dy - square);
+        e4 = sum - 2 * square * dx * f.a;
+        e3 = e1 = 4 * square * dy * f.a;
+        e2 = 2 * sum;
+        e0 = sum + 2 * square * dx * f.a;
+    }
+    double run() const
+    {
+        double p = 0, q = 0, ratio;
+        do {
+            const double b1 = e3 - p * e4, c1 = b1 - p * e4;
+            const double b2 = e2 - p * b1 - q * e4, c2 = b2 - p * c1 - q * e4;
+            const double b3 = e1 - p * b2 - q * b1, c3 = b3 - p * c2 - q * c1;
+            const double b4 = e0 - p * b3 - q * b2;
+            const double d = b3 - c3, D = c2 * c2 + d * c1;
+            const double dp = (c2 * b3 - c1 * b4) / D, dq = (d * b3 + c2 * b4) / D;
+            p += dp;
+            q += dq;
+            ratio = (std::fabs(dp) + std::fabs(dq)) / (std::fabs(p) + std::fabs(q));
+        } while (ratio > 1e-10);
+        return p + q;
+    }
+};
+
+/// The candidates of an arc's extent, and sines and cosines of those in range and of its ends.
+struct AnglesAlone {
+    double ratio, rotation;
+    std::vector<double> parameters;
+
+    explicit AnglesAlone(const Case &c)
+        : ratio(c.first.b / c.first.a), rotation(c.first.rotation), parameters{c.start, c.end}
+    {
+        const double tangent = std::tan(rotation);
+        for (const double t : {std::atan(ratio / tangent), std::atan(-ratio * tangent)})
+            for (const double candidate : {t, t + fullTurn / 2}) {
+                const bool after = c.start <= candidate, before = candidate <= c.end;
+                if (c.end > c.start ? after && before : after || before)
+                    parameters.push_back(candidate);
+            }
+    }
+    double run() const
+    {
+        const double tangent = std::tan(rotation);
+        double sum = std::cos(rotation) + std::sin(rotation);
+        sum += std::atan(ratio / tangent) + std::atan(-ratio * tangent);
+        for (const double t : parameters)
+            sum += std::cos(t) + std::sin(t);
+        return sum;
+    }
+};
+
+/// Four samples of a whole ellipse that are known to be its extremes.
+struct SamplesAlone {
+    Ellipse e;
+    double cosines[4], sines[4];
+
+    explicit SamplesAlone(const Case &c) : e(c.first)
+    {
+        const double A = e.a * std::cos(e.rotation), B = e.b * std::sin(e.rotation);
+        for (int i = 0; i < 4; ++i) {
+            const double t = std::atan2(B, A) + i * (fullTurn / 4);
+            cosines[i] = std::cos(t);
+            sines[i] = std::sin(t);
+        }
+    }
+    double run() const
+    {
+        const double c = std::cos(e.rotation), s = std::sin(e.rotation);
+        double sum = 0;
+        for (int i = 0; i < 4; ++i) {
+            const double u = e.a * cosines[i], v = e.b * sines[i];
+            sum += i < 2 ? u * c + v * s + e.cx : u * s + e.cy - v * c;
+        }
+        return sum;
+    }
+};
+
+template <class Steps, Kind kind>
+void limit(benchmark::State &state)
+{
+    std::vector<Steps> all;
+    for (const Case &c : makeCases<kind>(1000))
+        all.emplace_back(c);
+    for (auto _ : state)
+        for (const Steps &steps : all)
+            benchmark::DoNotOptimize(steps.run());
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(all.size()));
+    state.SetLabel(kind == extent        ? "the stated calls of the C library"
+                   : kind == wholeExtent ? "four samples of known places"
+                                         : "the passes of the iteration");
+}
+
 /// Known crossings or feet in a million that are not reported within 1e-6.
 template <template <Kind> class Peer, Kind kind>
 void missed(benchmark::State &state)
@@ -341,6 +441,10 @@ CURVES(ellipseEllipse, "ellipse_ellipse");
 CURVES(feet, "feet");
 CURVES(extent, "arc_extent");
 CURVES(wholeExtent, "whole_extent");
+BENCHMARK(limit<PassesAlone, arcArc>)->Name("Curves/arc_arc/limit");
+BENCHMARK(limit<PassesAlone, circles>)->Name("Curves/arc_arc_four_slots/limit");
+BENCHMARK(limit<AnglesAlone, extent>)->Name("Curves/arc_extent/limit");
+BENCHMARK(limit<SamplesAlone, wholeExtent>)->Name("Curves/whole_extent/limit");
 CURVE_POINTS(lineArc, "line_arc");
 CURVE_POINTS(lineEllipse, "line_ellipse");
 CURVE_POINTS(circles, "arc_arc_four_slots");

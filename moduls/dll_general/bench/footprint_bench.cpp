@@ -1,5 +1,5 @@
-// Memory used per live byte, beside the C library's allocator and mimalloc. A program of its own: a child process begins
-// with the heap of its parent, which is small only here.
+// Memory used per live byte, beside the C library's allocator and mimalloc. A program of its own: a child process
+// begins with the heap of its parent, which is small only here.
 #include "allocators.h"
 
 #include <sys/wait.h>

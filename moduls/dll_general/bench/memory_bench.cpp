@@ -139,10 +139,13 @@ int registerAll()
         for (const std::size_t count : {1000u, 10000u, 60000u})
             addChurn("Tracked/random", allocator, "the C library's heap below, guards at both ends, a record",
                      "malloc with these guards", replaceAny, 1024, 65536, count, 200000);
-    for (const Allocator &allocator : allocators)
+    std::vector<Allocator> alternating = allocators;
+    alternating.push_back({"limit", pageAllocate, std::free});
+    for (const Allocator &allocator : alternating)
         benchmark::RegisterBenchmark(rowOf("Alternating", 1, allocator).c_str(), [=](benchmark::State &state) {
             alternate(state, allocator);
-            labelOurs(state, allocator, "an empty page is released at once");
+            labelOurs(state, allocator, "an empty page is released at once",
+                      "malloc and free of the page, its free list written");
         });
     return 0;
 }

@@ -1,5 +1,5 @@
-// A million positions moved by a 4 by 4 matrix, beside Eigen and glm; the product of two 4 by 4 matrices, beside Eigen's
-// matrices of any size.
+// A million positions moved by a 4 by 4 matrix, beside Eigen and glm; the product of two 4 by 4 matrices, beside
+// Eigen's matrices of any size.
 #include "karmatrix.h"
 
 #include <benchmark/benchmark.h>

@@ -66,6 +66,22 @@ void compare(benchmark::State &state, std::size_t length)
     }
 }
 
+/// The same order from the texts alone.
+void compareLimit(benchmark::State &state, std::size_t length)
+{
+    const std::string source = sample(length);
+    const std::string other = sample(length);
+    const char *a = source.c_str();
+    const char *b = other.c_str();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(a);
+        benchmark::DoNotOptimize(b);
+        bool less = std::strcmp(a, b) < 0;
+        benchmark::DoNotOptimize(less);
+    }
+    state.SetLabel("strcmp");
+}
+
 // ---- Concatenation
 
 karString joined(karString &a, const karString &b) { return a & b; }
@@ -109,6 +125,65 @@ void appendCharacters(benchmark::State &state, std::size_t length)
             append(text, 'x');
         benchmark::DoNotOptimize(text);
     }
+}
+
+unsigned roomFor(std::size_t count) { return (static_cast<unsigned>(count) + 8) / 8 * 8; }
+
+/// A block of the allocator for each multiple of 8 that a text passes, the text copied over up to its NUL, which a host
+/// may have put anywhere, the old block given back.
+void appendLimit(benchmark::State &state, std::size_t length, const std::string &piece)
+{
+    for (auto _ : state) {
+        unsigned room = 16;
+        char *text = static_cast<char *>(KarAllocMemory(room));
+        *text = '\0';
+        std::size_t count = 0;
+        while (count < length) {
+            if (count + piece.size() >= room) {
+                room = roomFor(count + piece.size());
+                char *const larger = static_cast<char *>(KarAllocMemory(room));
+                std::memcpy(larger, text, std::strlen(text));
+                KarDellocMemory(text);
+                text = larger;
+            }
+            std::memcpy(text + count, piece.data(), piece.size());
+            count += piece.size();
+            text[count] = '\0';
+        }
+        benchmark::DoNotOptimize(text);
+        benchmark::ClobberMemory();
+        KarDellocMemory(text);
+    }
+    state.SetLabel("a larger block at each multiple of 8, the text measured and copied");
+}
+
+/// A block of the allocator for each sum, both texts copied, and copied once more into the text that takes the sum; each
+/// copy up to the NUL.
+void joinLimit(benchmark::State &state, std::size_t length)
+{
+    const std::string piece = sample(10);
+    for (auto _ : state) {
+        unsigned room = 16;
+        char *text = static_cast<char *>(KarAllocMemory(room));
+        *text = '\0';
+        for (std::size_t count = 0; count < length; count += piece.size()) {
+            const std::size_t total = count + piece.size();
+            char *const sum = static_cast<char *>(KarAllocMemory(roomFor(total + 8)));
+            std::memcpy(sum, text, std::strlen(text));
+            std::memcpy(sum + count, piece.c_str(), std::strlen(piece.c_str()) + 1);
+            if (total >= room) {
+                room = roomFor(total + 8);
+                KarDellocMemory(text);
+                text = static_cast<char *>(KarAllocMemory(room));
+            }
+            std::memcpy(text, sum, std::strlen(sum) + 1);
+            KarDellocMemory(sum);
+        }
+        benchmark::DoNotOptimize(text);
+        benchmark::ClobberMemory();
+        KarDellocMemory(text);
+    }
+    state.SetLabel("a block for each sum, the texts measured and copied, and the sum copied into its text");
 }
 
 // ---- Numbers
@@ -229,12 +304,27 @@ void readWholeFromChars(benchmark::State &state)
 {
     const std::string text("1234567");
     const char *start = text.c_str();
+    const char *end = start + text.size();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(start);
+        benchmark::DoNotOptimize(end);
+        int value;
+        std::from_chars(start, end, value);
+        benchmark::DoNotOptimize(value);
+    }
+}
+
+void readWholeLimit(benchmark::State &state)
+{
+    const std::string text("1234567");
+    const char *start = text.c_str();
     for (auto _ : state) {
         benchmark::DoNotOptimize(start);
         int value;
-        std::from_chars(start, start + 7, value);
+        std::from_chars(start, start + std::strlen(start), value);
         benchmark::DoNotOptimize(value);
     }
+    state.SetLabel("the text measured, then from_chars");
 }
 
 template <class Read>
@@ -268,6 +358,13 @@ double readRealFromChars(const std::string &text, karString &)
 {
     double value = 0;
     std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+double readRealLimit(const std::string &text, karString &)
+{
+    double value = 0;
+    std::from_chars(text.c_str(), text.c_str() + std::strlen(text.c_str()), value);
     return value;
 }
 
@@ -309,6 +406,26 @@ void tokensErase(benchmark::State &state)
     }
 }
 
+/// The first token searched and copied, the rest measured and moved to the front.
+void tokensLimit(benchmark::State &state)
+{
+    const std::string source = line();
+    std::string text;
+    for (auto _ : state) {
+        text = source;
+        char *const begin = &text[0];
+        for (std::size_t count = source.size(); count > 0;) {
+            const auto end = static_cast<std::size_t>(static_cast<char *>(std::memchr(begin, ',', count)) - begin);
+            karString token(static_cast<const char *>(nullptr), static_cast<unsigned>(end));
+            token.ncopy(begin, static_cast<unsigned>(end));
+            benchmark::DoNotOptimize(token);
+            count = std::strlen(begin + end + 1);
+            std::memmove(begin, begin + end + 1, count + 1);
+        }
+    }
+    state.SetLabel("a delimiter found, the rest of the line measured and moved to the front");
+}
+
 template <class Body>
 void add(const std::string &row, Body body)
 {
@@ -324,18 +441,21 @@ void addGrowing(const std::string &row, Body body)
     });
 }
 
-/// A buffer of the allocator, filled and given back: what each text of its own costs at least.
+/// A text measured, a buffer of the allocator, filled and given back: what each text of its own costs at least.
 void bufferOf(benchmark::State &state, std::size_t length)
 {
     const std::string source = sample(length);
+    const char *text = source.c_str();
     for (auto _ : state) {
-        void *const buffer = KarAllocMemory(static_cast<unsigned>(length + 8));
-        std::memcpy(buffer, source.c_str(), length + 1);
+        benchmark::DoNotOptimize(text);
+        const std::size_t count = std::strlen(text);
+        void *const buffer = KarAllocMemory(static_cast<unsigned>(count + 9));
+        std::memcpy(buffer, text, count + 1);
         benchmark::DoNotOptimize(buffer);
         benchmark::ClobberMemory();
         KarDellocMemory(buffer);
     }
-    state.SetLabel("a buffer of the allocator, filled");
+    state.SetLabel("the text measured, a buffer of the allocator, filled");
 }
 
 int registerAll()
@@ -354,17 +474,24 @@ int registerAll()
         add("String/copy/" + size + "/std", [=](benchmark::State &s) { copy<std::string>(s, length); });
         add("String/construct/" + size + "/limit", [=](benchmark::State &s) { bufferOf(s, length); });
         add("String/copy/" + size + "/limit", [=](benchmark::State &s) { bufferOf(s, length); });
-        add("String/compare/" + size + "/ours", [=](benchmark::State &s) { compare<karString>(s, length); });
+        add("String/compare/" + size + "/ours", [=](benchmark::State &s) {
+            compare<karString>(s, length);
+            s.SetLabel("up to the first NUL");
+        });
+        add("String/compare/" + size + "/limit", [=](benchmark::State &s) { compareLimit(s, length); });
         add("String/compare/" + size + "/std", [=](benchmark::State &s) { compare<std::string>(s, length); });
     }
     for (const std::size_t length : {100u, 10000u}) {
         const std::string size = std::to_string(length);
         addGrowing("String/join/" + size + "/ours", [=](benchmark::State &s) { join<karString>(s, length); });
+        add("String/join/" + size + "/limit", [=](benchmark::State &s) { joinLimit(s, length); });
         add("String/join/" + size + "/std", [=](benchmark::State &s) { join<std::string>(s, length); });
         addGrowing("String/append/" + size + "/ours", [=](benchmark::State &s) { appendPieces<karString>(s, length); });
+        add("String/append/" + size + "/limit", [=](benchmark::State &s) { appendLimit(s, length, sample(10)); });
         add("String/append/" + size + "/std", [=](benchmark::State &s) { appendPieces<std::string>(s, length); });
         addGrowing("String/append character/" + size + "/ours",
                    [=](benchmark::State &s) { appendCharacters<karString>(s, length); });
+        add("String/append character/" + size + "/limit", [=](benchmark::State &s) { appendLimit(s, length, "x"); });
         add("String/append character/" + size + "/std",
             [=](benchmark::State &s) { appendCharacters<std::string>(s, length); });
     }
@@ -377,12 +504,18 @@ int registerAll()
     add("String/from integer/ours", integerOurs);
     add("String/from integer/snprintf", integerC);
     add("String/to integer/ours", readWholeOurs);
+    add("String/to integer/limit", readWholeLimit);
     add("String/to integer/strtol", readWholeC);
     add("String/to integer/from_chars", readWholeFromChars);
     add("String/to real/ours", [](benchmark::State &s) { readReals(s, readRealOurs); });
+    add("String/to real/limit", [](benchmark::State &s) {
+        readReals(s, readRealLimit);
+        s.SetLabel("the text measured, then from_chars");
+    });
     add("String/to real/strtod", [](benchmark::State &s) { readReals(s, readRealC); });
     add("String/to real/from_chars", [](benchmark::State &s) { readReals(s, readRealFromChars); });
     add("String/tokens/ours", tokensOurs);
+    add("String/tokens/limit", tokensLimit);
     add("String/tokens/std erase", tokensErase);
     return 0;
 }

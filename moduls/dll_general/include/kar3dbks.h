@@ -160,10 +160,8 @@ public:
     {
         return kar3D_Dimension(d.width(), d.height(), 0.0);
     }
-    kar3DVector Get3DVector(const kar2DVector &v) const
-    {
-        return kar3DVector(v.GetX(), v.GetY(), 0.0, true);
-    } ///< Normalised.
+    /// Normalised.
+    kar3DVector Get3DVector(const kar2DVector &v) const { return kar3DVector(v.GetX(), v.GetY(), 0.0, true); }
     /// `point` mirrored at the unbounded line through `lineStart` and `lineEnd`, see `Calculate_Mirror_Point_To_Line`.
     kar3D_Point Get3DMirrorPoint(const karD_Point &point, const karD_Point &lineStart, const karD_Point &lineEnd) const;
     /// \}
@@ -177,9 +175,9 @@ private:
 /// \name Object coordinate systems
 /// \{
 
-/// The x axis of the object coordinate system with the extrusion direction `n`, by the arbitrary axis rule of DXF: of unit
-/// length, orthogonal to `n`. It is W by n with W = (0, 1, 0) where |n.x| and |n.y| are both strictly less than 1/64,
-/// otherwise W = (0, 0, 1).
+/// The x axis of the object coordinate system with the extrusion direction `n`, by the arbitrary axis rule of DXF: of
+/// unit length, orthogonal to `n`. It is W by n with W = (0, 1, 0) where |n.x| and |n.y| are both strictly less than
+/// 1/64, otherwise W = (0, 0, 1).
 /// Note: `n` is compared as it is, not normalised first.
 KAR_API kar3DVector GetOCSVectorAxisX(const kar3DVector &n);
 /// The normalised outer product a by b: the y axis, if `a` is the extrusion direction and `b` the x axis.

@@ -12,8 +12,8 @@ class kar3DVector;
 class karMatrix;
 
 /// Three doubles in the order x, y, z. What `kar3D_Point` and `kar3D_Dimension` share; its public surface is the
-/// constructors, the two classes expose the rest. Nothing is tested and nothing fails: a division by 0 gives infinity or
-/// not-a-number, which pass on. A number that lies in the receiver counts with its value on entry.
+/// constructors, the two classes expose the rest. Nothing is tested and nothing fails: a division by 0 gives infinity
+/// or not-a-number, which pass on. A number that lies in the receiver counts with its value on entry.
 class kar3D_Pair {
 public:
     /// \name Construction
@@ -49,9 +49,9 @@ protected:
     /// \}
 
     /// \name Relations
-    /// Equality: |o.x - x|, |o.y - y| and |o.z - z| are each strictly less than 1e-50, which for coordinates of ordinary
-    /// size is identity. The four others hold only if they hold in x, in y and in z, without tolerance: they are no order
-    /// and no complements of each other.
+    /// Equality: |o.x - x|, |o.y - y| and |o.z - z| are each strictly less than 1e-50, which for coordinates of
+    /// ordinary size is identity. The four others hold only if they hold in x, in y and in z, without tolerance: they
+    /// are no order and no complements of each other.
     /// Note: 1e-50 is far below what a coordinate is rounded by, so equality is that of the bits but for values near 0.
     /// Infinities are not equal to each other, since their difference is not a number.
     /// \{
@@ -290,7 +290,8 @@ public:
     /// \}
 
     /// \name Transformation
-    /// Note: neither looks at the matrix, and both call `_notready`. `*=` leaves the extent as it is, `*` gives (0, 0, 0).
+    /// Note: neither looks at the matrix, and both call `_notready`. `*=` leaves the extent as it is, `*`
+    /// gives (0, 0, 0).
     /// \{
     using SpaceTriple::operator*=;
     using SpaceTriple::operator*;
@@ -408,11 +409,11 @@ public:
 
     /// \name Transformation
     /// By a 4 by 4 matrix M, rows and columns counted from 0, defined in `karmatrix.h`:
-    /// x' = ((z * M[0][2] + y * M[0][1]) + x * M[0][0]) + M[3][0], y' and z' likewise from rows 1 and 2 with M[3][1] and
-    /// M[3][2].
+    /// x' = ((z * M[0][2] + y * M[0][1]) + x * M[0][0]) + M[3][0], y' and z' likewise from rows 1 and 2 with M[3][1]
+    /// and M[3][2].
     /// Note: a matrix of another size leaves the point as it is in `*=` and gives (0, 0, 0) in `*`.
-    /// Note: the linear block is applied to a column vector, the translation is read from the last row. The fourth column
-    /// is never read: there is no projective division.
+    /// Note: the linear block is applied to a column vector, the translation is read from the last row. The fourth
+    /// column is never read: there is no projective division.
     /// \{
     inline kar3D_Point &operator*=(const karMatrix &matrix);     ///< Unchanged by a matrix of another size.
     inline kar3D_Point operator*(const karMatrix &matrix) const; ///< (0, 0, 0) with a matrix of another size.
@@ -458,7 +459,8 @@ public:
 
     /// \name Unions
     /// The lesser of the two `lo`, the greater of the two `hi`.
-    /// Note: `+` puts the two in order and the third value to 0, `+=` does neither. So the sum of two null ranges goes from
+    /// Note: `+` puts the two in order and the third value to 0, `+=` does neither. So the sum of two null
+    /// ranges goes from
     /// 0.0 to 32767.0.
     /// \{
 

@@ -40,7 +40,8 @@ public:
     /// \{
     karColor() = default; ///< Plain black: all four bytes 0.
     karColor(unsigned char r, unsigned char g, unsigned char b) : red_(r), green_(g), blue_(b) {} ///< A plain colour.
-    /// All four bytes from the low 32 bits of `v`: red in the lowest byte, then green and blue, `special` in the highest.
+    /// All four bytes from the low 32 bits of `v`: red in the lowest byte, then green and blue,
+    /// `special` in the highest.
     karColor(unsigned long v) : red_(byteOf(v, 0)), green_(byteOf(v, 8)), blue_(byteOf(v, 16)), special_(byteOf(v, 24))
     {}
     /// Black with `special` `s`; a value outside 1 to 4 gives plain black.

@@ -7,8 +7,8 @@
 
 #include <cmath>
 
-/// A complex number: real part, then imaginary part. Nothing is scaled and no divisor is tested, so overflow, infinities
-/// and not-a-numbers pass on.
+/// A complex number: real part, then imaginary part. Nothing is scaled and no divisor is tested, so overflow,
+/// infinities and not-a-numbers pass on.
 class karComplex {
 public:
     /// \name Construction

@@ -127,8 +127,8 @@ protected:
 };
 
 /// A parameter set of the host.
-/// Note: unfinished. The constructor from a pointer and `setParam` store nothing: a value built from a pointer holds null.
-/// They and the destructor call `_notready`, which does nothing.
+/// Note: unfinished. The constructor from a pointer and `setParam` store nothing: a value built from a pointer holds
+/// null. They and the destructor call `_notready`, which does nothing.
 class KAR_API karDataParam : public karDataBase {
 public:
     /// \name Virtual operations, in slot order
@@ -152,8 +152,8 @@ protected:
 ///     karMessageBase *message = filter.addMessage(myId, 2);
 ///     message->setText(0, name).setDouble(1, length);
 ///
-/// Note: after the array couldn't be had, or with a negative count, `getParamCount` still reads the count, every parameter
-/// is empty, and setters store nothing; a later `setParamCount` recovers.
+/// Note: after the array couldn't be had, or with a negative count, `getParamCount` still reads the count, every
+/// parameter is empty, and setters store nothing; a later `setParamCount` recovers.
 class KAR_API karMessageBase {
 public:
     KAR_LIBRARY_NEW
@@ -304,10 +304,10 @@ protected:
     karMessage *messages;              ///< owned
 };
 
-/// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every operation
-/// goes to the controller's virtual one, of the same name where no other is told.
-/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`. Every operation that goes
-/// to the controller then stores nothing and gives false, 0 or null.
+/// What an operation holds to reach its controller, which is its client's or, made by the filter, its own. Every
+/// operation goes to the controller's virtual one, of the same name where no other is told.
+/// Note: without memory for its own controller a filter holds null, as after `setCtrl(nullptr)`. Every operation that
+/// goes to the controller then stores nothing and gives false, 0 or null.
 class KAR_API karFilter {
 public:
     /// Uses the controller of the client or, with null, makes and owns one.

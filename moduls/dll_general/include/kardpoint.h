@@ -209,8 +209,8 @@ public:
     karD_Point operator-(const karD_Dimension &d) const { return karD_Point(x() - d.x(), y() - d.y()); }
     karD_Point operator+(const karPoint &o) const { return karD_Point(x() + o.x(), y() + o.y()); }
     karD_Point operator-(const karPoint &o) const { return karD_Point(x() - o.x(), y() - o.y()); }
-    inline karD_Point
-    operator+(const kar2DVector &v) const; ///< With the stored x and y of the vector: see `karvector.h`.
+    /// With the stored x and y of the vector: see `karvector.h`.
+    inline karD_Point operator+(const kar2DVector &v) const;
     inline karD_Point operator-(const kar2DVector &v) const; ///< \overload
     karD_Point &operator+=(const karD_Dimension &d) { return store(x() + d.x(), y() + d.y()); }
     karD_Point &operator-=(const karD_Dimension &d) { return store(x() - d.x(), y() - d.y()); }

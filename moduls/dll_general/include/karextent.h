@@ -32,14 +32,14 @@ KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, cons
                                         const double &rotation);
 
 /// The box of an elliptical arc, from its ends and the extremes between them. start >= end passes through 0.
-/// Note: an extreme is looked for at t1 = arctan((b/a)/tan r), t2 = arctan(-(b/a)*tan r), t1 + pi and t2 + pi as they come
-/// out. Where t1 or t2 is negative the same extreme at t + 2*pi isn't found on an arc with start < end, and always counts
-/// on one through 0, whose box may so be larger than the arc.
+/// Note: an extreme is looked for at t1 = arctan((b/a)/tan r), t2 = arctan(-(b/a)*tan r), t1 + pi and t2 + pi as they
+/// come out. Where t1 or t2 is negative the same extreme at t + 2*pi isn't found on an arc with start < end, and always
+/// counts on one through 0, whose box may so be larger than the arc.
 KAR_API karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double &a, const double &b,
                                         const double &rotation, const double &start, const double &end);
 
-/// Two angles of an ellipse, by its rotation r: 0 and pi/2 at multiples of pi, pi/2 and 0 at odd multiples of pi/2 (up to
-/// 2*pi, within 1e-50), else atan2(a*cos r, b*sin r) and atan2(a*sin r, -b*cos r). The centre isn't read.
+/// Two angles of an ellipse, by its rotation r: 0 and pi/2 at multiples of pi, pi/2 and 0 at odd multiples of pi/2 (up
+/// to 2*pi, within 1e-50), else atan2(a*cos r, b*sin r) and atan2(a*sin r, -b*cos r). The centre isn't read.
 /// Note: elsewhere than at the multiples these are not the parameters of the extremes; see the arc's extent for those.
 KAR_API void CalculateExtremAngle(const double &cx, const double &cy, const double &a, const double &b,
                                   const double &rotation, double &first, double &second);

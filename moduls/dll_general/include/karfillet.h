@@ -7,17 +7,17 @@
 #include "karexport.h"
 
 /// \name Corners of two lines
-/// Lines are given by two points each and count as unbounded. The pick point (px, py) tells which of the four sectors at
-/// the corner is meant; it must lie off both lines, else the results are not numbers. 0, or -7 with untouched outputs.
-/// Outputs may be the same variables as inputs. Formulas are evaluated from left to right: a foot F is offset by
-/// (radius*v)/n with v = P - F and n = sqrt(v.x*v.x + v.y*v.y).
+/// Lines are given by two points each and count as unbounded. The pick point (px, py) tells which of the four sectors
+/// at the corner is meant; it must lie off both lines, else the results are not numbers. 0, or -7 with untouched
+/// outputs. Outputs may be the same variables as inputs. Formulas are evaluated from left to right: a foot F is offset
+/// by (radius*v)/n with v = P - F and n = sqrt(v.x*v.x + v.y*v.y).
 /// Note: lines are parallel where their determinant is exactly 0; there is no tolerance.
 /// Note: each point is the solution of a 2x2 system. One that is singular by rounding keeps its right side, which then
 /// stands for the point.
 /// \{
 
-/// The arc of the given radius that touches both lines on the side of the pick point: corner, points of tangency on line
-/// 1 and line 2, centre. Method: both lines are offset towards the pick point and crossed. -7 for parallel lines.
+/// The arc of the given radius that touches both lines on the side of the pick point: corner, points of tangency on
+/// line 1 and line 2, centre. Method: both lines are offset towards the pick point and crossed. -7 for parallel lines.
 /// Note: `radius` isn't tested; a negative one offsets away from the pick point.
 KAR_API errorCodesKARTORY Calculate_Fillet_Line_Line(const double &x1, const double &y1, const double &x2,
                                                      const double &y2, const double &x3, const double &y3,

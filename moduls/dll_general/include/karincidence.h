@@ -1,13 +1,13 @@
 /// \file
 /// Lines, circles, arcs and ellipses: directions, which side, on or off, how far, where the foot falls.
 ///
-/// Angles are radians, counter-clockwise from the positive x axis, unless a function says otherwise. A normalised angle is
-/// one from atan2 or atan to which 6.283185307179586 is added when it is negative.
+/// Angles are radians, counter-clockwise from the positive x axis, unless a function says otherwise. A normalised angle
+/// is one from atan2 or atan to which 6.283185307179586 is added when it is negative.
 ///
-/// A line goes through points 1 and 2. An arc has a centre, a radius and two angles and runs counter-clockwise from `start`
-/// to `end`; start > end passes through angle 0. A point of an ellipse with centre, semi-axes a and b and rotation r is
-/// (cx + a*cos r*cos t - b*sin r*sin t, cy + a*sin r*cos t + b*cos r*sin t); `start` and `end` of an elliptical arc are
-/// values of the parameter t, not polar angles.
+/// A line goes through points 1 and 2. An arc has a centre, a radius and two angles and runs counter-clockwise from
+/// `start` to `end`; start > end passes through angle 0. A point of an ellipse with centre, semi-axes a and b and
+/// rotation r is (cx + a*cos r*cos t - b*sin r*sin t, cy + a*sin r*cos t + b*cos r*sin t); `start` and `end` of an
+/// elliptical arc are values of the parameter t, not polar angles.
 ///
 /// What is not guarded below divides by zero or takes the arc cosine of more than 1, and the infinities and
 /// not-a-numbers pass on.
@@ -23,17 +23,17 @@ class kar3DVector;
 /// \name Angles
 /// \{
 
-/// The angle of (x, y), normalised, 0 for (0, 0): radians for fullCircle = 0, otherwise a full turn counts `fullCircle`, as
-/// 360 for degrees.
+/// The angle of (x, y), normalised, 0 for (0, 0): radians for fullCircle = 0, otherwise a full turn counts
+/// `fullCircle`, as 360 for degrees.
 KAR_API double arcusTangens(const double &y, const double &x, const double &fullCircle);
 
 /// The arc tangent of `t`, normalised.
 KAR_API double arcusTangens(const double &t);
 
-/// The angle at point 0 between the directions to points 1 and 2, in [0, pi], or 2*pi less that angle where the direction
-/// to point 2 is less inclined to the z axis than that to point 1.
-/// Note: nothing but the inclination to the z axis tells the two, so in the x-y plane the angle never exceeds pi. Nothing
-/// is clamped: where rounding lifts the quotient above 1, and for a zero vector, the angle is not a number.
+/// The angle at point 0 between the directions to points 1 and 2, in [0, pi], or 2*pi less that angle where the
+/// direction to point 2 is less inclined to the z axis than that to point 1.
+/// Note: nothing but the inclination to the z axis tells the two, so in the x-y plane the angle never exceeds pi.
+/// Nothing is clamped: where rounding lifts the quotient above 1, and for a zero vector, the angle is not a number.
 KAR_API double GetAngle(const double &x0, const double &y0, const double &z0, const double &x1, const double &y1,
                         const double &z1, const double &x2, const double &y2, const double &z2);
 
@@ -66,8 +66,8 @@ KAR_API int ChangedSideOfLine(const double &ax, const double &ay, const double &
 /// \name On or off
 /// \{
 
-/// `testDistance`: the point lies no further than `tolerance` from the unbounded line. `testRange`: it lies in the box of
-/// the two end points widened by `tolerance`. Without either, true.
+/// `testDistance`: the point lies no further than `tolerance` from the unbounded line. `testRange`: it lies in the box
+/// of the two end points widened by `tolerance`. Without either, true.
 /// Note: a distance that is not a number passes, a coordinate of the point that is not a number doesn't lie in a box.
 KAR_API bool IsPointOnLine(double x1, double y1, double x2, double y2, double px, double py, bool testDistance,
                            bool testRange, double tolerance);
@@ -76,8 +76,8 @@ KAR_API bool IsPointOnLine(double x1, double y1, double x2, double y2, double px
 /// Note: the tolerance is on squared lengths, so the band grows narrower as the radius grows.
 KAR_API bool IsPointOnCircle(double cx, double cy, double radius, double px, double py, double tolerance);
 
-/// Whether the direction of the point from the centre lies on the arc, within 1e-50, and unless `onCircleKnown` the point
-/// on the circle. `start` and `end` are taken to lie in [0, 2*pi).
+/// Whether the direction of the point from the centre lies on the arc, within 1e-50, and unless `onCircleKnown` the
+/// point on the circle. `start` and `end` are taken to lie in [0, 2*pi).
 /// Note: start = end accepts that one angle only.
 KAR_API bool IsPointOnArc(double cx, double cy, double radius, double start, double end, double px, double py,
                           bool onCircleKnown, double tolerance);
@@ -90,8 +90,8 @@ KAR_API bool IsPointOnEllipse(double cx, double cy, double a, double b, double r
 
 /// Whether the point lies on the ellipse as above and its parameter t = acos u, or 2*pi - acos u for v < 0, between
 /// `start` and `end`, without tolerance.
-/// Note: start = end is the whole ellipse. The tenth argument is not read. Nothing is clamped, so a point with |u| beyond
-/// 1 has a t that is not a number and lies on no arc.
+/// Note: start = end is the whole ellipse. The tenth argument is not read. Nothing is clamped, so a point with |u|
+/// beyond 1 has a t that is not a number and lies on no arc.
 KAR_API bool IsPointOnEllipticalArc(double cx, double cy, double a, double b, double rotation, double start, double end,
                                     double px, double py, bool, double tolerance);
 
@@ -110,8 +110,8 @@ KAR_API double Calculate_Distance_To_Line(const double &px, const double &py, co
 KAR_API bool Calculate_Mirror_Point_To_Line(const double &px, const double &py, const double &x1, const double &y1,
                                             const double &x2, const double &y2, double &mirrorX, double &mirrorY);
 
-/// The foot of the perpendicular from (px, py) on the unbounded line. Result: 1, or with `testOnSegment` 1 where the foot
-/// lies in the box of the end points widened by 1e-10 and 0 elsewhere; the foot is written in either case.
+/// The foot of the perpendicular from (px, py) on the unbounded line. Result: 1, or with `testOnSegment` 1 where the
+/// foot lies in the box of the end points widened by 1e-10 and 0 elsewhere; the foot is written in either case.
 /// Note: coincident end points count as a horizontal line.
 KAR_API int Calculate_Perpendicular_Point_To_Line(const double &px, const double &py, const double &x1,
                                                   const double &y1, const double &x2, const double &y2, double &footX,

@@ -6,16 +6,16 @@
 #include "karexport.h"
 
 /// \name Intersections
-/// Curves are given by their parameters: a line by two points; an arc by centre, radius > 0, start and end; an ellipse by
-/// centre, semi-axes > 0 and rotation; an elliptical arc also by start and end, which are values of the parameter t of
-/// X(t) = cx + a*cos r*cos t - b*sin r*sin t, Y(t) = cy + a*sin r*cos t + b*cos r*sin t, in [0, 2*pi). Angles are radians,
-/// counter-clockwise; start above end passes through 0.
+/// Curves are given by their parameters: a line by two points; an arc by centre, radius > 0, start and end; an ellipse
+/// by centre, semi-axes > 0 and rotation; an elliptical arc also by start and end, which are values of the parameter t
+/// of X(t) = cx + a*cos r*cos t - b*sin r*sin t, Y(t) = cy + a*sin r*cos t + b*cos r*sin t, in [0, 2*pi). Angles are
+/// radians, counter-clockwise; start above end passes through 0.
 ///
 /// `limitMask` says which curves are bounded: bit 1 the first of the call, bit 2 the second; a curve whose bit is clear
 /// counts as unbounded. The result is the number of points that pass the test of each set bit (tolerance 1e-10).
 ///
-/// An output may be the same variable as an input, which counts with its value on entry. Formulas are evaluated from left
-/// to right, with squares formed first: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r and s = sin r.
+/// An output may be the same variable as an input, which counts with its value on entry. Formulas are evaluated from
+/// left to right, with squares formed first: (cx + (a*c)*cos t) - (b*s)*sin t with c = cos r and s = sin r.
 ///
 /// Method: the half-angle substitution u = tan(t/2) turns a line and an ellipse into a quadratic, two ellipses into a
 /// quartic, which Bairstow's iteration solves.
@@ -40,7 +40,8 @@ KAR_API int Intersect_Line_Ellipse(const double &x1, const double &y1, const dou
 
 /// 0 to 2 points, packed in the order of the roots; an output that gets no point is 0. A tangent gives one point.
 /// Note: a line that crosses the curve at t = pi loses that point unless it is horizontal: the root is at infinity. The
-/// candidate of a horizontal line is (cx - a*cos r, cy + a*sin r), which on a rotated ellipse isn't the point of t = pi.
+/// candidate of a horizontal line is (cx - a*cos r, cy + a*sin r), which on a rotated ellipse isn't the
+/// point of t = pi.
 /// Note: where the quadratic has no second degree and the first root isn't 0, the point of t = 0 is a second candidate,
 /// whether or not it lies on the line; only the limits keep it out.
 /// Note: where the line passes the point of t = pi within rounding, the other crossing is spoiled by cancellation.
@@ -73,8 +74,8 @@ KAR_API int Intersect_Arc_Arc(const double &c1x, const double &c1y, const double
 /// Note: a root whose imaginary part is below 0.0001 counts as real, so that near misses give points too; only a limit
 /// tests whether they lie on the first ellipse.
 /// Note: a root that is not a number counts as real and passes without limits, with coordinates that are not numbers.
-/// Note: the iteration has no limit, and a few in 10,000 random pairs never end (docs/crossings.md), far more of touching,
-/// concentric and osculating ones. The form with `passes` always ends.
+/// Note: the iteration has no limit, and a few in 10,000 random pairs never end (docs/crossings.md), far more of
+/// touching, concentric and osculating ones. The form with `passes` always ends.
 KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, const double &a1, const double &b1,
                                       const double &rotation1, const double &start1, const double &end1,
                                       const double &c2x, const double &c2y, const double &a2, const double &b2,
@@ -102,9 +103,9 @@ KAR_API int Intersect_Ellipse_Ellipse(const double &c1x, const double &c1y, cons
 /// output that gets no point is 0. Method: a quartic in z = e^(it), solved by Bairstow's iteration.
 /// Note: a root is (cos t, sin t) as it stands; the foot counts where its squared modulus is within 1e-10 of 1.
 /// Note: a foot at t = 0 or pi is lost where its cosine rounds beyond 1.
-/// Note: the quartic of a circle has no leading coefficient: mostly one foot of the two comes out, the other root not being
-/// a number. From the centre of a circle every point is a foot, and no root is a number: 0. The iteration has no limit; the
-/// form with `passes` always ends.
+/// Note: the quartic of a circle has no leading coefficient: mostly one foot of the two comes out, the other root not
+/// being a number. From the centre of a circle every point is a foot, and no root is a number: 0. The iteration has no
+/// limit; the form with `passes` always ends.
 KAR_API int Calculate_Perpendicular_Points_To_Ellipse(const double &px, const double &py, const double &cx,
                                                       const double &cy, const double &a, const double &b,
                                                       const double &rotation, const double &start, const double &end,

@@ -53,8 +53,8 @@ public:
 
     /// \name Changing
     /// A null `other` leaves both links null.
-    /// Note: the linking operations overwrite the element's own links: an element that still stands in a chain is unchained
-    /// first, or the old chain keeps pointing at it.
+    /// Note: the linking operations overwrite the element's own links: an element that still stands in a chain is
+    /// unchained first, or the old chain keeps pointing at it.
     /// \{
     void next(karListObjectNV *element) { nextLink = element; } ///< Stores the link; the neighbour isn't touched.
     void prev(karListObjectNV *element) { prevLink = element; } ///< \overload

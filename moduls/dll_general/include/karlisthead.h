@@ -45,12 +45,12 @@ public:
     /// \name Construction
     /// \{
     explicit karListHeadObject(ObjektIdies id = ObjektIdies(0)) : listId(id) {} ///< Empty.
-    karListHeadObject(const karListHeadObject &) =
-        default; ///< Note: shares the chain; the head that dies first deletes it.
+    /// Note: shares the chain; the head that dies first deletes it.
+    karListHeadObject(const karListHeadObject &) = default;
     /// \}
 
-    karListHeadObject &
-    operator=(const karListHeadObject &) = default; ///< Note: shares the chain; the old one stays alive.
+    /// Note: shares the chain; the old one stays alive.
+    karListHeadObject &operator=(const karListHeadObject &) = default;
 
     /// \name Reading
     /// \{
@@ -58,11 +58,11 @@ public:
     karListObject *ListLast() const { return listLast; }       ///< The last element, null if the list is empty.
     karListObject *ListCurrent() const { return listCurrent; } ///< The element last added, null at times.
     ObjektIdies getListId() const { return listId; }           ///< The id given at construction.
-    karListObject *
-    ListExist(const karListObject *element) const; ///< The element if it stands in the list, else null. Linear.
-    int ListAnzahl() const;                        ///< Elements from the first one on. Linear.
-    int
-    ListAnzahl(karListObject *element) const; ///< Elements of the whole chain that holds `element`, 0 for null. Linear.
+    /// The element if it stands in the list, else null. Linear.
+    karListObject *ListExist(const karListObject *element) const;
+    int ListAnzahl() const; ///< Elements from the first one on. Linear.
+    /// Elements of the whole chain that holds `element`, 0 for null. Linear.
+    int ListAnzahl(karListObject *element) const;
     /// \}
 
     /// \name Changing
@@ -76,10 +76,10 @@ public:
     /// Note: neighbourhood isn't tested; other elements break the chain. First and last are written past the setters.
     void changeAlignment(karListObject *a, karListObject *b);
 
-    /// Sorts by `(object->*method)(a, b)` and gives 0. Up to 7 elements: bubble sort, a and b change places on a negative
-    /// result. From 8 on: both halves likewise (the first has n / 2 elements), then merged; the element of the first half
-    /// goes first on a positive result only, so equal elements of the second half come first. The current element becomes
-    /// null; an empty list only stores its two arguments, which stay in `sortObject` and `sortMethod`.
+    /// Sorts by `(object->*method)(a, b)` and gives 0. Up to 7 elements: bubble sort, a and b change places on a
+    /// negative result. From 8 on: both halves likewise (the first has n / 2 elements), then merged; the element of the
+    /// first half goes first on a positive result only, so equal elements of the second half come first. The current
+    /// element becomes null; an empty list only stores its two arguments, which stay in `sortObject` and `sortMethod`.
     /// Note: equal elements keep their order in lists of up to 7 elements only.
     /// The method must be a pure function of its two elements: how often and in what order it is called is open, beyond
     /// that it is never asked about a pair that the sort as told here doesn't ask about. It needs no consistent order,
@@ -98,7 +98,8 @@ protected:
     ObjektIdies listId;                      ///< as constructed; nothing in the library goes by it
 
 private:
-    // Sorts the chain that holds the element and gives its first element; `end` becomes that of the chain of `listLast`.
+    // Sorts the chain that holds the element and gives its first element; `end` becomes that of the
+    // chain of `listLast`.
     karListObject *_sort(karListObject *element, karListObject *&end);
 };
 
@@ -145,7 +146,8 @@ private:
 #pragma GCC diagnostic pop
 #endif
 
-/// A head that is itself an element in a chain of heads. When it dies it leaves that chain first, then its elements die.
+/// A head that is itself an element in a chain of heads. When it dies it leaves that chain first, then
+/// its elements die.
 /// Note: asked as a head for its type it answers 200001, as an element 60.
 class KAR_API karListHeadListObject : public karListHeadObject,
                                       public karListTyped<karListHeadListObject, karListObject> {
@@ -161,8 +163,9 @@ public:
 
     /// \name Construction
     /// \{
-    karListHeadListObject(karListHeadListObject *other,
-                          ObjektIdies id);                          ///< At the end of the chain of heads of `other`.
+
+    /// At the end of the chain of heads of `other`.
+    karListHeadListObject(karListHeadListObject *other, ObjektIdies id);
     karListHeadListObject(const karListHeadListObject &) = default; ///< Copies the head part and the links.
     /// \}
 

@@ -11,9 +11,9 @@
 
 #include <cstdint>
 
-/// A matrix of doubles, stored by rows: element (r, c), counted from 0, is `GetData()[columns * r + c]`. The array comes
-/// from `KarAllocMemory`. Nothing is reported: a bad request leaves the receiver as it is or gives an empty matrix, that
-/// is one of 0 rows, 0 columns and without an array.
+/// A matrix of doubles, stored by rows: element (r, c), counted from 0, is `GetData()[columns * r + c]`. The array
+/// comes from `KarAllocMemory`. Nothing is reported: a bad request leaves the receiver as it is or gives an empty
+/// matrix, that is one of 0 rows, 0 columns and without an array.
 ///
 /// Where an allocation fails, or rows * columns doubles don't fit 32 bits, the matrix keeps its sizes and has a null
 /// array: its elements read as 0, stores are dropped. A result takes the sizes of its operands as they are, negative
@@ -55,16 +55,16 @@ public:
     /// The array itself. Note: after `SetData` with a size that is not positive, the address of an array that is gone.
     double *GetData() const { return data; }
     /// Address of the element in row r and column c; null without an array, for r - 1 > rows and for c - 1 > columns.
-    /// Note: the limits are one beyond the last row and column, and there is no lower one. The address is computed for every
-    /// other pair; the caller sees to it that it lies inside.
+    /// Note: the limits are one beyond the last row and column, and there is no lower one. The address is computed for
+    /// every other pair; the caller sees to it that it lies inside.
     double *GetValue(int r, int c) const { return _GetValue(r, c); }
     /// Row r + 1 as a matrix of 1 row; empty unless 0 < r <= rows.
-    /// Note: r is tested as if counted from 1 and used as counted from 0. `GetRowMatrix(1)` is the second row, the first
-    /// can't be fetched, `GetRowMatrix(rows)` is all 0.
+    /// Note: r is tested as if counted from 1 and used as counted from 0. `GetRowMatrix(1)` is the second row, the
+    /// first can't be fetched, `GetRowMatrix(rows)` is all 0.
     karMatrix GetRowMatrix(int r) const;
     /// A matrix of 1 column with the elements `data[rows * i + c]`, 0 beyond the array; empty unless 0 < c <= columns.
-    /// Note: c is tested as if counted from 1 and used as counted from 0, and the stride is the number of rows. So this is
-    /// column c + 1 of a square matrix, and no column of any other.
+    /// Note: c is tested as if counted from 1 and used as counted from 0, and the stride is the number of rows. So this
+    /// is column c + 1 of a square matrix, and no column of any other.
     karMatrix GetColumnMatrix(int c) const;
     /// \}
 
@@ -80,8 +80,8 @@ public:
         return *this;
     }
     /// Stores the sizes unchanged and starts with a new array of 0.
-    /// Note: with a size that is not positive the old array is freed and `GetData` keeps its stale address. Nothing in the
-    /// library reads, writes or frees it any more.
+    /// Note: with a size that is not positive the old array is freed and `GetData` keeps its stale address. Nothing in
+    /// the library reads, writes or frees it any more.
     karMatrix &SetData(int newRows, int newColumns)
     {
         rows = newRows;
@@ -95,9 +95,9 @@ public:
     /// \{
 
     /// Matrix product: element (i, j) is the sum over k of this[i][k] * o[k][j], from 0.0 on in the order of k.
-    /// Note: sizes that don't conform are no reason to refuse; k runs over the columns of this matrix, and elements beyond
-    /// the array of `o` count as 0. Only 0 columns with 1 row of `o`, or columns with 0 rows of `o`, are refused: `*=` then
-    /// leaves the matrix as it is, `*` gives an empty one.
+    /// Note: sizes that don't conform are no reason to refuse; k runs over the columns of this matrix, and elements
+    /// beyond the array of `o` count as 0. Only 0 columns with 1 row of `o`, or columns with 0 rows of `o`, are
+    /// refused: `*=` then leaves the matrix as it is, `*` gives an empty one.
     karMatrix &operator*=(const karMatrix &o);
     karMatrix operator*(const karMatrix &o) const;   ///< \overload
     karMatrix &operator*=(const double &factor);     ///< Each element times `factor`.
@@ -187,8 +187,8 @@ KAR_API karMatrix GetCutXMatrix(const double &a, const double &b); ///< a and b 
 KAR_API karMatrix GetCutYMatrix(const double &a, const double &b); ///< In the second row.
 KAR_API karMatrix GetCutZMatrix(const double &a, const double &b); ///< In the third row.
 /// Translation, `*=` rotation, `*=` scale.
-/// Note: a position is scaled first and turned second, while the translation row goes through rotation and scale as a row
-/// vector. So (tx, ty, tz) is not where the origin comes to lie.
+/// Note: a position is scaled first and turned second, while the translation row goes through rotation and scale as a
+/// row vector. So (tx, ty, tz) is not where the origin comes to lie.
 KAR_API karMatrix GetTransformationMatrix(const double &tx, const double &ty, const double &tz, const double &rx,
                                           const double &ry, const double &rz, const double &sx, const double &sy,
                                           const double &sz);
@@ -209,8 +209,8 @@ constexpr TransformationElements noElements = {};
 
 inline kar3D_Point &kar3D_Point::operator*=(const karMatrix &matrix)
 {
-    // The elements are read whether or not they are needed and without branches on the way: so a loop reads them once, in
-    // front.
+    // The elements are read whether or not they are needed and without branches on the way: so a loop reads them once,
+    // in front.
     const bool fits = matrix.isTransformation();
     const bool readable = fits & (matrix.data != nullptr);
     const auto &M = *(readable ? reinterpret_cast<const kar::TransformationElements *>(matrix.data) : &kar::noElements);

@@ -442,7 +442,8 @@ public:
 
 protected:
     /// Releases the blocks of all records with `KarDellocMemory`, newest first. 2 without a record, 1 if sizes remain
-    /// in the sum, otherwise 0. A record whose block the allocator no longer knows is passed over and remains in the sum.
+    /// in the sum, otherwise 0. A record whose block the allocator no longer knows is passed over and
+    /// remains in the sum.
     /// Note: the release takes the record out of the allocator's own list, so the sum of any other `karMemory` stays.
     int delete_all();
     /// The record of a block, null if it has none.

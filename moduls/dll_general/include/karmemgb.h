@@ -15,10 +15,10 @@
 ///
 /// Note: the other pools stay empty, so 20 bytes take an element of 100.
 ///
-/// On 64-bit targets the user's pointer is aligned to 16 bytes: the block begins 12 bytes into a pool's element, and the
-/// elements are 32, 112, 224, 512 and 1024 bytes apart.
-/// Note: on 32-bit targets the elements are as large as the classes, so that a block of the smallest class is aligned to
-/// 2 bytes only.
+/// On 64-bit targets the user's pointer is aligned to 16 bytes: the block begins 12 bytes into a pool's element, and
+/// the elements are 32, 112, 224, 512 and 1024 bytes apart.
+/// Note: on 32-bit targets the elements are as large as the classes, so that a block of the smallest class is aligned
+/// to 2 bytes only.
 ///
 /// Nothing here locks: a host calls it from one thread at a time. A copy shares all pages and records with its source:
 /// only one of the two may be used further or destroyed.

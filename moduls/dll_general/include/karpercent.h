@@ -26,7 +26,8 @@ public:
         end = newEnd;
     }
 
-    /// The percentage of the next outer layer for one of this layer, which is clamped to 0 to 100 first; halves round up.
+    /// The percentage of the next outer layer for one of this layer, which is clamped to 0 to 100 first;
+    /// halves round up.
     /// -1 for the argument -1 and on an invalid range.
     int calcPercent(int percent);
 
@@ -35,9 +36,9 @@ protected:
     int end;   ///< percentage of the next outer layer at which this layer's 100 lies
 };
 
-/// A stack of layers; the last is the innermost phase. A phase names the stretch of its sub-phase with `setStartEnd`, opens
-/// a layer with `addLayer`, reports 0 to 100 with `setLayerPercent` and closes it with `removeLayer`; what is read from
-/// `getPercent` is the percentage of the whole. -1 stands for none.
+/// A stack of layers; the last is the innermost phase. A phase names the stretch of its sub-phase with `setStartEnd`,
+/// opens a layer with `addLayer`, reports 0 to 100 with `setLayerPercent` and closes it with `removeLayer`; what is
+/// read from `getPercent` is the percentage of the whole. -1 stands for none.
 class KAR_API karPercent : public karListHeadTyped<karPercentList, karListHeadObject> {
 public:
     /// \name Virtual operations, in slot order
@@ -69,12 +70,12 @@ public:
 
     /// Reports the percentage of the innermost layer. On an empty stack both become -1.
     /// Note: -1 counts as 100, but where the layers end at 100 together it gives -1 in both.
-    /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls, be it to the -1 of an empty
-    /// stack; a rise is silent.
+    /// Note: the host hears a tick (`Fortschritt`) only when the percentage of the whole falls, be it to the -1 of an
+    /// empty stack; a rise is silent.
     void setLayerPercent(int percent);
     /// The same for a fraction: 0 to 1 is rounded to percent, halves up.
-    /// Note: below 0 and not-a-number count as -1; there is no limit above, and a product beyond the `int` range counts as
-    /// the largest `int`.
+    /// Note: below 0 and not-a-number count as -1; there is no limit above, and a product beyond the `int` range counts
+    /// as the largest `int`.
     void setLayerPercent(double fraction);
 
     /// Stores the percentage of the whole as it is: no layer is asked, nothing ticks.

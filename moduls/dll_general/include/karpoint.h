@@ -214,8 +214,11 @@ public:
     {
         const double dx = kar::wrapSub(x(), cx);
         const double dy = kar::wrapSub(y(), cy);
-        y(kar::wrapAdd(kar::wrapAdd(cy, kar::toInt(dx * sine)), kar::toInt(dy * cosine)));
-        x(kar::wrapSub(kar::wrapAdd(cx, kar::toInt(dx * cosine)), kar::toInt(dy * sine)));
+        // Products with factors below 1 stay in the `int` range.
+        const bool isBelowOne = std::fabs(cosine) < 1 && std::fabs(sine) < 1;
+        const auto toInt = [isBelowOne](double v) { return isBelowOne ? static_cast<int>(v) : kar::toInt(v); };
+        y(kar::wrapAdd(kar::wrapAdd(cy, toInt(dx * sine)), toInt(dy * cosine)));
+        x(kar::wrapSub(kar::wrapAdd(cx, toInt(dx * cosine)), toInt(dy * sine)));
     }
     /// \}
 

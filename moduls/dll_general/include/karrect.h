@@ -154,10 +154,8 @@ public:
     /// \{
     karD_Rect() = default;                                                          ///< All zero.
     karD_Rect(double x1, double y1, double x2, double y2) { init(x1, y1, x2, y2); } ///< Normalised.
-    karD_Rect(const karD_Point &a, const karD_Point &b) : bottomLeft_(a), topRight_(b)
-    {
-        NormalizeRect();
-    } ///< \overload
+    /// \overload
+    karD_Rect(const karD_Point &a, const karD_Point &b) : bottomLeft_(a), topRight_(b) { NormalizeRect(); }
     /// Corners `p` and `p` + `d`, normalised, other than in `karRect`.
     karD_Rect(const karD_Point &p, const karD_Dimension &d) : karD_Rect(p, p + d) {}
     karD_Rect(const karD_Rect &) = default;                                               ///< Copies the two corners.

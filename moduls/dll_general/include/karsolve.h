@@ -28,8 +28,8 @@ KAR_API double Calculate_Determinante3(const double &a, const double &b, const d
 
 /// Solves A * x = b for `n` = 1 or 2 unknowns by Gaussian elimination with partial pivoting; the first row with the
 /// largest element is the pivot. 1: `b` holds x. 0: singular, `b` is left alone. A is only read.
-/// Note: the system need not be tridiagonal. Singular means a pivot that is exactly 0.0; there is no tolerance. The rows
-/// have two elements, so a third column counts as 0: any other `n` gives 0.
+/// Note: the system need not be tridiagonal. Singular means a pivot that is exactly 0.0; there is no tolerance. The
+/// rows have two elements, so a third column counts as 0: any other `n` gives 0.
 KAR_API int gausstridiag(double (*const A)[2], double *const b, int n);
 
 /// \}
@@ -42,8 +42,8 @@ KAR_API int gausstridiag(double (*const A)[2], double *const b, int n);
 /// negative a makes x1 the smaller. 0: none.
 /// |a| < 1e-50 is the linear equation, x1 = -c / b; where |b| < 1e-50 too, both outputs are 0 and the result is 0. What
 /// is not a number counts as that small.
-/// Note: the result doesn't count the roots. With D = b*b - 4*a*c below 0 the outputs stay as they were; a D that is not
-/// a number gives 1 and outputs that are not numbers. The second output of the linear equation is a plain 0.0.
+/// Note: the result doesn't count the roots. With D = b*b - 4*a*c below 0 the outputs stay as they were; a D that is
+/// not a number gives 1 and outputs that are not numbers. The second output of the linear equation is a plain 0.0.
 KAR_API int Solve_SquareRoots(const double &a, const double &b, const double &c, double &x1, double &x2);
 
 /// Both roots of x*x + p*x + q = 0 as (re1, im1), (re2, im2): the larger real one first, or the one with the positive
@@ -65,14 +65,15 @@ KAR_API int CalculateRoots(const double &a, const double &b, const double &c, do
 /// \}
 
 /// \name Polynomials
-/// Bairstow's iteration (L. Bairstow, 1914): Newton's method for a factor x*x + p*x + q, whose roots are stored and which
-/// is then divided out. Coefficients are in descending powers, `a`[0] the leading one, and are overwritten by the
+/// Bairstow's iteration (L. Bairstow, 1914): Newton's method for a factor x*x + p*x + q, whose roots are stored and
+/// which is then divided out. Coefficients are in descending powers, `a`[0] the leading one, and are overwritten by the
 /// quotients. Roots come as the pair of the first factor, the pair of the next, then the last pair or the single root,
 /// each pair in the order of the quadratic solver. A factor counts as found when the ratio
 /// (|dp| + |dq|) / (|p| + |q|) of a pass is not above a bound, or is not a number.
 ///
-/// Note: built for degrees 3 and 4. Below 3 a work entry in front of the arrays counts as 0 and nothing is stored behind
-/// position `n`. `eqbairstow` and `EqBairstow` have work arrays for degree 4; beyond that their entries count as 0.
+/// Note: built for degrees 3 and 4. Below 3 a work entry in front of the arrays counts as 0 and nothing is stored
+/// behind position `n`. `eqbairstow` and `EqBairstow` have work arrays for degree 4; beyond that their
+/// entries count as 0.
 /// \{
 
 /// Roots of a real polynomial of degree `n`: `a` has the entries 0 to `n`, and so have `re` and `im`, which take the
@@ -99,12 +100,12 @@ KAR_API int EqBairstow(int n, karComplex *const a, karComplex *const x, const ka
                        const double &eps, int &passes);
 
 /// Roots of a real polynomial whose coefficients are the one row of a matrix: a new matrix of 2 rows, real parts in the
-/// first, and as many columns as `coefficients` has. Anything but one row gives an empty matrix. Starts at p = q = 0 and
-/// repeats while the ratio is at least 1e-50, in practice until the correction is exactly zero or not a number.
-/// Note: the number of columns N counts as the degree, and the coefficient that is then missing is 0, so one root is 0 in
-/// exact arithmetic. All imaginary parts are stored in the first two columns, each pair over the one before, and that of
-/// a single root is a 0 in the first column; the other columns stay 0. `coefficients` is overwritten although it is
-/// const. The two numbers are not read. There is no limit to the passes.
+/// first, and as many columns as `coefficients` has. Anything but one row gives an empty matrix. Starts at p = q = 0
+/// and repeats while the ratio is at least 1e-50, in practice until the correction is exactly zero or not a number.
+/// Note: the number of columns N counts as the degree, and the coefficient that is then missing is 0, so one root is 0
+/// in exact arithmetic. All imaginary parts are stored in the first two columns, each pair over the one before, and
+/// that of a single root is a 0 in the first column; the other columns stay 0. `coefficients` is overwritten although
+/// it is const. The two numbers are not read. There is no limit to the passes.
 KAR_API karMatrix Solve_Polynom_Roots(const karMatrix &coefficients, const double &, const double &);
 
 /// \}

@@ -46,8 +46,8 @@ public:
     KAR_API karString();                                           ///< Empty, size 16.
     KAR_API explicit karString(unsigned reserve);                  ///< Empty, with room for `reserve` characters.
     KAR_API karString(char c, unsigned count, unsigned extra = 8); ///< `count` times `c`.
-    /// The digits of `value` in `radix` 2 to 36, letters in lower case. Another radix gives the empty text. Size without
-    /// spare room.
+    /// The digits of `value` in `radix` 2 to 36, letters in lower case. Another radix gives the empty text. Size
+    /// without spare room.
     /// Note: a sign is written in radix 10 alone: in every other one the 32 bits count as an unsigned number.
     KAR_API karString(int value, int radix);
     KAR_API karString(long value, int radix); ///< Note: 32 bits wide also where `long` is wider.
@@ -292,8 +292,8 @@ public:
     /// \name Searching by index
     /// An index into the whole text, or -1. Forward from index `from`, which has to lie in 0 to `length()` - 1;
     /// backward before index `limit`, which has to lie in 0 to `length()`, where -1 means `length()`.
-    /// Note: where the cached length is above the text's, a search may start behind the text's end. It stops at the next
-    /// NUL or at the end of the buffer.
+    /// Note: where the cached length is above the text's, a search may start behind the text's end. It stops at the
+    /// next NUL or at the end of the buffer.
     /// \{
     KAR_API int karstrchr(char c, int from) const;          ///< First `c`. NUL finds the terminator.
     KAR_API int karstrrchr(char c, int limit) const;        ///< Last `c`. NUL gives `limit` or the text's end.
@@ -328,19 +328,16 @@ private:
         return static_cast<unsigned long long>(i) > 0xffffffffu ? 0xffffffffu : static_cast<unsigned>(i);
     }
 
-    // A text without terminator or buffer is told by the last byte that the comparison may have read.
+    // The last byte of a buffer is NUL, but where a host has written there or a text fills its buffer.
+    bool isTerminated() const { return buffer && !buffer[bufferSize - 1]; }
     int compare(const char *text) const
     {
-        const int order = buffer ? std::strncmp(buffer, text, bufferSize) : 0;
-        return order || (buffer && !buffer[bufferSize - 1]) ? order : compareBounded(text, std::strlen(text));
+        return isTerminated() ? std::strcmp(buffer, text) : compareBounded(text, std::strlen(text));
     }
     int compare(const karString &other) const
     {
-        if (!buffer || !other.buffer)
-            return compareBounded(other.text(), other.measured());
-        const unsigned size = bufferSize < other.bufferSize ? bufferSize : other.bufferSize;
-        const int order = std::strncmp(buffer, other.buffer, size);
-        return order || !buffer[size - 1] ? order : compareBounded(other.buffer, other.measured());
+        return isTerminated() && other.isTerminated() ? std::strcmp(buffer, other.buffer)
+                                                      : compareBounded(other.text(), other.measured());
     }
 
     karString(const karString &left, const char *right, std::size_t rightCount);

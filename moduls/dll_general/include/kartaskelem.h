@@ -5,10 +5,10 @@
 
 #include "karalloc.h"
 
-/// A cooperative task. It registers itself with the host (`Stdio`) as it is made; the host's loop then calls `_todo` until
-/// that gives true, takes the task out of its list and calls `PostRemove`. A host must be installed before the first task
-/// is made and as long as one lives: `Stdio` is used without a test. The host must accept the removal of a task that it
-/// has dropped already.
+/// A cooperative task. It registers itself with the host (`Stdio`) as it is made; the host's loop then calls `_todo`
+/// until that gives true, takes the task out of its list and calls `PostRemove`. A host must be installed before the
+/// first task is made and as long as one lives: `Stdio` is used without a test. The host must accept the removal of a
+/// task that it has dropped already.
 class KAR_API karTaskElem {
 public:
     KAR_LIBRARY_NEW
@@ -16,8 +16,8 @@ public:
     /// \name Virtual operations, in slot order
     /// \{
     virtual ~karTaskElem(); ///< Takes the task out of the host's list.
-    /// Runs one step if the task is awake. True: the task has finished (`step` gave 0, 2 or 3). False: to be called again,
-    /// also from a sleeping task, and from inside the task's own `step`, which is not entered twice.
+    /// Runs one step if the task is awake. True: the task has finished (`step` gave 0, 2 or 3). False: to be called
+    /// again, also from a sleeping task, and from inside the task's own `step`, which is not entered twice.
     virtual bool _todo();
     /// One portion of the work. 1: more is to be done; 0, 2 and 3: finished.
     /// Note: any other value counts as 1 in `_todo` and as finished in `complete`.

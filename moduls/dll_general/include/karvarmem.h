@@ -130,7 +130,7 @@ private:
     int raised(int count) const { return count < minElementCount_ ? minElementCount_ : count; }
     void linkBehind(karFreeVarElement *before, karFreeVarElement *run);
 
-    karVarPage *nextCutOff = nullptr; // behind the stated fields: see `karVarPageMemory::cutOff`
+    karVarPage *nextApart = nullptr; // behind the stated fields: see `karVarPageMemory::apart`
 };
 
 /// A pool of runs over a chain of pages. An empty page is released with its last run.
@@ -205,11 +205,11 @@ protected:
 
 private:
     void enterChain(karVarPage *page);
-    void replaceCutOff(const karVarPage *page, karVarPage *replacement);
+    void replaceApart(const karVarPage *page, karVarPage *replacement);
     void *moveRun(karVarPage *page, void *run, void *target, int oldCount, int newCount);
 
     // Behind the stated fields: the chains that stand apart from `firstPage`, each by its first page. A copy has none.
-    karVarPage *cutOff = nullptr;
+    karVarPage *apart = nullptr;
 };
 
 #endif

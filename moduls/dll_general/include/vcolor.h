@@ -19,9 +19,9 @@ public:
     /// other pure colours (1 to 6), and seven greys (8, 9, 250 to 254). Every other colour comes from the low three
     /// bytes and gets an index of the colour wheel, 10 times the hue number (1 to 24) plus the brightness (0, 2, 4, 6,
     /// 8 from bright to dark) plus 1 if it is pale.
-    /// Note: black and white are both 7. A grey that doesn't match exactly lies on the wheel too: 0x808080 gives 95. There
-    /// is no ramp of greys behind the exact values. Those are not the greys of `ConvDXF2RGB`, so the two don't invert each
-    /// other.
+    /// Note: black and white are both 7. A grey that doesn't match exactly lies on the wheel too: 0x808080 gives 95.
+    /// There is no ramp of greys behind the exact values. Those are not the greys of `ConvDXF2RGB`, so the two don't
+    /// invert each other.
     KAR_API static int ConvRGB2DXF(long rgb);
 
     /// The packed colour of a DXF index; outside 0 to 255 it gives 0. 0 to 9 and 250 to 255 are fixed, the others lie

@@ -17,8 +17,8 @@ inline double normalisedAngle(double angle) { return angle < 0 ? angle + fullTur
 
 /// Takes most full turns off a large angle >= 0 with the result of taking them off one by one, each difference rounded.
 /// Between two powers of two all angles are multiples of one unit, so each step takes the same number of units off, and
-/// what is left after several steps is exact. The last step above the lower power is left for itself: its difference may
-/// lie below, where the unit is smaller. Below 1024 the steps are few, and there a tie may round either way.
+/// what is left after several steps is exact. The last step above the lower power is left for itself: its difference
+/// may lie below, where the unit is smaller. Below 1024 the steps are few, and there a tie may round either way.
 inline double withoutManyTurns(double angle)
 {
     while (angle >= 1024) {

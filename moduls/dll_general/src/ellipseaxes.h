@@ -19,8 +19,12 @@ struct EllipseAxes {
     explicit EllipseAxes(double radius) : P(radius), Q(-radius * 0.0), R(radius * 0.0), S(radius) {}
     EllipseAxes(double a, double b, double rotation)
     {
-        const double c = std::cos(rotation);
-        const double s = std::sin(rotation);
+        double c = 1.0; // of 0, as above; the sine has its sign
+        double s = rotation;
+        if (rotation != 0) {
+            c = std::cos(rotation);
+            s = std::sin(rotation);
+        }
         P = a * c;
         Q = -b * s;
         R = a * s;

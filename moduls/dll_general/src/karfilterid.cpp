@@ -2,14 +2,16 @@
 
 #include <new>
 
-filterObjectID karFilterObject::getFilterId() { return filterObjectID(0); }
+namespace {
 
-errorCodesKARTORY FilterMObject::filter(karFilterObject *item)
-{
-    if (!object || !method)
-        return KAR_ERROR_NO_METHOD;
-    return (getObject()->*method)(item);
-}
+// The inline operations are exported too, for hosts that call them.
+[[gnu::used]] constexpr errorCodesKARTORY (FilterMObject::*slotFilter)(karFilterObject *) = &FilterMObject::filter;
+[[gnu::used]] constexpr errorCodesKARTORY (karFilterIdBase::*dispatch)(karFilterObject *) =
+    &karFilterIdBase::filterObject;
+
+} // namespace
+
+filterObjectID karFilterObject::getFilterId() { return filterObjectID(0); }
 
 karFilterIdBase::karFilterIdBase(void *object, FilterMethod method) { filterInit(object, method); }
 
@@ -30,15 +32,6 @@ void karFilterIdBase::setFilterMethod(filterObjectID id, void *object, FilterMet
 {
     if (FilterMObject *slot = getFilterMethod(id))
         slot->set(object, method);
-}
-
-errorCodesKARTORY karFilterIdBase::filterObject(karFilterObject *item)
-{
-    const filterObjectID id = item->getFilterId();
-    if (!methods)
-        return KAR_ERROR_UNKNOWN_METHOD;
-    FilterMObject *slot = getFilterMethod(id);
-    return slot ? slot->filter(item) : KAR_ERROR_NO_METHOD;
 }
 
 FilterMObject *karFilterIdBase::getFilterMethod(filterObjectID id)

@@ -5,18 +5,40 @@
 
 int karPercentList::ListObjectOk() { return 1; }
 
-// ((end - start) * percent + 50) / 100 + start
+namespace {
+
+unsigned clamped(int percent) { return percent >= 100 ? 100 : percent < 0 ? 0 : static_cast<unsigned>(percent); }
+
+// ((end - start) * percent + 50) / 100 + start, 0 to 100 as the percentage itself; false on an invalid range. Unsigned, a
+// negative start is above every end, and a negative end above 100.
+bool mapTo(karPercentList &layer, unsigned &percent)
+{
+    const auto start = static_cast<unsigned>(layer.getStart());
+    const auto end = static_cast<unsigned>(layer.getEnd());
+    if (start > end || end > 100)
+        return false;
+    percent = ((end - start) * percent + 50) / 100 + start;
+    return true;
+}
+
+// From a layer to the outermost one.
+inline int mapThrough(karPercentList *layer, int percent)
+{
+    if (percent == -1)
+        return -1;
+    unsigned value = clamped(percent);
+    for (; layer; layer = layer->prev())
+        if (!mapTo(*layer, value))
+            return -1;
+    return static_cast<int>(value);
+}
+
+} // namespace
+
 int karPercentList::calcPercent(int percent)
 {
-    if (start > end || start < 0 || end > 100 || percent == -1)
-        return -1;
-    if (percent >= 100)
-        percent = 100;
-    else if (percent < 0)
-        percent = 0;
-    if (end == start)
-        return start;
-    return ((end - start) * percent + 50) / 100 + start;
+    unsigned value = clamped(percent);
+    return percent != -1 && mapTo(*this, value) ? static_cast<int>(value) : -1;
 }
 
 int karPercent::ListHeadObjectOk() { return 1; }
@@ -51,12 +73,7 @@ void karPercent::setStartEnd(int start, int end)
     setLayerPercent(0);
 }
 
-int karPercent::folded(int value) const
-{
-    for (karPercentList *layer = ListLast(); layer; layer = layer->prev())
-        value = layer->calcPercent(value);
-    return value;
-}
+int karPercent::folded(int value) const { return mapThrough(ListLast(), value); }
 
 void karPercent::setLayerPercent(int newPercent)
 {
@@ -65,7 +82,7 @@ void karPercent::setLayerPercent(int newPercent)
         if (newPercent == -1 && folded(100) != 100)
             newPercent = 100;
         layerPercent = newPercent;
-        percent = folded(newPercent);
+        percent = mapThrough(ListLast(), newPercent);
     } else {
         layerPercent = percent = -1;
     }

@@ -30,52 +30,39 @@ bool karRect::setintersects(const karRect &o)
     return true;
 }
 
+namespace {
+
+// Ordered stores into the lower or the upper of two opposite places.
+
+void storeLower(double value, double &lower, double &upper)
+{
+    if (value < upper) {
+        lower = value;
+    } else {
+        lower = upper;
+        upper = value;
+    }
+}
+
+void storeUpper(double value, double &lower, double &upper)
+{
+    if (value > lower) {
+        upper = value;
+    } else {
+        upper = lower;
+        lower = value;
+    }
+}
+
+} // namespace
+
 // References that come in may lie in the receiver, since `topRight()` and `bottomLeft()` hand its corners out: what is
 // needed after the first store is copied before it.
 
-void karD_Rect::left(const double &value)
-{
-    const double v = value;
-    if (v < right()) {
-        set_left(v);
-    } else {
-        set_left(right());
-        set_right(v);
-    }
-}
-
-void karD_Rect::right(const double &value)
-{
-    const double v = value;
-    if (v > left()) {
-        set_right(v);
-    } else {
-        set_right(left());
-        set_left(v);
-    }
-}
-
-void karD_Rect::bottom(const double &value)
-{
-    const double v = value;
-    if (v < top()) {
-        set_bottom(v);
-    } else {
-        set_bottom(top());
-        set_top(v);
-    }
-}
-
-void karD_Rect::top(const double &value)
-{
-    const double v = value;
-    if (v > bottom()) {
-        set_top(v);
-    } else {
-        set_top(bottom());
-        set_bottom(v);
-    }
-}
+void karD_Rect::left(const double &value) { storeLower(value, bottomLeft_.x(), topRight_.x()); }
+void karD_Rect::right(const double &value) { storeUpper(value, bottomLeft_.x(), topRight_.x()); }
+void karD_Rect::bottom(const double &value) { storeLower(value, bottomLeft_.y(), topRight_.y()); }
+void karD_Rect::top(const double &value) { storeUpper(value, bottomLeft_.y(), topRight_.y()); }
 
 void karD_Rect::topBottom(const double &newTop, const double &newBottom)
 {

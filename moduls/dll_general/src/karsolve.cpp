@@ -2,17 +2,11 @@
 
 #include "karmatrix.h"
 #include "karnumeric.h"
+#include "realpair.h"
 
 #include <algorithm>
 
 using kar::lengthTolerance;
-
-namespace {
-
-/// Two doubles in one register: their quotients by one divisor cost one division.
-using RealPair = double __attribute__((vector_size(16)));
-
-} // namespace
 
 bool Solve_2x2Matrix(const double &a, const double &b, const double &c, const double &d, const double &e,
                      const double &f, double &x, double &y)
@@ -71,7 +65,7 @@ int Solve_SquareRoots(const double &a, const double &b, const double &c, double 
         const double D = (b * b) - ((4 * a) * c);
         if (D < 0)
             return 0; // a complex pair: the outputs stay as they were
-        const RealPair quotients = RealPair{-b, std::sqrt(std::fabs(D))} / (2 * a);
+        const kar::RealPair quotients = kar::RealPair{-b, std::sqrt(std::fabs(D))} / (2 * a);
         const double m = quotients[0];
         const double h = quotients[1];
         x1 = h + m;
@@ -377,8 +371,8 @@ int EqBairstow(int n, karComplex *const a, karComplex *const x, const karComplex
 
 namespace {
 
-/// Stores roots in the rows of a matrix: the imaginary parts at the flat index position + n, which is the first column of
-/// the second row for every pair.
+/// Stores roots in the rows of a matrix: the imaginary parts at the flat index position + n, which is the first column
+/// of the second row for every pair.
 struct MatrixRoots {
     int degree;
     GuardedRow<double> elements;

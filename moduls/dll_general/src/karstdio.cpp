@@ -1,7 +1,7 @@
 #include "karstdio.h"
 
-// `call` with what stands behind `last` as the list `arguments`. No function can do this: a list is opened and closed in
-// the one that has the ellipsis.
+// `call` with what stands behind `last` as the list `arguments`. No function can do this: a list is opened and closed
+// in the one that has the ellipsis.
 #define KAR_WITH_ARGUMENTS(last, call)                                                                                 \
     va_list arguments;                                                                                                 \
     va_start(arguments, last);                                                                                         \

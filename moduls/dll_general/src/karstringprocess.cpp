@@ -267,7 +267,7 @@ void karString::cutControls()
     unsigned end = measured();
     while (end > 0 && static_cast<signed char>(buffer[end - 1]) < 32)
         buffer[--end] = '\0';
-    cachedLength = end;
+    cachedLength = end; // measured, also where it looks like the mark
 }
 
 errorCodesKARTORY karString::s2int(int &value)
@@ -278,11 +278,9 @@ errorCodesKARTORY karString::s2int(int &value)
         return KAR_SUCCESS;
     }
     const char *const begin = buffer;
-    const char *const end = begin + measured();
-    if (std::all_of(begin, end, isDigit)) {
-        value = kar::text::readDecimal(begin, end);
+    const char *const end = begin + cachedLength;
+    if (kar::text::readDecimal(begin, end, value))
         return KAR_SUCCESS;
-    }
     const char *behind;
     const int number = kar::text::readHexadecimal(begin, end, behind);
     const bool isNumber = errno != ERANGE && behind == end;
@@ -297,11 +295,13 @@ errorCodesKARTORY karString::s2double(double &value)
     if (!buffer)
         return KAR_SUCCESS;
     const char *const begin = buffer;
-    const char *const end = begin + measured();
+    const char *const end = begin + cachedLength;
+    const char *behind;
+    const double number = kar::text::readReal(begin, end, behind);
     const auto isPart = [](char c) { return isDigit(c) || c == '-' || c == '.'; };
-    if (!std::all_of(begin, end, isPart))
+    if (!std::all_of(behind, end, isPart))
         return KAR_ERROR_NO_NUMBER;
-    value = kar::text::readReal(begin, end);
+    value = number;
     return KAR_SUCCESS;
 }
 
@@ -541,7 +541,7 @@ karString karString::karstrtok(const char *delimiters)
     if (i < count && i < bufferSize) {
         // What follows moves to the start, behind a NUL in the text too, up to the next one. In pieces that the cache
         // still holds from the search when they are moved.
-        constexpr unsigned piece = 16384;
+        constexpr unsigned piece = 2048;
         const char *const rest = buffer + i + 1;
         const unsigned room = bufferSize - i - 1;
         unsigned moved = 0;

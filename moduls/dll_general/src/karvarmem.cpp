@@ -395,17 +395,17 @@ karVarPageMemory &karVarPageMemory::operator=(const karVarPageMemory &other)
     lastPage = other.lastPage;
     elementSize_ = other.elementSize_;
     elementCount = other.elementCount;
-    cutOff = nullptr;
+    apart = nullptr;
     return *this;
 }
 
 karVarPageMemory::~karVarPageMemory()
 {
     karVarPage *page = firstPage ? firstPage->first() : nullptr;
-    while (page || cutOff) {
+    while (page || apart) {
         if (!page) {
-            page = cutOff;
-            cutOff = cutOff->nextCutOff;
+            page = apart;
+            apart = apart->nextApart;
         }
         karVarPage *const following = page->next();
         delete page;
@@ -530,8 +530,8 @@ karVarPage *karVarPageMemory::appendPage(int count)
 {
     auto *const page = new karVarPage(lastPage, elementSize_, count > elementCount ? count : elementCount);
     if (page && !lastPage && firstPage) {
-        page->nextCutOff = cutOff;
-        cutOff = page;
+        page->nextApart = apart;
+        apart = page;
     }
     lastPage = page;
     currentPage = page;
@@ -545,7 +545,7 @@ void karVarPageMemory::deletePage(karVarPage *page)
     if (!page)
         return;
     kar::leadPast(*page, firstPage, lastPage, currentPage);
-    replaceCutOff(page, page->next());
+    replaceApart(page, page->next());
     delete page;
 }
 
@@ -554,11 +554,11 @@ void karVarPageMemory::enterChain(karVarPage *page)
 {
     firstPage = page;
     if (page)
-        replaceCutOff(page->first(), nullptr);
+        replaceApart(page->first(), nullptr);
 }
 
-void karVarPageMemory::replaceCutOff(const karVarPage *page, karVarPage *replacement)
+void karVarPageMemory::replaceApart(const karVarPage *page, karVarPage *replacement)
 {
-    const auto link = [](karVarPage &first) -> karVarPage *& { return first.nextCutOff; };
-    kar::replaceChain(cutOff, page, replacement, link);
+    const auto link = [](karVarPage &first) -> karVarPage *& { return first.nextApart; };
+    kar::replaceChain(apart, page, replacement, link);
 }

@@ -304,7 +304,7 @@ void writeFixed(double value, int places, FixedStyle style, FixedText &out)
     out.length = static_cast<unsigned>(end - begin);
 }
 
-double readReal(const char *begin, const char *end)
+double readReal(const char *begin, const char *end, const char *&behind)
 {
     constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                  1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
@@ -328,6 +328,7 @@ double readReal(const char *begin, const char *end)
         places = at - fraction;
         count += places;
     }
+    behind = at;
     if (count == 0)
         return 0.0;
     // Both numbers are exact below 2^53 and up to 10^22, so that one division rounds once (Clinger).
@@ -341,12 +342,20 @@ double readReal(const char *begin, const char *end)
     return negative ? -magnitude : magnitude;
 }
 
-int readDecimal(const char *begin, const char *end)
+bool readDecimal(const char *begin, const char *end, int &value)
 {
-    std::int64_t value = 0;
-    for (; begin < end; ++begin)
-        value = std::min<std::int64_t>(value * 10 + (*begin - '0'), 0x7fffffff);
-    return static_cast<int>(value);
+    while (begin < end && *begin == '0')
+        ++begin;
+    constexpr unsigned largest = 0x7fffffff;
+    std::uint64_t number = 0; // wraps behind 19 digits, which are too many anyway
+    for (const char *at = begin; at < end; ++at) {
+        const unsigned digit = static_cast<unsigned char>(*at) - '0';
+        if (digit > 9)
+            return false;
+        number = number * 10 + digit;
+    }
+    value = static_cast<int>(end - begin > 19 || number > largest ? largest : number);
+    return true;
 }
 
 int readHexadecimal(const char *begin, const char *end, const char *&behind)

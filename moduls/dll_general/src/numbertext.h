@@ -35,11 +35,11 @@ enum class FixedStyle {
 void writeFixed(double value, int places, FixedStyle style, FixedText &out);
 
 /// Reads "-", digits and a point from the start of a text of these characters, correctly rounded; 0.0 if there is no
-/// number, an infinity beyond the range. Leaves `errno` alone.
-double readReal(const char *begin, const char *end);
+/// number, an infinity beyond the range. Leaves `errno` alone. `behind` is set behind the characters read.
+double readReal(const char *begin, const char *end, const char *&behind);
 
-/// Reads digits; above 2147483647 gives that.
-int readDecimal(const char *begin, const char *end);
+/// Reads a text of digits alone; above 2147483647 gives that. False, and `value` as it was, at any other character.
+bool readDecimal(const char *begin, const char *end, int &value);
 
 /// What `strtol` gives in radix 16 where `long` has 32 bits: white space, sign, 0x, digits. Beyond the range the
 /// nearest value, and `errno` is `ERANGE`. `behind` is set behind the number, or to `begin` if there is none.

@@ -4,7 +4,8 @@
 
 namespace kar {
 
-/// Before a page goes: the fields of its pool that lead to it lead to a neighbour, `first` backward, the others forward.
+/// Before a page goes: the fields of its pool that lead to it lead to a neighbour, `first` backward,
+/// the others forward.
 template <class Page>
 void leadPast(const Page &page, Page *&first, Page *&last, Page *&current)
 {
@@ -18,8 +19,8 @@ void leadPast(const Page &page, Page *&first, Page *&last, Page *&current)
         current = behind ? behind : before;
 }
 
-/// In a list of chains, each by its first page, the chain that begins with `page` begins with `replacement` from now on;
-/// null takes it off the list. `link` gives the field of a first page that leads to the next chain.
+/// In a list of chains, each by its first page, the chain that begins with `page` begins with `replacement` from now
+/// on; null takes it off the list. `link` gives the field of a first page that leads to the next chain.
 template <class Page, class Link>
 void replaceChain(Page *&chains, const Page *page, Page *replacement, Link link)
 {

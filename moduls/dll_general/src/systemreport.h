@@ -77,8 +77,8 @@ inline int versionRowOf(std::uint32_t major, std::uint32_t minor)
     return row;
 }
 
-/// The answers to a report, null standing for a system that didn't answer. `askName` fills a buffer of `nodeNameSize` with
-/// the computer's name and terminator and says whether it could; it is asked only where the name counts.
+/// The answers to a report, null standing for a system that didn't answer. `askName` fills a buffer of `nodeNameSize`
+/// with the computer's name and terminator and says whether it could; it is asked only where the name counts.
 inline SystemAnswers answersTo(const SystemReport *report, bool (*askName)(char *name))
 {
     SystemAnswers said = {};

@@ -10,8 +10,8 @@ namespace {
 
 constexpr double fullTurn = 6.283185307179586;
 
-/// The largest relative error over the arcs of 1/`parts` of a whole ellipse that begin at an end of an axis, or, for the
-/// sum of the parts, of the whole.
+/// The largest relative error over the arcs of 1/`parts` of a whole ellipse that begin at an end of an axis, or, for
+/// the sum of the parts, of the whole.
 double relativeError(double b, int parts, bool summed)
 {
     const double exact = perimeter(1, b);

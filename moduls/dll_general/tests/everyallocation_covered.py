@@ -78,12 +78,14 @@ def refused(tests):
 def main():
     library, tests = sys.argv[1], sys.argv[2:]
     can = allocating(calls(library))
-    own = [names for names in exported(library) if names & can and not all(re.match("_ZN?K?St|_ZNKSt", n) for n in names)]
+    own = [names for names in exported(library)
+           if names & can and not all(re.match("_ZN?K?St|_ZNKSt", n) for n in names)]
     tried = refused(tests)
     missing = sorted(min(names) for names in own if not names & tried)
     print(f"{len(own)} exported functions can ask for memory, {len(own) - len(missing)} were refused it")
     if missing:
-        plain = subprocess.run(["c++filt"], input="\n".join(missing), stdout=subprocess.PIPE, text=True, check=True).stdout
+        plain = subprocess.run(["c++filt"], input="\n".join(missing), stdout=subprocess.PIPE, text=True,
+                               check=True).stdout
         print("never refused:", plain, sep="\n", end="")
         sys.exit(1)
 

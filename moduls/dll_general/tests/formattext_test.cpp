@@ -1,6 +1,6 @@
 // Which formats are written without the C library, and that they stay in their room. The texts that callers see are
-// tested in karstring_process_test.cpp, where the C library takes over what is left to it here; those of numbers too, but
-// for one rounding that no format asks for.
+// tested in karstring_process_test.cpp, where the C library takes over what is left to it here; those of numbers too,
+// but for one rounding that no format asks for.
 #include "formattext.cpp"
 #include "numbertext.cpp"
 

@@ -1,10 +1,8 @@
 // Planes, user coordinate systems and the axes of object coordinate systems.
 #include "kar3dbks.h"
 
-#include "testhash.h"
+#include "goldenrun.h"
 #include "testnumbers.h"
-#include "testrandom.h"
-#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -143,31 +141,27 @@ TEST(Kar3DBKS, PlaneTakesTheAxesAsPoints)
 
 TEST(Kar3DBKS, PlaneIsComputedAsStated)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(741);
-    TestHash ofClass, ofPlain;
-    for (int call = 0; call < 50000; ++call) {
+    GoldenRun run(741, 50000, 15653743587845899789u);
+    while (run.next()) {
         double o[3], x[3], y[3];
         for (double *point : {o, x, y})
             for (int i = 0; i < 3; ++i)
-                point[i] = mixedDouble(random);
+                point[i] = mixedDouble(run.random);
         kar3DBKS system = atOrigin();
         system.SetOrigin(kar3D_Point(o[0], o[1], o[2]));
         system.GetVectorAxisX() = vector(x[0], x[1], x[2]);
         system.GetVectorAxisY() = vector(y[0], y[1], y[2]);
         const karPlane plane = system.GetPlaneXY();
-        ofClass.add(plane.GetA());
-        ofClass.add(plane.GetB());
-        ofClass.add(plane.GetC());
-        ofClass.add(plane.GetD());
-        ofPlain.add(o[1] * (x[2] - y[2]) + x[1] * (y[2] - o[2]) + y[1] * (o[2] - x[2]));
-        ofPlain.add(o[2] * (x[0] - y[0]) + x[2] * (y[0] - o[0]) + y[2] * (o[0] - x[0]));
-        ofPlain.add(o[0] * (x[1] - y[1]) + x[0] * (y[1] - o[1]) + y[0] * (o[1] - x[1]));
-        ofPlain.add(-(o[0] * (x[1] * y[2] - y[1] * x[2]) + x[0] * (y[1] * o[2] - o[1] * y[2]) +
-                      y[0] * (o[1] * x[2] - x[1] * o[2])));
-        ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 741, call " << call;
+        run.code.add(plane.GetA());
+        run.code.add(plane.GetB());
+        run.code.add(plane.GetC());
+        run.code.add(plane.GetD());
+        run.plain.add(o[1] * (x[2] - y[2]) + x[1] * (y[2] - o[2]) + y[1] * (o[2] - x[2]));
+        run.plain.add(o[2] * (x[0] - y[0]) + x[2] * (y[0] - o[0]) + y[2] * (o[0] - x[0]));
+        run.plain.add(o[0] * (x[1] - y[1]) + x[0] * (y[1] - o[1]) + y[0] * (o[1] - x[1]));
+        run.plain.add(-(o[0] * (x[1] * y[2] - y[1] * x[2]) + x[0] * (y[1] * o[2] - o[1] * y[2]) +
+                        y[0] * (o[1] * x[2] - x[1] * o[2])));
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{15653743587845899789u});
 }
 
 TEST(Kar3DBKS, MappingFromThePlaneAddsAZOfZeroAndNothingElse)
@@ -235,39 +229,35 @@ TEST(ObjectAxes, SwitchExactlyAtOne64th)
 
 TEST(ObjectAxes, AreOrthogonalAndRightHandedForTenThousandNormals)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(742);
-    TestHash ofClass, ofPlain;
-    for (int call = 0; call < 10000; ++call) {
+    GoldenRun run(742, 10000, 2517933062053221709u);
+    while (run.next()) {
         // A third of the normals stands about the switch of the rule.
-        const double spread = call % 3 == 0 ? 0.03 : 1.0;
-        const double nx = random.between(-spread, spread), ny = random.between(-spread, spread);
-        const kar3DVector n(nx, ny, random.between(-1.0, 1.0), call % 2 == 0);
+        const double spread = run.step % 3 == 0 ? 0.03 : 1.0;
+        const double nx = run.random.between(-spread, spread), ny = run.random.between(-spread, spread);
+        const kar3DVector n(nx, ny, run.random.between(-1.0, 1.0), run.step % 2 == 0);
         const kar3DVector x = GetOCSVectorAxisX(n), y = GetOCSVectorAxisY(n, x);
         const double length = n.GetDistance();
-        ASSERT_NEAR(x.GetDistance(), 1, 4e-16) << "seed 742, call " << call;
-        ASSERT_NEAR(y.GetDistance(), 1, 4e-16) << "seed 742, call " << call;
-        ASSERT_NEAR(x * n, 0, 2e-16 * length) << "seed 742, call " << call;
-        ASSERT_NEAR(y * n, 0, 4e-16 * length) << "seed 742, call " << call;
-        ASSERT_NEAR(x * y, 0, 4e-16) << "seed 742, call " << call;
+        ASSERT_NEAR(x.GetDistance(), 1, 4e-16) << run;
+        ASSERT_NEAR(y.GetDistance(), 1, 4e-16) << run;
+        ASSERT_NEAR(x * n, 0, 2e-16 * length) << run;
+        ASSERT_NEAR(y * n, 0, 4e-16 * length) << run;
+        ASSERT_NEAR(x * y, 0, 4e-16) << run;
         const kar3DVector z = x.OuterProduct(y);
-        ASSERT_NEAR(z.GetX(), n.GetX() / length, 1e-15) << "seed 742, call " << call;
-        ASSERT_NEAR(z.GetY(), n.GetY() / length, 1e-15) << "seed 742, call " << call;
-        ASSERT_NEAR(z.GetZ(), n.GetZ() / length, 1e-15) << "seed 742, call " << call;
+        ASSERT_NEAR(z.GetX(), n.GetX() / length, 1e-15) << run;
+        ASSERT_NEAR(z.GetY(), n.GetY() / length, 1e-15) << run;
+        ASSERT_NEAR(z.GetZ(), n.GetZ() / length, 1e-15) << run;
 
         const bool nearZ = std::fabs(n.GetX()) < 1.0 / 64 && std::fabs(n.GetY()) < 1.0 / 64;
         const double w[3] = {0, nearZ ? 1.0 : 0.0, nearZ ? 0.0 : 1.0};
         const double cross[3] = {w[1] * n.GetZ() - w[2] * n.GetY(), w[2] * n.GetX() - w[0] * n.GetZ(),
                                  w[0] * n.GetY() - w[1] * n.GetX()};
         const double unit = std::sqrt(cross[0] * cross[0] + cross[1] * cross[1] + cross[2] * cross[2]);
-        ofClass.add(x.GetX());
-        ofClass.add(x.GetY());
-        ofClass.add(x.GetZ());
+        run.code.add(x.GetX());
+        run.code.add(x.GetY());
+        run.code.add(x.GetZ());
         for (const double place : cross)
-            ofPlain.add(place / unit);
-        ASSERT_EQ(ofClass.value(), ofPlain.value()) << "seed 742, call " << call;
+            run.plain.add(place / unit);
     }
-    EXPECT_EQ(ofPlain.value(), std::uint64_t{2517933062053221709u});
 }
 
 } // namespace

@@ -9,7 +9,7 @@ namespace {
 template <class Allocate>
 unsigned requestsOf(Allocate allocate)
 {
-    refusedHeap.start(1, true, true);
+    refusedHeap.start(1, true, RefusedHeap::blocks);
     refusedHeap.armed = true;
     void *const p = allocate();
     refusedHeap.armed = false;

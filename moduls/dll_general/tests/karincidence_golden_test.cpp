@@ -5,10 +5,8 @@
 #include "kar3dpoint.h"
 #include "karvector.h"
 
-#include "testhash.h"
+#include "goldenrun.h"
 #include "testnumbers.h"
-#include "testrandom.h"
-#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -166,68 +164,60 @@ bool isNumber(const double *values, int count)
 
 TEST(Incidence, MillionCallsWithoutTrigonometryHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(91);
-    TestHash hash, expected;
-    for (int step = 0; step < 100000; ++step) {
+    GoldenRun run(91, 100000, 10399924719281701858u);
+    while (run.next()) {
         double v[8];
         for (double &value : v)
-            value = mixedDouble(random);
+            value = mixedDouble(run.random);
         if (!isNumber(v, 8))
             continue; // fmin and fmax know no order for those
-        if (step % 4 == 0)
+        if (run.step % 4 == 0)
             v[2] = v[0]; // vertical
-        const bool flag = random.below(2) == 0;
-        const double tolerance = random.below(2) == 0 ? 1e-10 : v[6];
+        const bool flag = run.random.below(2) == 0;
+        const double tolerance = run.random.below(2) == 0 ? 1e-10 : v[6];
         const auto &[x1, y1, x2, y2, x3, y3, x4, y4] = v;
         double out[3], ref[3];
 
-        hash.add(SideOfPoint_From_Line(x1, y1, x2, y2, x3, y3));
-        expected.add(side(x1, y1, x2, y2, x3, y3));
-        hash.add(ChangedSideOfLine(x1, y1, x2, y2, x3, y3, x4, y4));
-        expected.add(changedSide(x1, y1, x2, y2, x3, y3, x4, y4));
-        hash.add(IsPointOnLine(x1, y1, x2, y2, x3, y3, true, flag, tolerance) ? 1 : 0);
-        expected.add(
+        run.code.add(SideOfPoint_From_Line(x1, y1, x2, y2, x3, y3));
+        run.plain.add(side(x1, y1, x2, y2, x3, y3));
+        run.code.add(ChangedSideOfLine(x1, y1, x2, y2, x3, y3, x4, y4));
+        run.plain.add(changedSide(x1, y1, x2, y2, x3, y3, x4, y4));
+        run.code.add(IsPointOnLine(x1, y1, x2, y2, x3, y3, true, flag, tolerance) ? 1 : 0);
+        run.plain.add(
             !(distance(x3, y3, x1, y1, x2, y2) > tolerance) && (!flag || inBox(x1, y1, x2, y2, x3, y3, tolerance)) ? 1
                                                                                                                    : 0);
-        hash.add(IsPointOnLine(x1, y1, x2, y2, x3, y3, false, flag, tolerance) ? 1 : 0);
-        expected.add(!flag || inBox(x1, y1, x2, y2, x3, y3, tolerance) ? 1 : 0);
-        hash.add(IsPointOnCircle(x1, y1, x2, x3, y3, tolerance) ? 1 : 0);
+        run.code.add(IsPointOnLine(x1, y1, x2, y2, x3, y3, false, flag, tolerance) ? 1 : 0);
+        run.plain.add(!flag || inBox(x1, y1, x2, y2, x3, y3, tolerance) ? 1 : 0);
+        run.code.add(IsPointOnCircle(x1, y1, x2, x3, y3, tolerance) ? 1 : 0);
         const double dx = x3 - x1, dy = y3 - y1;
-        expected.add(std::fabs(dx * dx + dy * dy - x2 * x2) < tolerance ? 1 : 0);
-        hash.add(Calculate_Distance_To_Line(x3, y3, x1, y1, x2, y2));
-        expected.add(distance(x3, y3, x1, y1, x2, y2));
+        run.plain.add(std::fabs(dx * dx + dy * dy - x2 * x2) < tolerance ? 1 : 0);
+        run.code.add(Calculate_Distance_To_Line(x3, y3, x1, y1, x2, y2));
+        run.plain.add(distance(x3, y3, x1, y1, x2, y2));
 
-        hash.add(Calculate_Mirror_Point_To_Line(x3, y3, x1, y1, x2, y2, out[0], out[1]) ? 1 : 0);
-        hash.add(out[0]), hash.add(out[1]);
+        run.code.add(Calculate_Mirror_Point_To_Line(x3, y3, x1, y1, x2, y2, out[0], out[1]) ? 1 : 0);
+        run.code.add(out[0]), run.code.add(out[1]);
         mirror(x3, y3, x1, y1, x2, y2, ref);
-        expected.add(1), expected.add(ref[0]), expected.add(ref[1]);
+        run.plain.add(1), run.plain.add(ref[0]), run.plain.add(ref[1]);
 
-        hash.add(Calculate_Perpendicular_Point_To_Line(x3, y3, x1, y1, x2, y2, out[0], out[1], flag));
-        hash.add(out[0]), hash.add(out[1]);
-        expected.add(foot(x3, y3, x1, y1, x2, y2, ref, flag)), expected.add(ref[0]), expected.add(ref[1]);
+        run.code.add(Calculate_Perpendicular_Point_To_Line(x3, y3, x1, y1, x2, y2, out[0], out[1], flag));
+        run.code.add(out[0]), run.code.add(out[1]);
+        run.plain.add(foot(x3, y3, x1, y1, x2, y2, ref, flag)), run.plain.add(ref[0]), run.plain.add(ref[1]);
 
-        hash.add(Calculate_Circle_By_3Points(x1, y1, x2, y2, x3, y3, out[0], out[1], out[2]) ? 1 : 0);
-        hash.add(out[0]), hash.add(out[1]), hash.add(out[2]);
+        run.code.add(Calculate_Circle_By_3Points(x1, y1, x2, y2, x3, y3, out[0], out[1], out[2]) ? 1 : 0);
+        run.code.add(out[0]), run.code.add(out[1]), run.code.add(out[2]);
         circle(x1, y1, x2, y2, x3, y3, ref);
-        expected.add(1), expected.add(ref[0]), expected.add(ref[1]), expected.add(ref[2]);
+        run.plain.add(1), run.plain.add(ref[0]), run.plain.add(ref[1]), run.plain.add(ref[2]);
 
         out[0] = out[1] = ref[0] = ref[1] = untouched;
-        hash.add(Calculate_Centrepoint_Of_Arc(x1, y1, x2, y2, x3, out[0], out[1]) ? 1 : 0);
-        hash.add(out[0]), hash.add(out[1]);
+        run.code.add(Calculate_Centrepoint_Of_Arc(x1, y1, x2, y2, x3, out[0], out[1]) ? 1 : 0);
+        run.code.add(out[0]), run.code.add(out[1]);
         arcCentre(x1, y1, x2, y2, x3, ref);
-        expected.add(1), expected.add(ref[0]), expected.add(ref[1]);
+        run.plain.add(1), run.plain.add(ref[0]), run.plain.add(ref[1]);
 
-        hash.add(karCalculator3D().SpatProduct(kar3DVector(x1, y1, x2, false), kar3DVector(y2, x3, y3, false),
-                                               kar3DVector(x4, y4, x1, false)));
-        expected.add(y1 * (y3 * x4 - y2 * x1) + x2 * (y2 * y4 - x4 * x3) + x1 * (x3 * x1 - y3 * y4));
-
-        if (step % 1000 == 0) {
-            ASSERT_EQ(expected.value(), hash.value()) << "seed 91, step " << step;
-        }
+        run.code.add(karCalculator3D().SpatProduct(kar3DVector(x1, y1, x2, false), kar3DVector(y2, x3, y3, false),
+                                                   kar3DVector(x4, y4, x1, false)));
+        run.plain.add(y1 * (y3 * x4 - y2 * x1) + x2 * (y2 * y4 - x4 * x3) + x1 * (x3 * x1 - y3 * y4));
     }
-    EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(10399924719281701858u, hash.value());
 }
 
 // With trigonometry
@@ -305,94 +295,67 @@ int onEllipse(double cx, double cy, double a, double b, double rotation, double 
     return between ? 3 : 1;
 }
 
-/// Two hashes: of the values, and of the values rounded so that the last digits of a C library don't count.
-struct BothHashes {
-    TestHash exact;
-    TestHash rounded;
-
-    void add(int value)
-    {
-        exact.add(value);
-        rounded.add(value);
-    }
-    void add(double value, double grid = 1048576.0)
-    {
-        exact.add(value);
-        const double nearest = std::floor((value * grid) + 0.5);
-        rounded.add(nearest == 0 ? 0.0 : nearest);
-    }
-};
-
 TEST(Incidence, MillionCallsWithTrigonometryEqualTheTranscription)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(92);
-    BothHashes hash, expected;
-    for (int step = 0; step < 100000; ++step) {
+    GoldenRun<RoundedHash> run(92, 100000, 11272757433020188000u);
+    while (run.next()) {
         double v[10];
         for (double &value : v)
-            value = random.below(3) == 0 ? random.between(-4, 4) : random.between(-10.0, 10.0);
+            value = run.random.below(3) == 0 ? run.random.between(-4, 4) : run.random.between(-10.0, 10.0);
 
-        hash.add(arcusTangens(v[0], v[1], v[2]));
-        expected.add(polarAngle(v[0], v[1], v[2]));
-        hash.add(arcusTangens(v[0]));
-        expected.add(raised(std::atan(v[0])));
-        hash.add(AngleX_Line(v[0], v[1], v[2], v[3]));
-        expected.add(v[2] - v[0] == 0 ? (v[3] > v[1] ? 1.5707963267948966 : 4.71238898038469)
-                                      : raised(std::atan2(v[3] - v[1], v[2] - v[0])));
-        hash.add(GetAngle(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]));
-        expected.add(spatialAngle(v, v + 3, v + 6));
-        hash.add(karCalculator3D().GetAngle(kar3D_Point(v[0], v[1], v[2]), kar3D_Point(v[3], v[4], v[5]),
-                                            kar3D_Point(v[6], v[7], v[8])));
-        expected.add(spatialAngle(v, v + 3, v + 6));
+        run.code.add(arcusTangens(v[0], v[1], v[2]));
+        run.plain.add(polarAngle(v[0], v[1], v[2]));
+        run.code.add(arcusTangens(v[0]));
+        run.plain.add(raised(std::atan(v[0])));
+        run.code.add(AngleX_Line(v[0], v[1], v[2], v[3]));
+        run.plain.add(v[2] - v[0] == 0 ? (v[3] > v[1] ? 1.5707963267948966 : 4.71238898038469)
+                                       : raised(std::atan2(v[3] - v[1], v[2] - v[0])));
+        run.code.add(GetAngle(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]));
+        run.plain.add(spatialAngle(v, v + 3, v + 6));
+        run.code.add(karCalculator3D().GetAngle(kar3D_Point(v[0], v[1], v[2]), kar3D_Point(v[3], v[4], v[5]),
+                                                kar3D_Point(v[6], v[7], v[8])));
+        run.plain.add(spatialAngle(v, v + 3, v + 6));
 
         int n[4];
         for (int &number : n)
-            number = random.below(2) == 0 ? random.between(-5, 5) : random.anyInt();
-        hash.add(give_angle(n[0], n[1], n[2], n[3]));
-        expected.add(degrees(n[0], n[1], n[2], n[3]));
+            number = run.random.below(2) == 0 ? run.random.between(-5, 5) : run.random.anyInt();
+        run.code.add(give_angle(n[0], n[1], n[2], n[3]));
+        run.plain.add(degrees(n[0], n[1], n[2], n[3]));
 
         // A point of the ellipse, or off it by less or more than the tolerance.
         const double a = 0.5 + std::fabs(v[2]), b = 0.5 + std::fabs(v[3]);
-        const double t = random.between(0.0, fullTurn), grow = 1 + (random.below(3) - 1.0) * 1e-6;
-        const double tolerance = random.below(2) == 0 ? 1e-10 : 1e-3;
+        const double t = run.random.between(0.0, fullTurn), grow = 1 + (run.random.below(3) - 1.0) * 1e-6;
+        const double tolerance = run.random.below(2) == 0 ? 1e-10 : 1e-3;
         const double c = std::cos(v[4]), s = std::sin(v[4]);
         const double x = v[0] + grow * (a * c * std::cos(t) - b * s * std::sin(t));
         const double y = v[1] + grow * (a * s * std::cos(t) + b * c * std::sin(t));
         const int found = (IsPointOnEllipse(v[0], v[1], a, b, v[4], x, y, tolerance) ? 1 : 0) +
                           (IsPointOnEllipticalArc(v[0], v[1], a, b, v[4], v[5], v[6], x, y, true, tolerance) ? 2 : 0);
-        hash.add(found);
-        expected.add(onEllipse(v[0], v[1], a, b, v[4], v[5], v[6], x, y, tolerance));
+        run.code.add(found);
+        run.plain.add(onEllipse(v[0], v[1], a, b, v[4], v[5], v[6], x, y, tolerance));
 
         const double arc[5] = {v[0], v[1], a, std::fabs(v[5]), std::fabs(v[6])};
         const double px = v[0] + grow * a * std::cos(t), py = v[1] + grow * a * std::sin(t);
-        const bool known = random.below(2) == 0;
-        hash.add(IsPointOnArc(arc[0], arc[1], arc[2], arc[3], arc[4], px, py, known, tolerance) ? 1 : 0);
-        expected.add(onArc(arc, px, py, known, tolerance) ? 1 : 0);
+        const bool known = run.random.below(2) == 0;
+        run.code.add(IsPointOnArc(arc[0], arc[1], arc[2], arc[3], arc[4], px, py, known, tolerance) ? 1 : 0);
+        run.plain.add(onArc(arc, px, py, known, tolerance) ? 1 : 0);
 
         const karD_Point p1(v[0], v[1]), p2(v[2], v[3]);
         const karD_Point centre = karCalculator2D().GetArcCentrePoint(p1, p2, v[4]);
-        hash.add(centre.x(), 1024), hash.add(centre.y(), 1024);
+        run.code.add(centre.x(), 1024), run.code.add(centre.y(), 1024);
         const double L = std::sqrt((v[0] - v[2]) * (v[0] - v[2]) + (v[1] - v[3]) * (v[1] - v[3]));
         const double R = L / (2 * std::sin(v[4] * 0.5));
         const double h = std::sqrt(R * R - 0.25 * L * L);
         const double alpha = L == 0 ? 0.0 : raised(std::atan2(v[3] - v[1], v[2] - v[0]));
         const bool left = v[4] > 0 ? v[4] < pi : v[4] < -pi;
         const double gamma = alpha + (left ? 1.5707963267948966 : -1.5707963267948966);
-        expected.add(v[0] + h * std::cos(gamma) + 0.5 * L * std::cos(alpha), 1024);
-        expected.add(v[1] + h * std::sin(gamma) + 0.5 * L * std::sin(alpha), 1024);
+        run.plain.add(v[0] + h * std::cos(gamma) + 0.5 * L * std::cos(alpha), 1024);
+        run.plain.add(v[1] + h * std::sin(gamma) + 0.5 * L * std::sin(alpha), 1024);
 
-        hash.add(karCalculator2D().GetAngle(p1, p2));
-        expected.add(v[0] - v[2] == 0 ? (v[3] < v[1] ? pi / 4 : 3 * pi / 4)
-                                      : raised(std::atan2(v[0] - v[2], v[1] - v[3])));
-
-        if (step % 1000 == 0) {
-            ASSERT_EQ(expected.exact.value(), hash.exact.value()) << "seed 92, step " << step;
-        }
+        run.code.add(karCalculator2D().GetAngle(p1, p2));
+        run.plain.add(v[0] - v[2] == 0 ? (v[3] < v[1] ? pi / 4 : 3 * pi / 4)
+                                       : raised(std::atan2(v[0] - v[2], v[1] - v[3])));
     }
-    EXPECT_EQ(expected.exact.value(), hash.exact.value());
-    EXPECT_EQ(expected.rounded.value(), hash.rounded.value());
-    EXPECT_EQ(11272757433020188000u, hash.rounded.value());
 }
 
 } // namespace

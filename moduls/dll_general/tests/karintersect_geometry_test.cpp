@@ -1,5 +1,5 @@
-// Proofs by geometry, apart from the steps: a known common point is reported or falls under a stated exception, a reported
-// point lies on both curves or does so, feet are perpendicular.
+// Proofs by geometry, apart from the steps: a known common point is reported or falls under a stated exception, a
+// reported point lies on both curves or does so, feet are perpendicular.
 #include "karintersect.h"
 
 #include "crossingreasons.h"

@@ -3,10 +3,9 @@
 #include "karintersect.h"
 
 #include "curvesteps.h"
-#include "testhash.h"
+#include "goldenrun.h"
 #include "testnumbers.h"
 #include "testrandom.h"
-#include "teststeps.h"
 
 #include <gtest/gtest.h>
 
@@ -23,26 +22,13 @@ constexpr double fullTurn = 6.283185307179586;
 constexpr double untouched = 12345.0;
 constexpr int mostPasses = 60;
 
-/// Two hashes: of the values, and of the values rounded so that the last digits of a C library don't count.
-struct Hashes {
-    TestHash exact;
-    TestHash rounded;
-
-    void add(int number)
-    {
-        exact.add(number);
-        rounded.add(number);
-    }
-    void add(const Points &points, int pairs)
-    {
-        add(points.count);
-        for (int i = 0; i < 2 * pairs; ++i) {
-            exact.add(points.at[i]);
-            const double nearest = std::floor((points.at[i] * 1048576.0) + 0.5);
-            rounded.add(nearest == 0 ? 0.0 : nearest);
-        }
-    }
-};
+template <class Hash>
+void add(Hash &hash, const Points &points, int pairs)
+{
+    hash.add(points.count);
+    for (int i = 0; i < 2 * pairs; ++i)
+        hash.add(points.at[i]);
+}
 
 testing::AssertionResult same(const Points &expected, const Points &found)
 {
@@ -152,153 +138,119 @@ Ellipse randomEllipse(TestRandom &random, bool circle, bool rotated)
     return {v[0], v[1], a, b, rotated ? rotation : 0.0, start, end};
 }
 
-#define ASSERT_SAME_UP_TO(step)                                                                                        \
-    if ((step) % 1000 == 0) {                                                                                          \
-        ASSERT_EQ(expected.exact.value(), hash.exact.value()) << "step " << (step);                                    \
-    }
-
 TEST(IntersectLine, CallsWithoutRotationHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(81);
-    Hashes hash, expected;
-    for (int step = 0; step < 200000; ++step) {
-        const Line g = randomLine(random);
-        const Line h = randomLine(random);
-        const Ellipse circle = randomEllipse(random, true, false);
-        const Ellipse ellipse = randomEllipse(random, false, false);
-        const int mask = random.between(0, 3);
-        hash.add(callLineLine(g, h, mask), 1);
-        expected.add(plain::lineLine(g, h, mask), 1);
-        hash.add(callLineArc(g, circle, mask), 2);
-        expected.add(plain::lineEllipse(g, circle, mask), 2);
-        hash.add(callLineEllipticalArc(g, ellipse, mask), 2);
-        expected.add(plain::lineEllipse(g, ellipse, mask), 2);
+    GoldenRun run(81, 200000, 17717090785720604481u);
+    while (run.next()) {
+        const Line g = randomLine(run.random);
+        const Line h = randomLine(run.random);
+        const Ellipse circle = randomEllipse(run.random, true, false);
+        const Ellipse ellipse = randomEllipse(run.random, false, false);
+        const int mask = run.random.between(0, 3);
+        add(run.code, callLineLine(g, h, mask), 1);
+        add(run.plain, plain::lineLine(g, h, mask), 1);
+        add(run.code, callLineArc(g, circle, mask), 2);
+        add(run.plain, plain::lineEllipse(g, circle, mask), 2);
+        add(run.code, callLineEllipticalArc(g, ellipse, mask), 2);
+        add(run.plain, plain::lineEllipse(g, ellipse, mask), 2);
         Ellipse whole = ellipse;
         whole.start = 0;
         whole.end = fullTurn;
-        hash.add(callLineEllipse(h, whole, mask), 2);
-        expected.add(plain::lineEllipse(h, whole, mask), 2);
-        ASSERT_SAME_UP_TO(step)
+        add(run.code, callLineEllipse(h, whole, mask), 2);
+        add(run.plain, plain::lineEllipse(h, whole, mask), 2);
     }
-    EXPECT_EQ(expected.exact.value(), hash.exact.value());
-    EXPECT_EQ(17717090785720604481u, hash.exact.value());
 }
 
 TEST(IntersectLine, CallsWithRotationEqualTheSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(82);
-    Hashes hash, expected;
-    for (int step = 0; step < 200000; ++step) {
+    GoldenRun<RoundedHash> run(82, 200000, 905870527517760538u);
+    while (run.next()) {
         double v[4];
         for (double &value : v)
-            value = random.between(-3.0, 3.0);
+            value = run.random.between(-3.0, 3.0);
         const Line g = {v[0], v[1], v[2], v[3]};
-        const Ellipse ellipse = randomEllipse(random, false, true);
-        const int mask = random.between(0, 3);
-        hash.add(callLineEllipticalArc(g, ellipse, mask), 2);
-        expected.add(plain::lineEllipse(g, ellipse, mask), 2);
-        ASSERT_SAME_UP_TO(step)
+        const Ellipse ellipse = randomEllipse(run.random, false, true);
+        const int mask = run.random.between(0, 3);
+        add(run.code, callLineEllipticalArc(g, ellipse, mask), 2);
+        add(run.plain, plain::lineEllipse(g, ellipse, mask), 2);
     }
-    EXPECT_EQ(expected.exact.value(), hash.exact.value());
-    EXPECT_EQ(expected.rounded.value(), hash.rounded.value());
-    EXPECT_EQ(905870527517760538u, hash.rounded.value());
 }
 
 TEST(IntersectEllipses, CallsWithoutRotationHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(83);
-    Hashes hash, expected;
-    for (int step = 0; step < 300000; ++step) {
-        const bool circles = step % 2 == 0;
-        const Ellipse first = randomEllipse(random, circles, false);
-        const Ellipse second = randomEllipse(random, circles, false);
-        const int mask = random.between(0, 3);
+    GoldenRun run(83, 300000, 4430666571354711228u);
+    while (run.next()) {
+        const bool circles = run.step % 2 == 0;
+        const Ellipse first = randomEllipse(run.random, circles, false);
+        const Ellipse second = randomEllipse(run.random, circles, false);
+        const int mask = run.random.between(0, 3);
         int passes = mostPasses, expectedPasses = mostPasses;
         const Points found =
             circles ? callArcs(first, second, mask, passes) : callEllipses(first, second, mask, passes);
         Points stepped = plain::ellipses(first, second, mask, untouched, expectedPasses);
         for (int i = 4; circles && i < 8; ++i)
             stepped.at[i] = untouched; // two pairs alone come out
-        hash.add(found, 4);
-        hash.add(passes);
-        expected.add(stepped, 4);
-        expected.add(expectedPasses);
-        ASSERT_SAME_UP_TO(step)
+        add(run.code, found, 4);
+        run.code.add(passes);
+        add(run.plain, stepped, 4);
+        run.plain.add(expectedPasses);
     }
-    EXPECT_EQ(expected.exact.value(), hash.exact.value());
-    EXPECT_EQ(4430666571354711228u, hash.exact.value());
 }
 
 /// Runs that take many passes may take another road where the C library rounds a sine otherwise.
 TEST(IntersectEllipses, CallsWithRotationEqualTheSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(84);
-    Hashes hash, expected;
-    for (int step = 0; step < 300000; ++step) {
-        const Ellipse first = randomEllipse(random, false, true);
-        const Ellipse second = randomEllipse(random, false, true);
-        const int mask = random.between(0, 3);
+    GoldenRun<RoundedHash> run(84, 300000, 3154388878981667516u);
+    while (run.next()) {
+        const Ellipse first = randomEllipse(run.random, false, true);
+        const Ellipse second = randomEllipse(run.random, false, true);
+        const int mask = run.random.between(0, 3);
         int passes = mostPasses, expectedPasses = mostPasses;
         const Points found = callEllipses(first, second, mask, passes);
         const Points stepped = plain::ellipses(first, second, mask, untouched, expectedPasses);
-        ASSERT_EQ(expectedPasses, passes) << "seed 84, step " << step;
-        ASSERT_TRUE(same(stepped, found)) << "seed 84, step " << step;
+        ASSERT_EQ(expectedPasses, passes) << run;
+        ASSERT_TRUE(same(stepped, found)) << run;
         if (passes >= 0 && passes <= 12) {
-            hash.add(found, 4);
-            expected.add(stepped, 4);
+            add(run.code, found, 4);
+            add(run.plain, stepped, 4);
         }
     }
-    EXPECT_EQ(expected.rounded.value(), hash.rounded.value());
-    EXPECT_EQ(3154388878981667516u, hash.rounded.value());
 }
 
 TEST(PerpendicularPoints, CallsWithoutRotationHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(85);
-    Hashes hash, expected;
-    for (int step = 0; step < 200000; ++step) {
-        const Ellipse ellipse = randomEllipse(random, random.below(8) == 0, false);
-        const bool onGrid = random.below(2) == 0;
+    GoldenRun run(85, 200000, 18209146569110534442u);
+    while (run.next()) {
+        const Ellipse ellipse = randomEllipse(run.random, run.random.below(8) == 0, false);
+        const bool onGrid = run.random.below(2) == 0;
         double p[2];
         for (double &value : p)
-            value = onGrid ? random.between(-8, 8) * 0.25 : random.between(-3.0, 3.0);
+            value = onGrid ? run.random.between(-8, 8) * 0.25 : run.random.between(-3.0, 3.0);
         int passes = mostPasses, expectedPasses = mostPasses;
-        hash.add(callFeet(p[0], p[1], ellipse, passes), 4);
-        hash.add(passes);
-        expected.add(plain::feet(p[0], p[1], ellipse, expectedPasses), 4);
-        expected.add(expectedPasses);
-        ASSERT_SAME_UP_TO(step)
+        add(run.code, callFeet(p[0], p[1], ellipse, passes), 4);
+        run.code.add(passes);
+        add(run.plain, plain::feet(p[0], p[1], ellipse, expectedPasses), 4);
+        run.plain.add(expectedPasses);
     }
-    EXPECT_EQ(expected.exact.value(), hash.exact.value());
-    EXPECT_EQ(18209146569110534442u, hash.exact.value());
 }
 
 TEST(PerpendicularPoints, CallsWithRotationEqualTheSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(86);
-    Hashes hash, expected;
-    for (int step = 0; step < 200000; ++step) {
-        const Ellipse ellipse = randomEllipse(random, false, true);
-        const double px = random.between(-3.0, 3.0);
-        const double py = random.between(-3.0, 3.0);
+    GoldenRun<RoundedHash> run(86, 200000, 4532812487914869627u);
+    while (run.next()) {
+        const Ellipse ellipse = randomEllipse(run.random, false, true);
+        const double px = run.random.between(-3.0, 3.0);
+        const double py = run.random.between(-3.0, 3.0);
         int passes = mostPasses, expectedPasses = mostPasses;
         const Points found = callFeet(px, py, ellipse, passes);
         const Points stepped = plain::feet(px, py, ellipse, expectedPasses);
-        ASSERT_EQ(expectedPasses, passes) << "seed 86, step " << step;
-        ASSERT_TRUE(same(stepped, found)) << "seed 86, step " << step;
+        ASSERT_EQ(expectedPasses, passes) << run;
+        ASSERT_TRUE(same(stepped, found)) << run;
         if (passes >= 0 && passes <= 12) {
-            hash.add(found, 4);
-            expected.add(stepped, 4);
+            add(run.code, found, 4);
+            add(run.plain, stepped, 4);
         }
     }
-    EXPECT_EQ(expected.rounded.value(), hash.rounded.value());
-    EXPECT_EQ(4532812487914869627u, hash.rounded.value());
 }
 
 } // namespace

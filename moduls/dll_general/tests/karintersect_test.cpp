@@ -1,5 +1,5 @@
-// Literal cases of the intersections and feet, and the bounded forms on any bits. What is compared with the steps written
-// out stands in karintersect_golden_test.cpp, proofs by geometry in karintersect_geometry_test.cpp.
+// Literal cases of the intersections and feet, and the bounded forms on any bits. What is compared with the steps
+// written out stands in karintersect_golden_test.cpp, proofs by geometry in karintersect_geometry_test.cpp.
 #include "karintersect.h"
 
 #include "testnumbers.h"
@@ -50,7 +50,8 @@ struct Ellipse {
     double cx, cy, a, b, rotation = 0, start = 0, end = fullTurn;
 };
 
-/// What the form without a limit to its passes gives, asked for pairs that settle alone. The form with one gives the same.
+/// What the form without a limit to its passes gives, asked for pairs that settle alone. The form with
+/// one gives the same.
 template <class Bounded, class Unbounded>
 Found settled(Bounded bounded, Unbounded unbounded)
 {

@@ -1,5 +1,5 @@
-// The sort of a list: the exact order by every kind of comparison that is a pure function, against the plain steps on an
-// array; which pairs are compared; what happens to first, last and current.
+// The sort of a list: the exact order by every kind of comparison that is a pure function, against the plain steps on
+// an array; which pairs are compared; what happens to first, last and current.
 #include "karlisthead.h"
 
 #include "karmemgb.h"

@@ -1,42 +1,27 @@
 // Memory that the system refuses: page objects, storages, records and the tables behind the pools, each in turn. The
-// tests stand in front of the C library's malloc, so they run with the GNU C library and without a sanitizer only.
+// tests compare what the system has granted and not got back.
 #include "karmemgb.h"
 
 #include "mempeek.h"
+#include "refusedheap.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <vector>
 
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#if !defined(_WIN32)
 
 namespace {
 
-constexpr long unlimited = -1;
-
-long grantsLeft = unlimited;        // of all requests
-long clearedGrantsLeft = unlimited; // of those for cleared memory, which is what the tables ask for
-bool refused = false;
-long systemBlocks = 0; // granted and not yet released
-
-bool granted(long &left)
-{
-    if (left == 0)
-        refused = true;
-    return left < 0 || (left > 0 && left-- > 0);
-}
-
-/// While one lives the system grants a number of requests and refuses all that follow.
+/// While one lives the system grants a number of the library's requests and refuses all that follow.
 class SystemRefuses {
 public:
-    explicit SystemRefuses(long grants, long clearedGrants = unlimited)
+    explicit SystemRefuses(unsigned grants, RefusedHeap::Kind kind = RefusedHeap::everything)
     {
-        refused = false;
-        grantsLeft = grants;
-        clearedGrantsLeft = clearedGrants;
+        refusedHeap.start(grants + 1, true, kind);
+        refusedHeap.armed = true;
     }
-    ~SystemRefuses() { grantsLeft = clearedGrantsLeft = unlimited; }
+    ~SystemRefuses() { refusedHeap.armed = false; }
     SystemRefuses(const SystemRefuses &) = delete;
     SystemRefuses &operator=(const SystemRefuses &) = delete;
 };
@@ -45,7 +30,7 @@ public:
 struct State {
     long blocks = globalMemList->getCurAnzNew();
     long bytes = globalMemList->getCurSizeNew();
-    long ofTheSystem = systemBlocks;
+    long ofTheSystem = refusedHeap.held;
     bool operator==(const State &other) const
     {
         return blocks == other.blocks && bytes == other.bytes && ofTheSystem == other.ofTheSystem;
@@ -56,43 +41,11 @@ char places[2000];
 
 } // namespace
 
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" {
-void *__libc_malloc(std::size_t size);
-void *__libc_calloc(std::size_t count, std::size_t size);
-void __libc_free(void *p);
-
-__attribute__((visibility("default"))) void *malloc(std::size_t size) noexcept
-{
-    if (!granted(grantsLeft))
-        return nullptr;
-    void *const p = __libc_malloc(size);
-    systemBlocks += p != nullptr;
-    return p;
-}
-
-__attribute__((visibility("default"))) void *calloc(std::size_t count, std::size_t size) noexcept
-{
-    if (!granted(grantsLeft) || !granted(clearedGrantsLeft))
-        return nullptr;
-    void *const p = __libc_calloc(count, size);
-    systemBlocks += p != nullptr;
-    return p;
-}
-
-__attribute__((visibility("default"))) void free(void *p) noexcept
-{
-    systemBlocks -= p != nullptr;
-    __libc_free(p);
-}
-}
-// NOLINTEND(bugprone-reserved-identifier)
-
 TEST(Exhaustion, BlockOfEachClassIsHadWholeOrNotAtAll)
 {
     for (const auto &[number, request] : usedPools) {
         karPageMemory &pool = AllocatorPeek::pool(*globalMemList, number);
-        long grants = 0;
+        unsigned grants = 0;
         for (bool more = true; more; ++grants) {
             const State before;
             const long allocations = globalMemList->getAnzNew();
@@ -100,7 +53,7 @@ TEST(Exhaustion, BlockOfEachClassIsHadWholeOrNotAtAll)
             {
                 const SystemRefuses refusing(grants);
                 p = KarAllocMemory(request);
-                more = refused;
+                more = refusedHeap.refused > 0;
             }
             const bool valid = globalMemList->isValid();
             const int pages = PoolPeek::pages(pool);
@@ -123,20 +76,20 @@ TEST(Exhaustion, BlockOfEachClassIsHadWholeOrNotAtAll)
             EXPECT_EQ(counted, grants < 2 ? 0 : grants < 3 ? 1 : 3);
             EXPECT_EQ(pages, grants < 2 ? 0 : 1);
         }
-        EXPECT_GT(grants, 4); // the index of pages can be done without
+        EXPECT_GT(grants, 4u); // the index of pages can be done without
     }
 }
 
 TEST(Exhaustion, LargeBlockLosesItsRecordAtMost)
 {
     bool more = true;
-    for (long grants = 0; more; ++grants) {
+    for (unsigned grants = 0; more; ++grants) {
         const State before;
         void *p;
         {
             const SystemRefuses refusing(grants);
             p = KarAllocMemory(5000);
-            more = refused;
+            more = refusedHeap.refused > 0;
         }
         const bool tracked = MemoryPeek::tailOf(AllocatorPeek::records(*globalMemList)) != nullptr;
         const long sum = globalMemList->curr_used_memory();
@@ -158,7 +111,7 @@ TEST(Exhaustion, LargeBlockLosesItsRecordAtMost)
 TEST(Exhaustion, ElementsOfBothPools)
 {
     bool more = true;
-    for (long grants = 0; more; ++grants) {
+    for (unsigned grants = 0; more; ++grants) {
         const State before;
         bool valid = true;
         more = false;
@@ -177,7 +130,7 @@ TEST(Exhaustion, ElementsOfBothPools)
                     array = runs.newElement(1);
                     valid = valid && runs.isValid();
                 }
-                more = refused;
+                more = refusedHeap.refused > 0;
             }
             for (void *&element : elements)
                 fixed.deleteElement(element);
@@ -191,7 +144,7 @@ TEST(Exhaustion, ElementsOfBothPools)
         SCOPED_TRACE(grants);
         EXPECT_TRUE(valid);
         EXPECT_TRUE(nothingLeft);
-        EXPECT_LT(grants, 200);
+        EXPECT_LT(grants, 200u);
     }
 }
 
@@ -199,26 +152,26 @@ TEST(Exhaustion, AllocatorThatCannotBeCreatedIsNotStored)
 {
     karGlobalMemory *const saved = globalMemList;
     char file[] = "file";
-    const long before = systemBlocks;
+    const long before = refusedHeap.held;
     bool null = true;
     globalMemList = nullptr;
-    for (long grants : {0, 1}) { // the object, and its entry in the table of live blocks
+    for (unsigned grants : {0u, 1u}) { // the object, and its entry in the table of live blocks
         const SystemRefuses refusing(grants);
         null = null && !KarAllocMemory(20u, file, 1) && !globalMemList;
     }
     globalMemList = saved;
-    const long after = systemBlocks;
+    const long after = refusedHeap.held;
     EXPECT_TRUE(null);
     EXPECT_EQ(after, before);
 }
 
 TEST(Exhaustion, TableOfLiveBlocksIsUsedToItsLastPlace)
 {
-    const State before;
     std::vector<void *> blocks(1000, nullptr);
+    const State before;
     std::size_t had = 0;
     {
-        const SystemRefuses refusing(unlimited, 1); // the smallest table, which has 64 places, one of them empty
+        const SystemRefuses refusing(1, RefusedHeap::tables); // the smallest table has 64 places, one of them empty
         while (had < blocks.size() && (blocks[had] = __AllocMemory(8)) != nullptr)
             ++had;
     }
@@ -227,15 +180,15 @@ TEST(Exhaustion, TableOfLiveBlocksIsUsedToItsLastPlace)
         known = known && __MemorySize(blocks[i], 0) == 8;
     for (std::size_t i = 0; i < had; ++i)
         __FreeMemory(blocks[i]);
-    const long left = systemBlocks - before.ofTheSystem;
+    const bool nothingLeft = State() == before;
     EXPECT_EQ(had, 63u);
     EXPECT_TRUE(known);
-    EXPECT_EQ(left, 1); // the vector
+    EXPECT_TRUE(nothingLeft);
 }
 
 TEST(Exhaustion, PagesAreWalkedWhereTheirIndexHasNoRoom)
 {
-    for (long clearedGrants : {0, 1, 2, 3, 4, 5}) {
+    for (unsigned tables : {0u, 1u, 2u, 3u, 4u, 5u}) {
         const State before;
         bool valid = true;
         bool front = true;
@@ -244,7 +197,8 @@ TEST(Exhaustion, PagesAreWalkedWhereTheirIndexHasNoRoom)
             karPageMemory pool(40, 2);
             void *elements[400];
             {
-                const SystemRefuses refusing(unlimited, clearedGrants + 3); // the table of live blocks needs some too
+                const SystemRefuses refusing(tables + 3,
+                                             RefusedHeap::tables); // the table of live blocks needs some too
                 for (; had < 400; ++had)
                     if (!(elements[had] = pool.newElement()))
                         break;
@@ -264,7 +218,7 @@ TEST(Exhaustion, PagesAreWalkedWhereTheirIndexHasNoRoom)
             front = front && pool.newElement() != nullptr;
         }
         const bool nothingLeft = State() == before;
-        SCOPED_TRACE(clearedGrants);
+        SCOPED_TRACE(tables);
         EXPECT_TRUE(valid);
         EXPECT_TRUE(front);
         EXPECT_TRUE(nothingLeft);
@@ -274,7 +228,7 @@ TEST(Exhaustion, PagesAreWalkedWhereTheirIndexHasNoRoom)
 
 TEST(Exhaustion, RecordsAreSearchedWhereTheirIndexHasNoRoom)
 {
-    for (long grants : {0, 1, 2}) {
+    for (unsigned grants : {0u, 1u, 2u}) {
         const State before;
         bool found = true;
         bool valid = true;

@@ -1,7 +1,7 @@
 // Placements: angle units, caches, combination, and the placed copies of points and boxes.
 #include "karparamblock.h"
 
-#include "testhash.h"
+#include "goldenrun.h"
 #include "testrandom.h"
 #include "teststeps.h"
 
@@ -481,70 +481,57 @@ void plainPlace(const PlainBlock &p, double &x, double &y)
 // Right angles and no slope: nothing of the C library's trigonometry takes part, so every bit is compared.
 TEST(PlacedCopy, AMillionPointsAtRightAnglesHaveTheHashOfThePlainSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(1021);
-    TestHash code;
-    TestHash plain;
-    for (int i = 0; i < 1000000; ++i) {
-        const int bx = random.between(-10000, 10000);
-        const int by = random.between(-10000, 10000);
-        const double sx = random.between(-10.0, 10.0);
-        const double sy = random.between(-10.0, 10.0);
-        const int angle = 1000000 * random.between(0, 3);
-        double x = random.between(-1e6, 1e6);
-        double y = random.between(-1e6, 1e6);
+    GoldenRun run(1021, 1000000, 0x4d849fd13e949341u);
+    while (run.next()) {
+        const int bx = run.random.between(-10000, 10000);
+        const int by = run.random.between(-10000, 10000);
+        const double sx = run.random.between(-10.0, 10.0);
+        const double sy = run.random.between(-10.0, 10.0);
+        const int angle = 1000000 * run.random.between(0, 3);
+        double x = run.random.between(-1e6, 1e6);
+        double y = run.random.between(-1e6, 1e6);
         const karParamBlock block(karPoint(bx, by), sx, sy, angle, 0, 0, karColor(), 0);
         const PlainBlock p = plainBlock(bx, by, sx, sy, angle, 0);
         double px = x;
         double py = y;
         block.modify_point(x, y);
         plainPlace(p, px, py);
-        code.add(x);
-        code.add(y);
-        plain.add(px);
-        plain.add(py);
+        run.code.add(x);
+        run.code.add(y);
+        run.plain.add(px);
+        run.plain.add(py);
     }
-    EXPECT_EQ(code.value(), plain.value());
-    EXPECT_EQ(code.value(), 0x4d849fd13e949341u);
 }
 
 // Any angle and slope: the places are hashed on the grid, where a last bit of a sine doesn't show.
 TEST(PlacedCopy, AMillionGridPointsHaveTheHashOfThePlainSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(1022);
-    TestHash code;
-    TestHash plain;
-    for (int i = 0; i < 1000000; ++i) {
-        const int bx = random.between(-10000, 10000);
-        const int by = random.between(-10000, 10000);
-        const double sx = random.between(-10.0, 10.0);
-        const double sy = random.between(-10.0, 10.0);
-        const int angle = random.between(-6000000, 6000000);
-        const int slope = i % 3 == 0 ? 0 : random.between(-900000, 900000);
-        const int x = random.between(-100000, 100000);
-        const int y = random.between(-100000, 100000);
+    GoldenRun run(1022, 1000000, 0x779b2af8511a7915u);
+    while (run.next()) {
+        const int bx = run.random.between(-10000, 10000);
+        const int by = run.random.between(-10000, 10000);
+        const double sx = run.random.between(-10.0, 10.0);
+        const double sy = run.random.between(-10.0, 10.0);
+        const int angle = run.random.between(-6000000, 6000000);
+        const int slope = run.step % 3 == 0 ? 0 : run.random.between(-900000, 900000);
+        const int x = run.random.between(-100000, 100000);
+        const int y = run.random.between(-100000, 100000);
         const karParamBlock block(karPoint(bx, by), sx, sy, angle, slope, 0, karColor(), 0);
         const karPoint placedPoint(karPoint(x, y), &block);
-        code.add(placedPoint.x());
-        code.add(placedPoint.y());
+        run.code.add(placedPoint.x());
+        run.code.add(placedPoint.y());
         double px = x;
         double py = y;
         plainPlace(plainBlock(bx, by, sx, sy, angle, slope), px, py);
-        plain.add(static_cast<int>(std::trunc(px + 0.5)));
-        plain.add(static_cast<int>(std::trunc(py + 0.5)));
+        run.plain.add(static_cast<int>(std::trunc(px + 0.5)));
+        run.plain.add(static_cast<int>(std::trunc(py + 0.5)));
     }
-    EXPECT_EQ(code.value(), plain.value());
-    EXPECT_EQ(code.value(), 0x779b2af8511a7915u);
 }
 
 // Chains of combinations; the fields are whole numbers and products of powers of two, exact on every target.
 TEST(KarParamBlock, AMillionCombinationsHaveTheHashOfThePlainSums)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(1023);
-    TestHash code;
-    TestHash plain;
+    GoldenRun run(1023, 1000000, 0x5b6192694efe53a3u);
     karParamBlock block;
     long long x = 0;
     long long y = 0;
@@ -555,13 +542,13 @@ TEST(KarParamBlock, AMillionCombinationsHaveTheHashOfThePlainSums)
     const auto wrapped = [](long long v) {
         return static_cast<int>(static_cast<std::int32_t>(static_cast<std::uint32_t>(v)));
     };
-    for (int i = 0; i < 1000000; ++i) {
-        const int ox = random.anyInt();
-        const int oy = random.between(-100, 100);
-        const int oAngle = i % 64 == 0 ? random.anyInt() : random.between(-1000000, 3000000);
-        const int oSlope = random.between(-600000, 600000);
-        const int oMirror = random.between(0, 7);
-        const double oScale = random.below(2) == 0 ? 2.0 : 0.5;
+    while (run.next()) {
+        const int ox = run.random.anyInt();
+        const int oy = run.random.between(-100, 100);
+        const int oAngle = run.step % 64 == 0 ? run.random.anyInt() : run.random.between(-1000000, 3000000);
+        const int oSlope = run.random.between(-600000, 600000);
+        const int oMirror = run.random.between(0, 7);
+        const double oScale = run.random.below(2) == 0 ? 2.0 : 0.5;
         karParamBlock other(karPoint(ox, oy), oScale, 1.0, oAngle, oMirror, karColor(), 0);
         other.setSlope(oSlope);
         block.Concat(&other);
@@ -579,12 +566,10 @@ TEST(KarParamBlock, AMillionCombinationsHaveTheHashOfThePlainSums)
 
         for (const int value : {block.getInsertPoint().x(), block.getInsertPoint().y(), block.getAngle(),
                                 block.getSlope(), block.getMirror()})
-            code.add(value);
-        code.add(block.getScaleX());
+            run.code.add(value);
+        run.code.add(block.getScaleX());
         for (const long long value : {x, y, angle, slope, static_cast<long long>(mirror)})
-            plain.add(static_cast<int>(value));
-        plain.add(scaleX);
+            run.plain.add(static_cast<int>(value));
+        run.plain.add(scaleX);
     }
-    EXPECT_EQ(code.value(), plain.value());
-    EXPECT_EQ(code.value(), 0x5b6192694efe53a3u);
 }

@@ -396,7 +396,27 @@ TEST(KarPoint, SaturatesEachProductOfARotation)
     p = karPoint(1000, 1);
     p.RotateElement(notANumber, 1.0); // x 0 - 1, y 1000 + 0
     EXPECT_EQ(xy(p), XY(-1, 1000));
+    p = karPoint(1000, 1);
+    p.RotateElement(0.5, notANumber); // x 500 - 0, y 0 + 0
+    EXPECT_EQ(xy(p), XY(500, 0));
     p = karPoint(5, 5);
     p.RotateElement(infinity); // cosine and sine are not numbers
     EXPECT_EQ(xy(p), XY(0, 0));
+}
+
+TEST(KarPoint, SaturatesAHalfTurnOfTheLeastCoordinate)
+{
+    karPoint p(INT_MIN, 0);
+    p.RotateElement(-1.0, 0.0); // 2147483648 is one more than there is
+    EXPECT_EQ(xy(p), XY(INT_MAX, 0));
+    p = karPoint(INT_MIN, 0);
+    p.RotateElement(0.0, -1.0);
+    EXPECT_EQ(xy(p), XY(0, INT_MAX));
+    const double belowOne = std::nextafter(1.0, 0.0);
+    p = karPoint(INT_MIN, INT_MAX);
+    p.RotateElement(-belowOne, 0.0); // 2147483647.9999997... and -2147483646.9999997...
+    EXPECT_EQ(xy(p), XY(INT_MAX, -2147483646));
+    p = karPoint(INT_MIN, 0);
+    p.RotateElement(0.0, belowOne);
+    EXPECT_EQ(xy(p), XY(0, -2147483647));
 }

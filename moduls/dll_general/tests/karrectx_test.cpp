@@ -1,7 +1,7 @@
 // The turned box: its corners on the grid, the box around it, what lies in it and where it can be seen.
 #include "karrectx.h"
 
-#include "testhash.h"
+#include "goldenrun.h"
 #include "testrandom.h"
 #include "teststeps.h"
 
@@ -557,8 +557,8 @@ TEST(KarRectX, TheYOfACornerIsHeldAgainstTheLeftAndTheRight)
     EXPECT_TRUE(isSeen(box, karRect(-80, 90, 99, 260))) << "100 is right of 99, so the edge is looked at";
 }
 
-// The corners are (40, -170), (148, -2), (31, 73), (-77, -95). No edge of the first corner reaches the level 30, so both
-// places stay at -left, which is 50. With everything 50 to the right, left and both places are 0.
+// The corners are (40, -170), (148, -2), (31, 73), (-77, -95). No edge of the first corner reaches the level 30, so
+// both places stay at -left, which is 50. With everything 50 to the right, left and both places are 0.
 TEST(KarRectX, ThePlaceOnALevelStartsAtTheNegatedLeft)
 {
     const karRectX box(karPoint(40, -170), 200, 140, 1.0);
@@ -747,23 +747,20 @@ karRectX turnedBox(const Plain &box)
 
 TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(1040);
-    TestHash code;
-    TestHash plain;
-    for (int i = 0; i < 250000; ++i) {
-        const Plain box = anyBox(random);
+    GoldenRun run(1040, 250000, 0xafbcd2d2e40c66dbu);
+    while (run.next()) {
+        const Plain box = anyBox(run.random);
         const karRectX turned = turnedBox(box);
-        const int corner = static_cast<int>(random.below(4));
-        code.add(turned.Point(corner).x());
-        code.add(turned.Point(corner).y());
+        const int corner = static_cast<int>(run.random.below(4));
+        run.code.add(turned.Point(corner).x());
+        run.code.add(turned.Point(corner).y());
         const karRect extent = turned.extent();
         for (const int value : {extent.left(), extent.top(), extent.right(), extent.bottom()})
-            code.add(value);
+            run.code.add(value);
 
         const Spot spot = plainCorner(box, corner);
-        plain.add(static_cast<int>(spot.x));
-        plain.add(static_cast<int>(spot.y));
+        run.plain.add(static_cast<int>(spot.x));
+        run.plain.add(static_cast<int>(spot.y));
         const Spot p0 = plainCorner(box, 0);
         const Spot p1 = plainCorner(box, 1);
         const Spot p2 = plainCorner(box, 2);
@@ -778,66 +775,54 @@ TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
             sides[2] = p2.x;
             sides[3] = p3.y;
         }
-        plain.add(static_cast<int>(std::min(sides[0], sides[2])));
-        plain.add(static_cast<int>(std::min(sides[1], sides[3])));
-        plain.add(static_cast<int>(std::max(sides[0], sides[2])));
-        plain.add(static_cast<int>(std::max(sides[1], sides[3])));
+        run.plain.add(static_cast<int>(std::min(sides[0], sides[2])));
+        run.plain.add(static_cast<int>(std::min(sides[1], sides[3])));
+        run.plain.add(static_cast<int>(std::max(sides[0], sides[2])));
+        run.plain.add(static_cast<int>(std::max(sides[1], sides[3])));
     }
-    EXPECT_EQ(code.value(), plain.value());
-    EXPECT_EQ(code.value(), 0xafbcd2d2e40c66dbu);
 }
 
 TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(1041);
-    TestHash code;
-    TestHash plain;
-    for (int i = 0; i < 200000; ++i) {
-        Plain box = anyBox(random);
+    GoldenRun run(1041, 200000, 0x4759403d37ff0bd7u);
+    while (run.next()) {
+        Plain box = anyBox(run.random);
         karRectX turned = turnedBox(box);
         for (int k = 0; k < 5; ++k) {
-            const Spot p = {random.between(-500, 500), random.between(-500, 500)};
-            code.add(static_cast<int>(karPoint(static_cast<int>(p.x), static_cast<int>(p.y)).isFullIn(turned)));
-            plain.add(static_cast<int>(plainIn(p, box)));
+            const Spot p = {run.random.between(-500, 500), run.random.between(-500, 500)};
+            run.code.add(static_cast<int>(karPoint(static_cast<int>(p.x), static_cast<int>(p.y)).isFullIn(turned)));
+            run.plain.add(static_cast<int>(plainIn(p, box)));
         }
-        code.add(turned.x());
-        code.add(turned.y());
-        code.add(turned.Width());
-        code.add(turned.Height());
-        code.add(turned.Ang());
-        plain.add(static_cast<int>(box.x));
-        plain.add(static_cast<int>(box.y));
-        plain.add(static_cast<int>(box.width));
-        plain.add(static_cast<int>(box.height));
-        plain.add(box.angle);
+        run.code.add(turned.x());
+        run.code.add(turned.y());
+        run.code.add(turned.Width());
+        run.code.add(turned.Height());
+        run.code.add(turned.Ang());
+        run.plain.add(static_cast<int>(box.x));
+        run.plain.add(static_cast<int>(box.y));
+        run.plain.add(static_cast<int>(box.width));
+        run.plain.add(static_cast<int>(box.height));
+        run.plain.add(box.angle);
     }
-    EXPECT_EQ(code.value(), plain.value());
-    EXPECT_EQ(code.value(), 0x4759403d37ff0bd7u);
 }
 
 TEST(KarRectX, AMillionViewsHaveTheHashOfThePlainSteps)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(1042);
-    TestHash code;
-    TestHash plain;
+    GoldenRun run(1042, 1000000, 0xd4454c2542699ce5u);
     int seen = 0;
-    for (int i = 0; i < 1000000; ++i) {
-        const Plain box = anyBox(random);
-        const int left = random.between(-200, 200);
-        const int top = random.between(-200, 200);
-        const int right = left + random.between(0, 200);
-        const int bottom = top + random.between(0, 200);
+    while (run.next()) {
+        const Plain box = anyBox(run.random);
+        const int left = run.random.between(-200, 200);
+        const int top = run.random.between(-200, 200);
+        const int right = left + run.random.between(0, 200);
+        const int bottom = top + run.random.between(0, 200);
         karRect in(left, top, right, bottom);
         const bool answer = turnedBox(box).isVisibleIn(in);
         seen += answer;
-        code.add(static_cast<int>(answer));
-        plain.add(static_cast<int>(plainSeen(box, left, top, right, bottom)));
+        run.code.add(static_cast<int>(answer));
+        run.plain.add(static_cast<int>(plainSeen(box, left, top, right, bottom)));
     }
-    EXPECT_EQ(code.value(), plain.value());
-    EXPECT_GT(seen, 100000);
-    EXPECT_EQ(code.value(), 0xd4454c2542699ce5u);
+    EXPECT_GT(seen, testSteps(100000));
 }
 
 // Any coordinates and angles: what the wrap and the saturation give isn't stated here, only that it is defined.

@@ -2,7 +2,8 @@
 
 #include "karmatrix.h"
 
-#include "testhash.h"
+#include "goldenrun.h"
+#include "rootsteps.h"
 #include "testnumbers.h"
 #include "testrandom.h"
 #include "teststeps.h"
@@ -510,8 +511,8 @@ TEST(EqBairstow, OtherDegreesThanThreeAndFourAreGuarded)
 
 TEST(EqBairstow, AnyDegreeSettlesAtARatioEqualToTheLimit)
 {
-    // (x^2 - 1)*(x^2 - 4)*(x - 3) from x^2 - 1: no change at once. x^3 - 3x^2 - 4x + 12 from there: q changes by -3, then
-    // nothing.
+    // (x^2 - 1)*(x^2 - 4)*(x - 3) from x^2 - 1: no change at once. x^3 - 3x^2 - 4x + 12 from there: q changes by -3,
+    // then nothing.
     ComplexRun quintic({{1, 0}, {-3, 0}, {-5, 0}, {15, 0}, {4, 0}, {-12, 0}});
     int passes = 60;
     EXPECT_EQ(5, quintic.solve(karComplex(0, 0), karComplex(-1, 0), 0.0, passes));
@@ -523,136 +524,57 @@ TEST(EqBairstow, AnyDegreeSettlesAtARatioEqualToTheLimit)
 
 // Against the steps written out
 
-/// Bairstow's iteration for degree 3 or 4, with p, q, the quotients and the ratio as in the book.
+/// The passes and, if they sufficed, the roots.
 template <class Number>
-struct Transcription {
-    Number a[5], b[5], c[5];
-    Number p{}, q{};
-
-    static double size(double number) { return std::fabs(number); }
-    static double size(const karComplex &z) { return std::sqrt(z.GetReal() * z.GetReal() + z.GetImag() * z.GetImag()); }
-
-    /// The passes for the first factor, or -1 if `limit` is reached.
-    int factor(int n, double eps, int limit)
-    {
-        b[0] = c[0] = a[0];
-        for (int pass = 1; pass <= limit; ++pass) {
-            b[1] = a[1] - p * b[0];
-            c[1] = b[1] - p * c[0];
-            for (int k = 2; k <= n; ++k)
-                b[k] = a[k] - p * b[k - 1] - q * b[k - 2];
-            for (int k = 2; k <= n; ++k)
-                c[k] = b[k] - p * c[k - 1] - q * c[k - 2];
-            const Number d = b[n - 1] - c[n - 1];
-            const Number D = c[n - 2] * c[n - 2] + d * c[n - 3];
-            const Number dp = (c[n - 2] * b[n - 1] - c[n - 3] * b[n]) / D;
-            const Number dq = (d * b[n - 1] + c[n - 2] * b[n]) / D;
-            p = p + dp;
-            q = q + dq;
-            const double r = (size(dp) + size(dq)) / (size(p) + size(q));
-            if (!(r > eps))
-                return pass;
-        }
-        return -1;
-    }
-};
-
-void addRealSteps(TestHash &hash, int n, const double *a, double eps, int limit)
+void addSteps(TestHash &hash, std::vector<Number> a, Number p, Number q)
 {
-    Transcription<double> t;
-    std::copy(a, a + n + 1, t.a);
-    const int passes = t.factor(n, eps, limit);
+    int passes = 40;
+    plain::Complex x[4];
+    const int roots = plain::bairstow(static_cast<int>(a.size()) - 1, a.data(), p, q, x, passes);
     hash.add(passes);
-    if (passes < 0)
-        return;
-    double re1, im1, re2, im2;
-    Solve_SquareRoots(t.p, t.q, re1, im1, re2, im2);
-    hash.add(re1), hash.add(im1), hash.add(re2), hash.add(im2);
-    if (n == 4) {
-        Solve_SquareRoots(t.b[1] / t.b[0], t.b[2] / t.b[0], re1, im1, re2, im2);
-        hash.add(re1), hash.add(im1), hash.add(re2), hash.add(im2);
-    } else {
-        hash.add(-t.b[1] / t.b[0]), hash.add(0.0);
-    }
+    for (int i = 0; i < roots; ++i)
+        hash.add(x[i].re), hash.add(x[i].im);
 }
 
 TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(84);
-    TestHash hash, expected;
-    for (int step = 0; step < 100000; ++step) {
-        const int n = random.between(3, 4);
+    GoldenRun run(84, 100000, 16711054473206003138u);
+    while (run.next()) {
+        const int n = run.random.between(3, 4);
         std::vector<double> a(static_cast<std::size_t>(n) + 1);
         for (double &coefficient : a)
-            coefficient = step % 2 == 0 ? random.between(-10.0, 10.0) : mixedDouble(random);
-        addRealSteps(expected, n, a.data(), 1e-10, 40);
-        RealRun run(a);
+            coefficient = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
+        addSteps(run.plain, a, 0.0, 0.0);
+        RealRun solver(a);
         int passes = 40;
-        const int roots = run.solve(1e-10, passes);
-        hash.add(passes);
+        const int roots = solver.solve(1e-10, passes);
+        run.code.add(passes);
         for (int i = 1; i <= roots; ++i)
-            hash.add(run.re[i]), hash.add(run.im[i]);
-        if (step % 1000 == 0) {
-            ASSERT_EQ(expected.value(), hash.value()) << "seed 84, step " << step;
-        }
-    }
-    EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(16711054473206003138u, hash.value());
-}
-
-void addNumber(TestHash &hash, const karComplex &z)
-{
-    hash.add(z.GetReal());
-    hash.add(z.GetImag());
-}
-
-void addComplexSteps(TestHash &hash, int n, const karComplex *a, const karComplex &p, const karComplex &q, double eps,
-                     int limit)
-{
-    Transcription<karComplex> t;
-    std::copy(a, a + n + 1, t.a);
-    t.p = p, t.q = q;
-    const int passes = t.factor(n, eps, limit);
-    hash.add(passes);
-    if (passes < 0)
-        return;
-    karComplex x1, x2;
-    Solve_SquareRoots(t.p, t.q, x1, x2);
-    addNumber(hash, x1), addNumber(hash, x2);
-    if (n == 4) {
-        Solve_SquareRoots(t.b[1] / t.b[0], t.b[2] / t.b[0], x1, x2);
-        addNumber(hash, x1), addNumber(hash, x2);
-    } else {
-        hash.add((-t.b[1] / t.b[0]).GetReal()), hash.add(0.0);
+            run.code.add(solver.re[i]), run.code.add(solver.im[i]);
     }
 }
 
 TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(85);
-    TestHash hash, expected;
-    for (int step = 0; step < 30000; ++step) {
-        const int n = random.between(3, 4);
-        std::vector<karComplex> a(static_cast<std::size_t>(n) + 1);
-        for (karComplex &coefficient : a) {
-            coefficient.SetReal(step % 2 == 0 ? random.between(-10.0, 10.0) : mixedDouble(random));
-            coefficient.SetImag(step % 2 == 0 ? random.between(-10.0, 10.0) : mixedDouble(random));
+    GoldenRun run(85, 30000, 6737948442523617243u);
+    while (run.next()) {
+        const int n = run.random.between(3, 4);
+        std::vector<plain::Complex> a(static_cast<std::size_t>(n) + 1);
+        for (plain::Complex &coefficient : a) {
+            coefficient.re = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
+            coefficient.im = run.step % 2 == 0 ? run.random.between(-10.0, 10.0) : mixedDouble(run.random);
         }
-        addComplexSteps(expected, n, a.data(), karComplex(1, 0), karComplex(-1, 0), 1e-10, 40);
-        ComplexRun run(a);
+        addSteps(run.plain, a, plain::Complex{1, 0}, plain::Complex{-1, 0});
+        std::vector<karComplex> coefficients;
+        for (const plain::Complex &z : a)
+            coefficients.emplace_back(z.re, z.im);
+        ComplexRun solver(coefficients);
         int passes = 40;
-        const int roots = run.solve(karComplex(1, 0), karComplex(-1, 0), 1e-10, passes);
-        hash.add(passes);
+        const int roots = solver.solve(karComplex(1, 0), karComplex(-1, 0), 1e-10, passes);
+        run.code.add(passes);
         for (int i = 1; i <= roots; ++i)
-            addNumber(hash, run.x[i]);
-        if (step % 1000 == 0) {
-            ASSERT_EQ(expected.value(), hash.value()) << "seed 85, step " << step;
-        }
+            run.code.add(solver.x[i].GetReal()), run.code.add(solver.x[i].GetImag());
     }
-    EXPECT_EQ(expected.value(), hash.value());
-    EXPECT_EQ(6737948442523617243u, hash.value());
 }
 
 // The bounded forms beside the others
@@ -833,27 +755,23 @@ std::vector<double> matrixRoots(std::vector<double> a, int limit)
 
 TEST(SolvePolynomRoots, AnyDegreeEqualsTheStepsWrittenOut)
 {
-    KAR_NEEDS_WHOLE_SEQUENCE();
-    TestRandom random(89);
-    TestHash hash, expected;
+    GoldenRun run(89, 20000, 15140741494536058021u);
     int ended = 0;
-    for (int step = 0; step < 20000; ++step) {
-        std::vector<double> a(static_cast<std::size_t>(random.between(3, 9)));
+    while (run.next()) {
+        std::vector<double> a(static_cast<std::size_t>(run.random.between(3, 9)));
         for (double &coefficient : a)
-            coefficient = step % 4 == 0 ? mixedDouble(random) : random.between(-10.0, 10.0);
+            coefficient = run.step % 4 == 0 ? mixedDouble(run.random) : run.random.between(-10.0, 10.0);
         const std::vector<double> steps = matrixRoots(a, 100);
         if (steps.empty())
             continue;
         ++ended;
         for (double element : steps)
-            expected.add(element);
+            run.plain.add(element);
         const karMatrix coefficients = row(a);
         for (double element : elements(Solve_Polynom_Roots(coefficients, nan, inf)))
-            hash.add(element);
-        ASSERT_EQ(expected.value(), hash.value()) << "seed 89, step " << step;
+            run.code.add(element);
     }
-    EXPECT_GT(ended, 5000);
-    EXPECT_EQ(15140741494536058021u, hash.value());
+    EXPECT_GT(ended, testSteps(5000));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Formats where the host's locale has another decimal point. The tests stand in front of the C library's `localeconv`, so
-// that they need no locale installed; they run with the GNU C library only.
+// Formats where the host's locale has another decimal point. The tests stand in front of the C library's `localeconv`,
+// so that they need no locale installed; they run with the GNU C library only.
 #include "karstring.h"
 
 #include <gtest/gtest.h>

@@ -264,9 +264,10 @@ TEST(KarString, ReadsAsFarAsTheRealNumberGoes)
 
 TEST(KarString, RefusesWhatCannotStandInARealNumber)
 {
-    for (const char *text : {"3.25abc", "1e5", "+1", " 1", "1 ", "1,5", "0x10", "inf", "nan",
-                             "\xa0"
-                             "1"}) {
+    for (const char *text :
+         {"3.25abc", "1-2.3.4x", "1.5.x", "-x", "x", ".-x", "1e5", "+1", " 1", "1 ", "1,5", "0x10", "inf", "nan",
+          "\xa0"
+          "1"}) {
         karString s(text);
         double value = 5;
         EXPECT_EQ(s.s2double(value), KAR_ERROR_NO_NUMBER) << text;
@@ -366,7 +367,13 @@ TEST(KarString, ReadsDigitsAsDecimal)
     EXPECT_EQ(readWhole("2147483648"), (Whole{0, INT_MAX}));
     EXPECT_EQ(errno, 0);
     EXPECT_EQ(readWhole("99999999999999999999999999999999999999"), (Whole{0, INT_MAX}));
+    EXPECT_EQ(readWhole("9999999999999999999"), (Whole{0, INT_MAX}));  // 19 digits
+    EXPECT_EQ(readWhole("18446744073709551617"), (Whole{0, INT_MAX})); // 2^64 + 1, 20 digits
     EXPECT_EQ(errno, 0);
+    EXPECT_EQ(readWhole("000000000000000000000000000012"), (Whole{0, 12}));
+    EXPECT_EQ(readWhole("0"), (Whole{0, 0}));
+    EXPECT_EQ(readWhole("12:"), (Whole{-120, 0})); // the characters on both sides of the digits
+    EXPECT_EQ(readWhole("12/"), (Whole{-120, 0}));
 }
 
 TEST(KarString, ReadsEverythingElseAsHexadecimal)

@@ -638,6 +638,12 @@ TEST(KarString, WritingOverTheTerminatorStaysInTheBuffer)
     EXPECT_EQ(s == karString("abcdefgh"), 1);
     EXPECT_EQ(karString("abcdefgh") == s, 1);
     EXPECT_EQ(karString("abcdefghi") > s, 1);
+    karString other("abcdefg", 0u);
+    other[7] = 'i';
+    EXPECT_EQ(s < other, 1);
+    EXPECT_EQ(other <= s, 0);
+    other[7] = 'h';
+    EXPECT_EQ(s == other, 1);
     EXPECT_EQ(s.getChar(7), 'h');
     EXPECT_EQ(s.getChar(8), 0);
     EXPECT_EQ(s.vstrchr('\0'), nullptr);

@@ -1,5 +1,5 @@
-// What a freshly loaded library says of the system: whichever of the eight functions is called first asks the system, and
-// nobody asks again. On Linux the system is made up, by a `uname` of this program.
+// What a freshly loaded library says of the system: whichever of the eight functions is called first asks the system,
+// and nobody asks again. On Linux the system is made up, by a `uname` of this program.
 #include "loadedlibrary.h"
 
 #include <gtest/gtest.h>

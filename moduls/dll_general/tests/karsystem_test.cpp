@@ -1,6 +1,6 @@
-// What the library says about the system: the mapping on made-up reports, the exports on the system at hand, the markers.
-// Load and unload are tested with the allocator, whose object is all that lives from one to the other; the first question
-// after a load has a file of its own.
+// What the library says about the system: the mapping on made-up reports, the exports on the system at hand, the
+// markers. Load and unload are tested with the allocator, whose object is all that lives from one to the other; the
+// first question after a load has a file of its own.
 #include "karsystem.h"
 
 #include "systemreport.h"

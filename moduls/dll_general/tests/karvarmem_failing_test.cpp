@@ -17,11 +17,31 @@ int blocksInUse()
     return blocks;
 }
 
+/// Each test gives back all blocks that it takes; chains apart are destroyed with their pool.
+class KarVarPageMemory : public testing::Test {
+protected:
+    void TearDown() override { EXPECT_EQ(blocksInUse(), before); }
+
+    const int before = blocksInUse();
+};
+
+/// Pages of four elements, the first of them full, and then a page that can't be had: the next one
+/// begins a chain apart.
+class BrokenPool : public Pool {
+public:
+    BrokenPool() : Pool(8, 4), first(newElement(4))
+    {
+        const AllAllocationsFail failing;
+        newElement(4);
+    }
+
+    void *first;
+};
+
 } // namespace
 
-TEST(KarVarPageMemory, PageObjectThatCannotBeHadGivesNull)
+TEST_F(KarVarPageMemory, PageObjectThatCannotBeHadGivesNull)
 {
-    const int before = blocksInUse();
     Pool pool(8, 10);
     {
         const AllAllocationsFail failing;
@@ -39,10 +59,9 @@ TEST(KarVarPageMemory, PageObjectThatCannotBeHadGivesNull)
     EXPECT_EQ(pool.where(pool.newElement(2)), (Place{0, 0}));
 }
 
-TEST(KarVarPageMemory, StorageThatCannotBeHadLeavesAnEmptyPage)
+TEST_F(KarVarPageMemory, StorageThatCannotBeHadLeavesAnEmptyPage)
 {
     for (const int speed : {0, 1}) {
-        const int before = blocksInUse();
         {
             Pool pool(8, 10); // page object and storage come from the same size class
             pool.speicher_Speed(speed);
@@ -73,132 +92,97 @@ TEST(KarVarPageMemory, StorageThatCannotBeHadLeavesAnEmptyPage)
     }
 }
 
-TEST(KarVarPageMemory, ChainAfterAFailureStandsApart)
+TEST_F(KarVarPageMemory, ChainAfterAFailureStandsApart)
 {
-    const int before = blocksInUse();
-    {
-        Pool pool(8, 4);
-        void *a = pool.newElement(3);
-        for (int chain = 0; chain < 3; ++chain) { // three failures, three chains apart
-            {
-                const AllAllocationsFail failing;
-                EXPECT_EQ(pool.newElement(4), nullptr);
-            }
-            EXPECT_EQ(pool.lastPage, nullptr);
-            EXPECT_EQ(pool.currentPage, nullptr);
-            EXPECT_EQ(pool.where(a), (Place{0, 0}));
-            pool.checkMemory();
-
-            void *const b = pool.newElement(4);
-            ASSERT_NE(b, nullptr);
-            EXPECT_EQ(pool.lastPage->PageBegin(), b);
-            EXPECT_EQ(pool.currentPage, pool.lastPage);
-            EXPECT_EQ(pool.lastPage->prev(), nullptr);
-            EXPECT_EQ(pool.pages().size(), 1u);
-            EXPECT_EQ(pool.getAnzElem(), 3); // the chain of the first page alone
-
-            void *p = b;
-            pool.deleteElement(p, 4);
-            EXPECT_EQ(p, b); // lies in no page of it
-            EXPECT_EQ(pool.resizeElementLast(p, 4, 2), nullptr);
-
-            void *const c = pool.newElement(4);
-            EXPECT_EQ(pool.lastPage->PageBegin(), c);
-            EXPECT_EQ(pool.lastPage->prev()->PageBegin(), b);
-        }
-        void *const last = pool.newElement(1); // the first chain still has room
-        EXPECT_EQ(pool.where(last), (Place{0, 24}));
-    }
-    EXPECT_EQ(blocksInUse(), before); // the chains apart are destroyed with the pool
-}
-
-TEST(KarVarPageMemory, ChainApartIsTheWayInOnceTheFirstIsGone)
-{
-    const int before = blocksInUse();
-    {
-        Pool pool(8, 4);
-        void *a = pool.newElement(4);
+    Pool pool(8, 4);
+    void *a = pool.newElement(3);
+    for (int chain = 0; chain < 3; ++chain) { // three failures, three chains apart
         {
             const AllAllocationsFail failing;
-            pool.newElement(4);
+            EXPECT_EQ(pool.newElement(4), nullptr);
         }
+        EXPECT_EQ(pool.lastPage, nullptr);
+        EXPECT_EQ(pool.currentPage, nullptr);
+        EXPECT_EQ(pool.where(a), (Place{0, 0}));
+        pool.checkMemory();
+
         void *const b = pool.newElement(4);
-        pool.deleteElement(a, 4);
-        EXPECT_EQ(pool.firstPage, nullptr);
-        void *const c = pool.newElement(4); // no first page: one is appended behind the last
-        EXPECT_EQ(pool.firstPage, pool.lastPage);
-        EXPECT_EQ(pool.where(b), (Place{0, 0}));
-        EXPECT_EQ(pool.where(c), (Place{1, 0}));
+        ASSERT_NE(b, nullptr);
+        EXPECT_EQ(pool.lastPage->PageBegin(), b);
+        EXPECT_EQ(pool.currentPage, pool.lastPage);
+        EXPECT_EQ(pool.lastPage->prev(), nullptr);
+        EXPECT_EQ(pool.pages().size(), 1u);
+        EXPECT_EQ(pool.getAnzElem(), 3); // the chain of the first page alone
+
         void *p = b;
         pool.deleteElement(p, 4);
-        EXPECT_EQ(pool.where(c), (Place{0, 0}));
-        EXPECT_EQ(pool.getAnzElem(), 4);
-    }
-    EXPECT_EQ(blocksInUse(), before);
-}
+        EXPECT_EQ(p, b); // lies in no page of it
+        EXPECT_EQ(pool.resizeElementLast(p, 4, 2), nullptr);
 
-TEST(KarVarPageMemory, ResizeMovesToTheChainApart)
-{
-    const int before = blocksInUse();
-    {
-        Pool pool(8, 4);
-        void *a = pool.newElement(4);
-        {
-            const AllAllocationsFail failing;
-            pool.newElement(4);
-        }
-        void *const b = pool.newElement(1);
-        std::memcpy(a, "0123456789abcdef", 16);
-        void *const moved = pool.resizeElementLast(a, 4, 2);
-        EXPECT_EQ(moved, pool.lastPage->PageBegin());
+        void *const c = pool.newElement(4);
+        EXPECT_EQ(pool.lastPage->PageBegin(), c);
         EXPECT_EQ(pool.lastPage->prev()->PageBegin(), b);
-        EXPECT_EQ(std::memcmp(moved, "0123456789abcdef", 16), 0);
     }
-    EXPECT_EQ(blocksInUse(), before);
+    void *const last = pool.newElement(1); // the first chain still has room
+    EXPECT_EQ(pool.where(last), (Place{0, 24}));
 }
 
-TEST(KarVarPageMemory, CountingLetsTheChainApartInToo)
+TEST_F(KarVarPageMemory, ChainApartIsTheWayInOnceTheFirstIsGone)
 {
-    const int before = blocksInUse();
-    {
-        Pool pool(8, 4);
-        void *a = pool.newElement(4);
-        {
-            const AllAllocationsFail failing;
-            pool.newElement(4);
-        }
-        pool.newElement(3);
-        pool.deleteElement(a, 4);
-        EXPECT_EQ(pool.getAnzElem(), 3);
-        EXPECT_EQ(pool.firstPage, pool.lastPage);
-    }
-    EXPECT_EQ(blocksInUse(), before);
+    BrokenPool pool;
+    void *const b = pool.newElement(4);
+    pool.deleteElement(pool.first, 4);
+    EXPECT_EQ(pool.firstPage, nullptr);
+    void *const c = pool.newElement(4); // no first page: one is appended behind the last
+    EXPECT_EQ(pool.firstPage, pool.lastPage);
+    EXPECT_EQ(pool.where(b), (Place{0, 0}));
+    EXPECT_EQ(pool.where(c), (Place{1, 0}));
+    void *p = b;
+    pool.deleteElement(p, 4);
+    EXPECT_EQ(pool.where(c), (Place{0, 0}));
+    EXPECT_EQ(pool.getAnzElem(), 4);
 }
 
-TEST(KarVarPageMemory, EmptyPageAtTheStartOfAChainApartIsDropped)
+TEST_F(KarVarPageMemory, ResizeMovesToTheChainApart)
 {
-    const int before = blocksInUse();
-    {
-        Pool pool(8, 40);
-        void *const a = pool.newElement(40);
-        {
-            const AllAllocationsFail failing;
-            pool.newElement(4);
-        }
-        pool.appendPage(1);
-        pool.checkMemory(); // the only page of that chain
-        EXPECT_EQ(pool.lastPage, nullptr);
-        EXPECT_EQ(pool.where(a), (Place{0, 0}));
-
-        karVarPage *const second = pool.appendPage(1);
-        pool.appendPage(1);
-        pool.deletePage(second); // the chain begins with its successor now
-        EXPECT_EQ(pool.lastPage->prev(), nullptr);
-    }
-    EXPECT_EQ(blocksInUse(), before);
+    BrokenPool pool;
+    void *const b = pool.newElement(1);
+    std::memcpy(pool.first, "0123456789abcdef", 16);
+    void *const moved = pool.resizeElementLast(pool.first, 4, 2);
+    EXPECT_EQ(moved, pool.lastPage->PageBegin());
+    EXPECT_EQ(pool.lastPage->prev()->PageBegin(), b);
+    EXPECT_EQ(std::memcmp(moved, "0123456789abcdef", 16), 0);
 }
 
-TEST(KarVarPageMemory, RunIsShortenedInPlaceWithoutMemory)
+TEST_F(KarVarPageMemory, CountingLetsTheChainApartInToo)
+{
+    BrokenPool pool;
+    pool.newElement(3);
+    pool.deleteElement(pool.first, 4);
+    EXPECT_EQ(pool.getAnzElem(), 3);
+    EXPECT_EQ(pool.firstPage, pool.lastPage);
+}
+
+TEST_F(KarVarPageMemory, EmptyPageAtTheStartOfAChainApartIsDropped)
+{
+    Pool pool(8, 40);
+    void *const a = pool.newElement(40);
+    {
+        const AllAllocationsFail failing;
+        pool.newElement(4);
+    }
+    pool.appendPage(1);
+    pool.checkMemory(); // the only page of that chain
+    EXPECT_EQ(pool.lastPage, nullptr);
+    EXPECT_EQ(pool.where(a), (Place{0, 0}));
+
+    karVarPage *const second = pool.appendPage(1);
+    pool.appendPage(1);
+    pool.deletePage(second); // the chain begins with its successor now
+    EXPECT_EQ(pool.lastPage->prev(), nullptr);
+}
+
+TEST_F(KarVarPageMemory, RunIsShortenedInPlaceWithoutMemory)
 {
     Pool pool(4, 6);
     void *const a = pool.newElement(6);
@@ -218,10 +202,9 @@ TEST(KarVarPageMemory, RunIsShortenedInPlaceWithoutMemory)
     EXPECT_TRUE(pool.isValid());
 }
 
-TEST(KarVarPageMemory, EveryAllocationMayFail)
+TEST_F(KarVarPageMemory, EveryAllocationMayFail)
 {
     for (unsigned n = 1;; ++n) {
-        const int before = blocksInUse();
         bool happened;
         {
             Pool pool(4, 10);

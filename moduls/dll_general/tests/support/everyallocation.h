@@ -77,8 +77,8 @@ inline bool takesFromHeap(const Operation &operation)
 inline std::string nameOf(const ::testing::TestParamInfo<Operation> &info) { return info.param.name; }
 inline void PrintTo(const Operation &operation, std::ostream *out) { *out << operation.name; }
 
-/// What is held from the allocator and the system when everything has been released. Pages that have no storage stand in
-/// their pool until it is destroyed.
+/// What is held from the allocator and the system when everything has been released. Pages that have no storage stand
+/// in their pool until it is destroyed.
 struct Holdings {
     long blocks = globalMemList->getCurAnzNew();
     long bytes = globalMemList->getCurSizeNew();
@@ -182,7 +182,7 @@ protected:
 
     std::string triedNormally()
     {
-        refusedHeap.start(0, false, true);
+        refusedHeap.start(0, false, RefusedHeap::blocks);
         Span span;
         return tried(span);
     }
@@ -229,7 +229,7 @@ TEST_P(EveryAllocation, FailsAloneOrWithThoseAfterIt)
     for (unsigned n = 1; n <= operation.oneFails.size(); ++n)
         for (const bool onwards : {false, true}) {
             SCOPED_TRACE(std::to_string(n) + (onwards ? " and all after it" : " alone"));
-            refusedHeap.start(n, onwards, true);
+            refusedHeap.start(n, onwards, RefusedHeap::blocks);
             Span span;
             EXPECT_EQ(tried(span), onwards ? operation.withRest(n) : operation.oneFails[n - 1]);
             EXPECT_TRUE(span.happened);
@@ -245,7 +245,7 @@ TEST_P(EveryAllocation, FailsForWantOfPagesTablesAndRecords)
         bool happened = true;
         for (unsigned n = 1; happened; ++n) {
             SCOPED_TRACE(std::to_string(n) + (onwards ? " and all after it" : " alone"));
-            refusedHeap.start(n, onwards, false);
+            refusedHeap.start(n, onwards, RefusedHeap::everything);
             Span span;
             const std::string outcome = tried(span);
             happened = span.happened;
@@ -264,7 +264,7 @@ TEST_P(EveryAllocation, FailsInAFullSizeClass)
     bool happened = true;
     for (unsigned n = 1; happened && n <= last; ++n) {
         SCOPED_TRACE(n);
-        refusedHeap.start(0, false, false);
+        refusedHeap.start(0, false, RefusedHeap::everything);
         Span span(Span::smallNthFails, n);
         const std::string outcome = tried(span);
         happened = span.happened;
@@ -279,7 +279,7 @@ TEST_P(EveryAllocation, FailsInAFullSizeClass)
 TEST_P(EveryAllocation, LeavesItsNeighboursAlone)
 {
     const Operation &operation = GetParam();
-    refusedHeap.start(0, false, false);
+    refusedHeap.start(0, false, RefusedHeap::everything);
     for (const Span::Way way : {Span::asPlanned, Span::allFail}) {
         const Neighbours neighbours;
         Span span(way);

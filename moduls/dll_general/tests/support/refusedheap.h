@@ -26,24 +26,34 @@
 /// Which requests of the library the system refuses while `armed`. Requests of anyone else are neither counted nor
 /// refused.
 struct RefusedHeap {
+    /// The tables behind the pools take cleared memory, all else is blocks. What isn't meant is granted
+    /// and not counted.
+    enum Kind {
+        everything,
+        blocks,
+        tables
+    };
+
     bool armed = false;
-    bool blocksAlone = false; ///< Cleared memory, which the tables behind the pools take, is granted and not counted.
-    unsigned first = 0;       ///< The request refused first, from 1 on; 0 for none.
-    bool onwards = false;     ///< All that follow are refused too.
+    Kind kind = everything;
+    unsigned first = 0;   ///< The request refused first, from 1 on; 0 for none.
+    bool onwards = false; ///< All that follow are refused too.
 
     unsigned requests = 0; ///< Since the start of the plan.
     unsigned refused = 0;
     void *granted[4096] = {}; ///< Blocks that the library got.
     unsigned grantedCount = 0;
+    long held = 0; ///< Blocks of the whole program that aren't released yet; not counted on Windows.
 
-    void start(unsigned refusedFirst, bool andOnwards, bool ofBlocksAlone)
+    void start(unsigned refusedFirst, bool andOnwards, Kind ofKind)
     {
         first = refusedFirst;
         onwards = andOnwards;
-        blocksAlone = ofBlocksAlone;
+        kind = ofKind;
         requests = refused = 0;
         grantedCount = 0;
     }
+    bool means(Kind request) const { return kind == everything || kind == request; }
     bool refuses()
     {
         ++requests;
@@ -65,7 +75,9 @@ namespace refusedheap {
 
 inline HGLOBAL WINAPI globalAlloc(UINT flags, SIZE_T size)
 {
-    return refusedHeap.armed && refusedHeap.refuses() ? nullptr : GlobalAlloc(flags, size);
+    return refusedHeap.armed && refusedHeap.means(RefusedHeap::blocks) && refusedHeap.refuses()
+               ? nullptr
+               : GlobalAlloc(flags, size);
 }
 inline LPVOID WINAPI globalLock(HGLOBAL handle)
 {
@@ -76,11 +88,14 @@ inline LPVOID WINAPI globalLock(HGLOBAL handle)
 }
 inline void *allocate(std::size_t size)
 {
-    return refusedHeap.armed && refusedHeap.refuses() ? nullptr : std::malloc(size);
+    return refusedHeap.armed && refusedHeap.means(RefusedHeap::blocks) && refusedHeap.refuses() ? nullptr
+                                                                                                : std::malloc(size);
 }
 inline void *allocateCleared(std::size_t count, std::size_t size)
 {
-    return refusedHeap.armed && !refusedHeap.blocksAlone && refusedHeap.refuses() ? nullptr : std::calloc(count, size);
+    return refusedHeap.armed && refusedHeap.means(RefusedHeap::tables) && refusedHeap.refuses()
+               ? nullptr
+               : std::calloc(count, size);
 }
 
 inline void replace(unsigned char *slot, const char *name)
@@ -226,21 +241,27 @@ extern "C" {
 #if defined(__SANITIZE_ADDRESS__)
 void *__interceptor_malloc(std::size_t size);
 void *__interceptor_calloc(std::size_t count, std::size_t size);
+void __interceptor_free(void *p);
 #define KAR_SYSTEM_MALLOC __interceptor_malloc
 #define KAR_SYSTEM_CALLOC __interceptor_calloc
+#define KAR_SYSTEM_FREE __interceptor_free
 #else
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
+void __libc_free(void *p);
 #define KAR_SYSTEM_MALLOC __libc_malloc
 #define KAR_SYSTEM_CALLOC __libc_calloc
+#define KAR_SYSTEM_FREE __libc_free
 #endif
 
 // The sanitizers call these before they are ready themselves.
 __attribute__((visibility("default"), no_sanitize("address", "undefined"))) void *malloc(std::size_t size) noexcept
 {
-    if (refusedHeap.armed && refusedheap::refuses(__builtin_return_address(0)))
+    if (refusedHeap.armed && refusedHeap.means(RefusedHeap::blocks) &&
+        refusedheap::refuses(__builtin_return_address(0)))
         return nullptr;
     void *const p = KAR_SYSTEM_MALLOC(size);
+    refusedHeap.held += p != nullptr;
     if (refusedHeap.armed)
         refusedHeap.note(p);
     return p;
@@ -249,9 +270,18 @@ __attribute__((visibility("default"), no_sanitize("address", "undefined"))) void
 __attribute__((visibility("default"), no_sanitize("address", "undefined"))) void *calloc(std::size_t count,
                                                                                          std::size_t size) noexcept
 {
-    if (refusedHeap.armed && !refusedHeap.blocksAlone && refusedheap::refuses(__builtin_return_address(0)))
+    if (refusedHeap.armed && refusedHeap.means(RefusedHeap::tables) &&
+        refusedheap::refuses(__builtin_return_address(0)))
         return nullptr;
-    return KAR_SYSTEM_CALLOC(count, size);
+    void *const p = KAR_SYSTEM_CALLOC(count, size);
+    refusedHeap.held += p != nullptr;
+    return p;
+}
+
+__attribute__((visibility("default"), no_sanitize("address", "undefined"))) void free(void *p) noexcept
+{
+    refusedHeap.held -= p != nullptr;
+    KAR_SYSTEM_FREE(p);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

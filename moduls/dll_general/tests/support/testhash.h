@@ -2,6 +2,7 @@
 #ifndef KAR_TEST_HASH_H
 #define KAR_TEST_HASH_H
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -22,9 +23,36 @@ public:
         add(pattern);
     }
     std::uint64_t value() const { return state; }
+    bool operator==(const TestHash &other) const { return state == other.state; }
 
 private:
     std::uint64_t state = 0xcbf29ce484222325u;
+};
+
+/// Two hashes, for results of the C library's trigonometry: those of one run are equal bit by bit, and `value` is that
+/// of the results on a grid, where the last digits of a C library don't count.
+struct RoundedHash {
+    TestHash exact;
+    TestHash rounded;
+
+    void add(int value)
+    {
+        exact.add(value);
+        rounded.add(value);
+    }
+    void add(double value, double places = 1048576.0)
+    {
+        exact.add(value);
+        addRounded(value, places);
+    }
+    /// `places` to a unit.
+    void addRounded(double value, double places)
+    {
+        const double nearest = std::floor((value * places) + 0.5);
+        rounded.add(nearest == 0 ? 0.0 : nearest);
+    }
+    std::uint64_t value() const { return rounded.value(); }
+    bool operator==(const RoundedHash &other) const { return exact == other.exact; }
 };
 
 #endif

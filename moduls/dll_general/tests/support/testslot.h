@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-/// Index in the table of virtual operations. A destructor takes two places. Itanium C++ ABI, as all targets have it: the
-/// first word of a pointer to a virtual member is 1 plus the offset in the table.
+/// Index in the table of virtual operations. A destructor takes two places. Itanium C++ ABI, as all targets have it:
+/// the first word of a pointer to a virtual member is 1 plus the offset in the table.
 template <class Method>
 int slotOf(Method method)
 {

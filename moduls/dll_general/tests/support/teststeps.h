@@ -15,9 +15,4 @@ inline int testSteps(int whole)
     return std::max(whole / divisor, 1);
 }
 
-/// First in a test that compares with a constant of its whole sequence: it is skipped where that is shortened.
-#define KAR_NEEDS_WHOLE_SEQUENCE()                                                                                     \
-    if (testSteps(2) != 2)                                                                                             \
-    GTEST_SKIP() << "compares with a constant of the whole sequence"
-
 #endif
