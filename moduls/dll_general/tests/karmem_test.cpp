@@ -549,6 +549,21 @@ TEST(KarPage, WithoutAPoolTakesTheFieldsOfAnother)
     page.initBasis(); // the storage goes with the source
 }
 
+TEST(KarPage, StandsBesideAnyListElement)
+{
+    karListObjectNV other;
+    karPage page(nullptr, 16, 1);
+    const karListObjectNV &element = page;
+    page.append(&other);
+    EXPECT_EQ(element.prev(), &other);
+    page.unchain();
+    page.insert(&other);
+    EXPECT_EQ(element.next(), &other);
+    page.unchain();
+    page.insertFront(&other);
+    EXPECT_EQ(other.prev(), &element);
+}
+
 TEST(KarPage, PointerThatStandsInItsElementIsNotWrittenTo)
 {
     karPage page(nullptr, 40, 3);
