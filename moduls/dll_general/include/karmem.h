@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <type_traits>
 
 class karPage;
 
@@ -145,9 +146,9 @@ public:
     /// least the two links of a free node; on 64-bit targets it is rounded up to a multiple of 8. Without memory the
     /// page stands in the chain with zero sizes and has no element.
     karPage(karPage *prev, int size, int count);
-    karPage(const karPage &) = default; ///< Copies every field, links included.
-    /// Copies the fields. A pool that the page stands in walks its chain from then on, until that has no page any more.
-    karPage &operator=(const karPage &other);
+    /// Copies every field, links included. As after `append`, pools walk the chain of both.
+    karPage(const karPage &other);
+    karPage &operator=(const karPage &other); ///< \overload
 
     /// \name Reading
     /// \{
@@ -166,9 +167,73 @@ public:
     /// links of a free one: then linear in the free elements.
     /// Note: an element is known as free by its own links, so one that was written to after its release may be released
     /// again. An address that isn't the start of an element counts as a release and doesn't become free.
+    /// Note: a `p` that itself lies in the released element is not written to.
     void deleteElement(void *&p);
     int delete_all() { return 0; }      ///< Does nothing.
     int test_delete_all() { return 0; } ///< Does nothing.
+    /// \}
+
+    /// \name Chaining by hand
+    /// As in `karListObjectNV`. A pool that finds one of the pages concerned in its chain walks that chain from then
+    /// on, until all pages that it knew before are gone.
+    /// Note: a pool isn't told of links that are changed through a pointer to a base class and goes by the chain as it
+    /// was before.
+    /// \{
+    using karListTyped::next;
+    using karListTyped::prev;
+    /// Stores the link; the neighbour isn't touched.
+    void next(karPage *element)
+    {
+        linksChange(element);
+        karListTyped::next(element);
+    }
+    void prev(karPage *element) ///< \overload
+    {
+        linksChange(element);
+        karListTyped::prev(element);
+    }
+    /// To the end of the chain of `other`.
+    void append(karListObjectNV *other)
+    {
+        linksChange(nullptr);
+        karListTyped::append(other);
+    }
+    /// Directly before `other`.
+    void insert(karListObjectNV *other)
+    {
+        linksChange(nullptr);
+        karListTyped::insert(other);
+    }
+    /// To the start of the chain of `other`.
+    void insertFront(karListObjectNV *other)
+    {
+        linksChange(nullptr);
+        karListTyped::insertFront(other);
+    }
+    template <class Page, class = std::enable_if_t<std::is_base_of_v<karPage, Page>>>
+    void append(Page *other) ///< \overload
+    {
+        linksChange(other);
+        karListTyped::append(other);
+    }
+    template <class Page, class = std::enable_if_t<std::is_base_of_v<karPage, Page>>>
+    void insert(Page *other) ///< \overload
+    {
+        linksChange(other);
+        karListTyped::insert(other);
+    }
+    template <class Page, class = std::enable_if_t<std::is_base_of_v<karPage, Page>>>
+    void insertFront(Page *other) ///< \overload
+    {
+        linksChange(other);
+        karListTyped::insertFront(other);
+    }
+    /// Bridges the neighbours and clears both links.
+    void unchain()
+    {
+        linksChange(nullptr);
+        karListTyped::unchain();
+    }
     /// \}
 
 protected:
@@ -184,6 +249,9 @@ protected:
     karFreeElement *firstFreeElement_; ///< Null if the page is full.
 
 private:
+    // The chains of the page and of another, if any, are no longer those that their pools know.
+    void linksChange(const karPage *other) const;
+
     kar::PageState state;
 };
 
@@ -226,7 +294,7 @@ public:
     void *newElement();
     /// Releases an element and sets `p` to null; the page goes with its last element. A null `p` or one in no page
     /// stays and changes nothing; an element that is free already only becomes null. Constant, as in `karPage`.
-    /// Note: a `p` that itself lies in the released element is not written to.
+    /// Note: a `p` that itself lies in the released element, or in the page that goes with it, is not written to.
     void deleteElement(void *&p);
     /// Destroys all pages, elements in use included; 0.
     /// Note: does nothing while `firstPage` is null.

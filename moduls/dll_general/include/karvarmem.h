@@ -97,6 +97,7 @@ public:
     /// Note: the count isn't compared with the request: it goes off the elements in use in any case. What lies behind
     /// the storage is cut off, and a `p` that isn't the start of an element is not linked, nor is one outside this page
     /// (with 32-bit pointers: outside every page of the chain).
+    /// Note: a `p` that itself lies in the run is not written to.
     void deleteElement(void *&p, int count);
     /// Shortens the run at `p` by its tail and returns `p`. `newCount` 0 releases it and returns null. Null, and
     /// nothing changes, if the tail is shorter than `minElementCount` or the run would grow.
@@ -182,6 +183,7 @@ public:
     /// Note: it stays where the gap is directly behind it on its page, and where the elements in use on the gap's page,
     /// in bytes, are as many as `newCount`. A gap that isn't used goes back through the page of `p`.
     /// Note: `newCount` above `oldCount` moves as many elements as the page of `p` has behind it.
+    /// Note: a `p` that itself lies in the run is not written to.
     void *resizeElementLast(void *&p, int oldCount, int newCount);
     void checkMemory(); ///< Destroys the last page if it is empty and has room for 40 elements.
     /// \}

@@ -90,6 +90,12 @@ karPage::karPage(karPage *prev, int size, int count) : karListTyped(prev)
             before->state.index->add(*this);
 }
 
+karPage::karPage(const karPage &other)
+    : karListTyped(other), firstFreeElement_(other.firstFreeElement_), state(other.state)
+{
+    other.linksChange(nullptr); // the neighbours bypass it as the copy dies
+}
+
 karPage::~karPage()
 {
     if (elementUsed_ > 0)
@@ -102,12 +108,19 @@ karPage &karPage::operator=(const karPage &other)
 {
     if (this == &other)
         return *this;
-    if (state.index)
-        state.index->giveUp(); // the page has other links, another storage and other room from now on
+    linksChange(&other); // and the page has another storage and other room from now on
     karListTyped::operator=(other);
     firstFreeElement_ = other.firstFreeElement_;
     state = other.state;
     return *this;
+}
+
+void karPage::linksChange(const karPage *other) const
+{
+    if (state.index)
+        state.index->giveUp();
+    if (other && other->state.index)
+        other->state.index->giveUp();
 }
 
 void karPage::init(int size, int count)
@@ -150,7 +163,9 @@ void *karPage::newElement() { return firstFreeElement_ ? PoolAccess::take(*this)
 
 void karPage::deleteElement(void *&p)
 {
-    if (PoolAccess::give(*this, p))
+    void *const released = p;
+    const bool standsInElement = PoolAccess::standsInElement(*this, &p, released); // whose bytes are free then
+    if (PoolAccess::give(*this, released) && !standsInElement)
         p = nullptr;
 }
 
@@ -238,15 +253,24 @@ bool kar::PoolAccess::giveSlowly(karPageMemory &pool, void *p)
     return true;
 }
 
-void *karPageMemory::newElement() { return PoolAccess::take(*this); }
+void *karPageMemory::newElement()
+{
+    PoolAccess::findIndex(*this); // a subclass may have entered another chain
+    return PoolAccess::take(*this);
+}
 
 void karPageMemory::deleteElement(void *&p)
 {
-    const unsigned smallest = sizeof(FreeLinks);
-    const unsigned size =
-        pageElementSize > static_cast<int>(smallest) ? static_cast<unsigned>(pageElementSize) : smallest;
-    const bool standsInElement = addressOf(&p) - addressOf(p) < size; // whose bytes are free then, or gone
-    if (p && firstPage && PoolAccess::give(*this, p) && !standsInElement)
+    karPage *const page = PoolAccess::find(*this, p);
+    if (!page)
+        return;
+    // The reference may stand in the element, whose bytes are free then, or in the page, which may go.
+    const bool standsInElement = PoolAccess::standsInElement(*page, &p, p);
+    const bool standsInPage = PoolAccess::holds(*page, &p);
+    const bool empty = PoolAccess::give(*page, p);
+    if (empty)
+        deletePage(page);
+    if (!(empty ? standsInPage : standsInElement))
         p = nullptr;
 }
 
@@ -361,15 +385,16 @@ bool karPageMemory::isValid() const
     const PageIndex *const index = firstPage->state.index;
     if (state.index && state.index != index)
         return false;
+    const auto complete = [](const PageIndex *known) { return known && known->complete() ? known : nullptr; };
     const karPage *withRoom = nullptr;
     const karPage *before = nullptr;
     int pages = 0;
     for (const karPage *page = firstPage->first(); page; before = page, page = page->next(), ++pages) {
-        if (!page->isValid() || page->prev() != before || page->state.index != index)
+        if (!page->isValid() || page->prev() != before || complete(page->state.index) != complete(index))
             return false;
         if (!withRoom && page->canInsertElement())
             withRoom = page;
-        if (!index || !index->complete())
+        if (!complete(index))
             continue;
         if (before && before->state.slot >= page->state.slot)
             return false;
@@ -377,7 +402,7 @@ bool karPageMemory::isValid() const
             (index->find(page->firstPageElement_) != page || index->find(page->lastPageElement_) != page))
             return false;
     }
-    return !index || !index->complete() || (index->firstWithRoom() == withRoom && index->pages() == pages);
+    return !complete(index) || (index->firstWithRoom() == withRoom && index->pages() == pages);
 }
 
 // ---- Records

@@ -8,8 +8,8 @@
 
 namespace kar {
 
-/// The two links in a free element. Elements of a 32-bit target may start at any even address, so they are read and
-/// written as bytes.
+/// The two links in a free element. Elements of a 32-bit target may start at any address, so they are read and written
+/// as bytes.
 struct FreeLinks {
     void *next;
     void *prev;
@@ -37,11 +37,22 @@ struct PoolAccess {
                (addressOf(p) - start <= addressOf(page.lastPageElement_) - start - (sizeof(FreeLinks) - 1));
     }
 
-    static bool isElement(const karPage &page, const void *p)
+    static bool holds(const karPage &page, const void *p)
     {
         const std::uintptr_t start = addressOf(page.firstPageElement_);
-        const std::uintptr_t offset = addressOf(p) - start;
-        return start && offset <= addressOf(page.lastPageElement_) - start && page.state.startsElement(offset);
+        return start && addressOf(p) - start <= addressOf(page.lastPageElement_) - start;
+    }
+
+    static bool isElement(const karPage &page, const void *p)
+    {
+        return holds(page, p) && page.state.startsElement(addressOf(p) - addressOf(page.firstPageElement_));
+    }
+
+    /// Whether a place lies in the element of the page that starts at `p`, if one does.
+    static bool standsInElement(const karPage &page, const void *place, const void *p)
+    {
+        return isElement(page, p) &&
+               addressOf(place) - addressOf(p) < static_cast<std::uintptr_t>(page.elementFullSize_);
     }
 
     /// Whether an element stands in the free list. A live element nearly always shows it by its own bytes; one that

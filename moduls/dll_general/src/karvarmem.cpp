@@ -22,6 +22,12 @@ void *placeAt(const void *base, std::int64_t bytes)
     return static_cast<char *>(const_cast<void *>(base)) + static_cast<std::ptrdiff_t>(bytes);
 }
 
+/// Whether a place lies in the `bytes` from `start` on.
+bool standsIn(const void *place, const void *start, std::int64_t bytes)
+{
+    return bytes > 0 && addressOf(place) - addressOf(start) < static_cast<std::uint64_t>(bytes);
+}
+
 std::uintptr_t behind(const karFreeVarElement *run) { return addressOf(run->nextStart()); }
 
 } // namespace
@@ -275,15 +281,18 @@ void karVarPage::deleteElement(void *&p, int count)
         if (walk.run() == p)
             return;
     const int elements = raised(count);
+    const std::int64_t bytes = std::int64_t{elements} * elementFullSize_;
+    bool standsInRun = false; // the reference, where the bytes of a free run are then
     if (const karVarPage *const page = pageWith(p)) {
         const auto offset = static_cast<std::int64_t>(addressOf(p) - addressOf(page->firstPageElement_));
-        const std::int64_t bytes = std::int64_t{elements} * elementFullSize_;
         const std::int64_t room = page->storageBytes() - offset;
-        if (offset % page->elementFullSize_ == 0)
+        if (offset % page->elementFullSize_ == 0) {
+            standsInRun = standsIn(&p, p, bytes);
             giveRange(p, static_cast<int>(bytes < room ? bytes : room));
+        }
     }
     elementUsed_ = elementUsed_ > elements ? elementUsed_ - elements : 0;
-    if (elementUsed_ == 0)
+    if (elementUsed_ == 0 && !standsInRun)
         p = nullptr;
 }
 
@@ -335,9 +344,10 @@ void *karVarPage::resizeElementLast(void *&p, int oldCount, int newCount)
         return nullptr;
     if (kept > oldCount)
         return nullptr;
-    void *tail = placeAt(p, std::int64_t{kept} * elementFullSize_);
+    void *const run = p; // the reference may stand in the tail
+    void *tail = placeAt(run, std::int64_t{kept} * elementFullSize_);
     deleteElement(tail, tailCount);
-    return p;
+    return run;
 }
 
 bool karVarPage::isValid() const
@@ -455,8 +465,7 @@ void karVarPageMemory::deleteElement(void *&p, int count)
     if (!page)
         return;
     // The reference may stand in the run itself, whose bytes are free then, or gone.
-    const auto bytes = static_cast<std::uint64_t>(std::int64_t{page->raised(count)} * elementSize_);
-    const bool standsInRun = count != 0 && addressOf(&p) - addressOf(p) < bytes;
+    const bool standsInRun = count != 0 && standsIn(&p, p, std::int64_t{page->raised(count)} * elementSize_);
     void *run = p;
     page->deleteElement(run, count);
     if (!run)
@@ -483,12 +492,16 @@ void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)
             page->deleteElement(run, newCount); // not worth the move
         }
     }
-    if (kar::wrapMul(kar::wrapSub(oldCount, newCount), elementSize_) >= nodeBytes) {
-        page->resizeElementLast(p, oldCount, newCount);
-    } else if (void *const run = newElement(newCount)) {
-        p = moveRun(page, p, run, oldCount, newCount);
-    }
-    return p;
+    // The reference may stand in the run itself, whose bytes are free then.
+    const bool standsInRun = standsIn(&p, p, std::int64_t{page->raised(oldCount)} * elementSize_);
+    void *kept = p;
+    if (kar::wrapMul(kar::wrapSub(oldCount, newCount), elementSize_) >= nodeBytes)
+        page->resizeElementLast(kept, oldCount, newCount);
+    else if (void *const run = newElement(newCount))
+        kept = moveRun(page, p, run, oldCount, newCount);
+    if (!standsInRun)
+        p = kept;
+    return kept;
 }
 
 // Copies elements to `target`, none from behind the page, and releases the old run on its page. Returns `target`.

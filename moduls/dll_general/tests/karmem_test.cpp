@@ -549,6 +549,39 @@ TEST(KarPage, WithoutAPoolTakesTheFieldsOfAnother)
     page.initBasis(); // the storage goes with the source
 }
 
+TEST(KarPage, StandsBesideAnyListElement)
+{
+    karListObjectNV other;
+    karPage page(nullptr, 16, 1);
+    const karListObjectNV &element = page;
+    page.append(&other);
+    EXPECT_EQ(element.prev(), &other);
+    page.unchain();
+    page.insert(&other);
+    EXPECT_EQ(element.next(), &other);
+    page.unchain();
+    page.insertFront(&other);
+    EXPECT_EQ(other.prev(), &element);
+}
+
+TEST(KarPage, PointerThatStandsInItsElementIsNotWrittenTo)
+{
+    karPage page(nullptr, 40, 3);
+    void **const element = static_cast<void **>(page.newElement());
+    for (std::size_t place : {0u, 1u, 4u}) {
+        element[place] = element;
+        page.deleteElement(element[place]);
+        EXPECT_EQ(page.elementUsed(), 0);
+        EXPECT_TRUE(page.isValid());
+        EXPECT_EQ(page.newElement(), element);
+    }
+    // One that isn't the start of an element becomes no free one, and the pointer in it is cleared.
+    void *inside = element + 1;
+    std::memcpy(element + 2, &inside, sizeof inside);
+    page.deleteElement(element[2]);
+    EXPECT_EQ(element[2], nullptr);
+}
+
 // ---- Pool
 
 TEST(KarPageMemory, FieldsAndVirtualOperationsStandInTheirOrder)
@@ -1089,6 +1122,168 @@ TEST(KarPageMemory, SmallPagesChainedByHandBehindALargerOneAreUsedAndFoundAsWell
     for (void *&element : own)
         pool.deleteElement(element);
     EXPECT_EQ(PoolPeek::firstOf(pool), nullptr);
+}
+
+TEST(KarPageMemory, PagesChainedByHandAreUsedInTheOrderOfTheChain)
+{
+    for (int way = 0; way < 6; ++way) {
+        SCOPED_TRACE(way);
+        PoolPeek pool(40, 1);
+        for (int i = 0; i < 3; ++i)
+            pool.newElement();
+        karPage *const first = PoolPeek::firstOf(pool);
+        karPage *const last = PoolPeek::lastOf(pool);
+        karPage byHand(nullptr, 40, 2);
+        switch (way) {
+        case 0:
+            byHand.insertFront(last);
+            EXPECT_EQ(byHand.next(), first);
+            break;
+        case 1:
+            byHand.insert(first);
+            EXPECT_EQ(byHand.next(), first);
+            break;
+        case 2:
+            byHand.insert(last);
+            EXPECT_EQ(byHand.next(), last);
+            break;
+        case 3:
+            byHand.append(first);
+            EXPECT_EQ(byHand.prev(), last);
+            break;
+        case 4: // the links alone
+            byHand.next(first);
+            first->prev(&byHand);
+            break;
+        default:
+            byHand.prev(last);
+            last->next(&byHand);
+            break;
+        }
+        EXPECT_TRUE(pool.isValid());
+        void *p = last->PageBegin();
+        last->deleteElement(p);
+        const bool before = way != 3 && way != 5;
+        if (!before) {
+            EXPECT_EQ(pool.newElement(), last->PageBegin());
+        }
+        EXPECT_EQ(pool.newElement(), static_cast<char *>(byHand.PageBegin()) + 40);
+        EXPECT_EQ(pool.newElement(), byHand.PageBegin());
+        if (before) {
+            EXPECT_EQ(pool.newElement(), last->PageBegin());
+        }
+        EXPECT_EQ(pool.getAnzElem(), 5);
+        p = byHand.PageBegin();
+        pool.deleteElement(p);
+        EXPECT_EQ(p, nullptr);
+        EXPECT_EQ(byHand.elementUsed(), 1);
+        EXPECT_TRUE(pool.isValid());
+        byHand.unchain();
+        EXPECT_EQ(pool.getAnzElem(), 3);
+        EXPECT_TRUE(pool.isValid());
+    }
+}
+
+TEST(KarPageMemory, PageMovedToAnotherPoolIsUsedAndReleasedThere)
+{
+    PoolPeek pool(40, 1), other(40, 1);
+    void *elements[3];
+    for (void *&element : elements)
+        element = pool.newElement();
+    other.newElement();
+    karPage *const page = PoolPeek::firstOf(pool)->next();
+    page->unchain();
+    void *p = elements[1];
+    pool.deleteElement(p);
+    EXPECT_EQ(p, elements[1]); // in no page of the pool any more
+    page->append(PoolPeek::firstOf(other));
+    EXPECT_TRUE(pool.isValid());
+    EXPECT_TRUE(other.isValid());
+    page->deleteElement(p);
+    EXPECT_EQ(p, nullptr);
+    EXPECT_NE(pool.newElement(), elements[1]);
+    EXPECT_EQ(other.newElement(), elements[1]);
+    other.deleteElement(elements[1]);
+    EXPECT_EQ(elements[1], nullptr);
+    EXPECT_EQ(PoolPeek::pages(other), 1); // the page has gone
+    EXPECT_EQ(PoolPeek::pages(pool), 3);
+    karPage *const first = PoolPeek::firstOf(pool);
+    karPage *const behind = first->next();
+    first->append(nullptr); // alone, while the one behind it keeps its links
+    EXPECT_EQ(PoolPeek::pages(pool), 1);
+    first->next(behind);
+    EXPECT_TRUE(pool.isValid());
+}
+
+TEST(KarPageMemory, FollowsASubclassIntoAnotherChain)
+{
+    PoolPeek pool(40, 2), other(40, 2);
+    pool.newElement();
+    void *p = other.newElement();
+    karPage *const own = PoolPeek::firstOf(pool);
+    PoolPeek::firstOf(pool) = PoolPeek::firstOf(other);
+    EXPECT_EQ(pool.newElement(), PoolPeek::firstOf(other)->PageBegin());
+    pool.deleteElement(p);
+    EXPECT_EQ(p, nullptr);
+    EXPECT_EQ(other.getAnzElem(), 1);
+    {
+        const Mark direct(0);
+        delete own; // with all that is known of its chain
+    }
+    EXPECT_NE(pool.newElement(), nullptr);
+    EXPECT_EQ(other.getAnzElem(), 2);
+    PoolPeek::firstOf(pool) = PoolPeek::lastOf(pool) = nullptr; // the other destroys the pages
+}
+
+TEST(KarPageMemory, PageBypassedByADyingCopyIsUsedNoMore)
+{
+    for (const bool assigned : {false, true}) {
+        PoolPeek pool(40, 2);
+        void *elements[6];
+        for (void *&element : elements)
+            element = pool.newElement();
+        void *p = elements[5];
+        pool.deleteElement(p);
+        karPage *const page = PoolPeek::firstOf(pool)->next();
+        page->deleteElement(p = elements[2]);
+        const Mark direct(0); // under which the pool obtained the page
+        if (assigned) {
+            karPage copy(nullptr, 40, 1);
+            KarDellocMemory(copy.PageBegin());
+            copy = *page; // takes the storage with it
+        } else {
+            const karPage copy(*page);
+        }
+        PagePeek::dropStorage(*page);
+        EXPECT_TRUE(pool.isValid());
+        EXPECT_EQ(PoolPeek::pages(pool), 2);
+        EXPECT_EQ(pool.newElement(), elements[5]);
+        p = elements[3];
+        pool.deleteElement(p);
+        EXPECT_EQ(p, elements[3]);
+        EXPECT_EQ(pool.getAnzElem(), 4);
+        delete page;
+    }
+}
+
+TEST(KarPageMemory, PointerInALargerElementChainedByHandIsNotWrittenTo)
+{
+    PoolPeek pool(16, 1);
+    pool.newElement();
+    new karPage(PoolPeek::firstOf(pool), 160, 1);
+    void **const element = static_cast<void **>(pool.newElement());
+    element[10] = element;
+    pool.deleteElement(element[10]); // and its page goes
+    EXPECT_EQ(PoolPeek::pages(pool), 1);
+    new karPage(PoolPeek::firstOf(pool), 160, 2);
+    void **const upper = static_cast<void **>(pool.newElement());
+    void **const lower = static_cast<void **>(pool.newElement());
+    upper[10] = upper;
+    pool.deleteElement(upper[10]);
+    EXPECT_EQ(upper[10], upper);
+    lower[10] = lower + 1;
+    pool.deleteElement(lower[10]); // counts as the release of the last element
+    EXPECT_EQ(PoolPeek::pages(pool), 1);
 }
 
 TEST(KarPageMemory, AssignedToItselfKeepsItsPages)

@@ -155,13 +155,14 @@ TEST(KarPageMemoryIsValid, NoticesADamagedPageOrLink)
         const Set<int> fewer(PageFields::used(*full.second), 1);
         EXPECT_FALSE(full.pool.isValid());
     }
-    full.second->prev(nullptr);
+    karListObjectNV &second = *full.second; // the pool isn't told of links that are changed here
+    second.prev(nullptr);
     EXPECT_FALSE(full.pool.isValid());
-    full.second->prev(full.first);
+    second.prev(full.first);
     {
         karPage foreign(nullptr, 16, 2);
-        full.second->next(&foreign);
-        foreign.prev(full.second);
+        second.next(&foreign);
+        foreign.karListObjectNV::prev(full.second);
         EXPECT_FALSE(full.pool.isValid());
     }
     {
@@ -175,15 +176,17 @@ TEST(KarPageMemoryIsValid, NoticesADamagedPageOrLink)
 TEST(KarPageMemoryIsValid, NoticesAnIndexThatSaysOtherThanTheChain)
 {
     FullPool full;
-    full.first->unchain(); // stands behind its successor then
-    full.second->next(full.first);
-    full.first->prev(full.second);
+    karListObjectNV &first = *full.first; // the pool isn't told of links that are changed here
+    karListObjectNV &second = *full.second;
+    first.unchain(); // stands behind its successor then
+    second.next(&first);
+    first.prev(&second);
     EXPECT_FALSE(full.pool.isValid());
-    full.second->next(nullptr);
-    full.second->prev(full.first);
-    full.first->prev(nullptr);
+    second.next(nullptr);
+    second.prev(&first);
+    first.prev(nullptr);
     EXPECT_FALSE(full.pool.isValid()); // one page, two in the index
-    full.first->next(full.second);
+    first.next(&second);
     EXPECT_TRUE(full.pool.isValid());
     {
         const Set<void *> start(PageFields::start(*full.first), full.second->firstPageElement());

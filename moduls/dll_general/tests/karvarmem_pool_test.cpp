@@ -471,6 +471,37 @@ TEST(KarVarPageMemory, PointerThatStandsInItsRunIsNotWrittenTo)
         }
 }
 
+TEST(KarVarPageMemory, PointerInATailOrInARunThatMovesIsNotWrittenTo)
+{
+    constexpr std::size_t tail = 16 / sizeof(void *); // of a run that is shortened to 2 elements
+    for (const std::size_t place : {tail, tail + 1, tail + 2}) {
+        Pool pool(8, 8);
+        pool.speicher_Speed(1);
+        void **const run = static_cast<void **>(pool.newElement(6));
+        run[place] = run;
+        EXPECT_EQ(pool.resizeElementLast(run[place], 6, 2), run);
+        EXPECT_EQ(pool.runs(0), (Runs{{16, 48}}));
+        EXPECT_EQ(pool.used(), Counts{2});
+    }
+    for (const std::size_t place : {0u, 1u, 2u}) { // of the same length, which moves
+        Pool pool(8, 8);
+        pool.speicher_Speed(1);
+        void **const run = static_cast<void **>(pool.newElement(3));
+        run[place] = run;
+        EXPECT_EQ(pool.resizeElementLast(run[place], 3, 3), reinterpret_cast<char *>(run) + 24);
+        EXPECT_EQ(pool.runs(0), (Runs{{0, 24}, {48, 16}}));
+        EXPECT_EQ(pool.used(), Counts{3});
+    }
+    for (const std::size_t place : {0u, 1u, 2u}) { // given up whole
+        Pool pool(8, 8);
+        pool.speicher_Speed(1);
+        void **const run = static_cast<void **>(pool.newElement(6));
+        run[place] = run;
+        EXPECT_EQ(pool.resizeElementLast(run[place], 6, 0), nullptr);
+        EXPECT_EQ(pool.runs(0), (Runs{{0, 64}}));
+    }
+}
+
 TEST(KarVarPageMemory, CopySharesEveryField)
 {
     Pool pool(8, 4);

@@ -822,3 +822,23 @@ TEST(KarVarPage, ListThatLeadsBackEnds)
     EXPECT_FALSE(page.give(32, 1));
     EXPECT_EQ(page.elementUsed(), 11);
 }
+
+TEST(KarVarPage, PointerInAReleasedRunIsNotWrittenTo)
+{
+    for (const std::size_t place : {0u, 1u, 3u}) {
+        Page page(8, 8);
+        void **const run = static_cast<void **>(page.newElement(4, 0));
+        run[place] = run;
+        page.deleteElement(run[place], 4);
+        EXPECT_EQ(page.elementUsed(), 0);
+        EXPECT_TRUE(page.isValid());
+        EXPECT_EQ(page.firstFreeElement()->getSize(), 64);
+    }
+    Page page(8, 8);
+    void **const run = static_cast<void **>(page.newElement(6, 0));
+    void **const tail = run + 16 / sizeof *run;
+    *tail = run; // the result is the address of the run, whatever the tail reads then
+    EXPECT_EQ(page.resizeElementLast(*tail, 6, 2), run);
+    EXPECT_TRUE(page.isValid());
+    EXPECT_EQ(page.elementUsed(), 2);
+}

@@ -8,6 +8,7 @@
 struct PagePeek : karPage {
     static int stride(karPage &page) { return page.*&PagePeek::elementFullSize_; }
     static karFreeElement *freeList(karPage &page) { return page.*&PagePeek::firstFreeElement_; }
+    static void dropStorage(karPage &page) { (page.*&PagePeek::initBasis)(); } ///< Another owner has released it.
 };
 
 struct PoolPeek : karPageMemory {
