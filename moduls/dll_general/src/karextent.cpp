@@ -129,7 +129,8 @@ private:
                std::fabs(cy) < farthest * halfHeight;
     }
 
-    /// Adds the samples on both sides of f and of the place opposite, f being the angle of (A, B).
+    /// Adds the samples on both sides of f and of the place opposite, f being the angle of (A, B). Those of 0 and 360
+    /// degrees are one place but for the last bit: behind f comes 0, before it 360, which has a sine below zero.
     template <class Place>
     void addNearest(Range &range, double A, double B, Place place) const
     {
@@ -139,9 +140,6 @@ private:
             range.add(places[0]);
             range.add(places[1]);
         }
-        if (below == 0 || below == 179) // 0 and 360 degrees are one place
-            for (const int i : {0, 360})
-                range.add(place(degrees.cosine[i], degrees.sine[i]));
     }
 
     /// The degree below the angle of (A, B), less half a turn where that is left: 0 to 179. The angle errs by up to 0.22.

@@ -2,15 +2,6 @@
 
 #include <new>
 
-namespace {
-
-// The inline operations are exported too, for hosts that call them.
-[[gnu::used]] constexpr errorCodesKARTORY (FilterMObject::*slotFilter)(karFilterObject *) = &FilterMObject::filter;
-[[gnu::used]] constexpr errorCodesKARTORY (karFilterIdBase::*dispatch)(karFilterObject *) =
-    &karFilterIdBase::filterObject;
-
-} // namespace
-
 filterObjectID karFilterObject::getFilterId() { return filterObjectID(0); }
 
 karFilterIdBase::karFilterIdBase(void *object, FilterMethod method) { filterInit(object, method); }

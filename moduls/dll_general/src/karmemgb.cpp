@@ -107,8 +107,6 @@ void reportWrongSize()
     debugErrorText(0, "Falsche Elementgröße kein Speicher zugewiesen in karGlobalMemory :: deleteMem");
 }
 
-unsigned requestedTotal = 0; // every request plus 8, wrapping; nothing reads it
-
 } // namespace
 
 // ---- The allocator
@@ -142,7 +140,6 @@ void *karGlobalMemory::newMem(unsigned size)
     if (curAnzNew > largestHeapCount || size == 0)
         return nullptr;
     const unsigned total = size + 2 * guardSize;
-    requestedTotal += total;
     if (total > largestPoolBlock || markMemListGlobal == 0)
         return newFromHeap(total);
     karPageMemory &pool = pools[poolOf[total]];

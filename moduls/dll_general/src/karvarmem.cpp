@@ -22,10 +22,12 @@ void *placeAt(const void *base, std::int64_t bytes)
     return static_cast<char *>(const_cast<void *>(base)) + static_cast<std::ptrdiff_t>(bytes);
 }
 
-/// Whether a place lies in the `bytes` from `start` on.
-bool standsIn(const void *place, const void *start, std::int64_t bytes)
+/// Whether a place lies in the `bytes` from `start` on, as far as the storage goes.
+bool standsIn(const void *place, const void *start, std::int64_t bytes, const void *lastOfStorage)
 {
-    return bytes > 0 && addressOf(place) - addressOf(start) < static_cast<std::uint64_t>(bytes);
+    const std::uintptr_t distance = addressOf(place) - addressOf(start);
+    return bytes > 0 && distance < static_cast<std::uint64_t>(bytes) &&
+           distance <= addressOf(lastOfStorage) - addressOf(start);
 }
 
 std::uintptr_t behind(const karFreeVarElement *run) { return addressOf(run->nextStart()); }
@@ -287,7 +289,7 @@ void karVarPage::deleteElement(void *&p, int count)
         const auto offset = static_cast<std::int64_t>(addressOf(p) - addressOf(page->firstPageElement_));
         const std::int64_t room = page->storageBytes() - offset;
         if (offset % page->elementFullSize_ == 0) {
-            standsInRun = standsIn(&p, p, bytes);
+            standsInRun = standsIn(&p, p, bytes, page->lastPageElement_);
             giveRange(p, static_cast<int>(bytes < room ? bytes : room));
         }
     }
@@ -465,7 +467,8 @@ void karVarPageMemory::deleteElement(void *&p, int count)
     if (!page)
         return;
     // The reference may stand in the run itself, whose bytes are free then, or gone.
-    const bool standsInRun = count != 0 && standsIn(&p, p, std::int64_t{page->raised(count)} * elementSize_);
+    const bool standsInRun =
+        count != 0 && standsIn(&p, p, std::int64_t{page->raised(count)} * elementSize_, page->PageEnd());
     void *run = p;
     page->deleteElement(run, count);
     if (!run)
@@ -493,7 +496,7 @@ void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)
         }
     }
     // The reference may stand in the run itself, whose bytes are free then.
-    const bool standsInRun = standsIn(&p, p, std::int64_t{page->raised(oldCount)} * elementSize_);
+    const bool standsInRun = standsIn(&p, p, std::int64_t{page->raised(oldCount)} * elementSize_, page->PageEnd());
     void *kept = p;
     if (kar::wrapMul(kar::wrapSub(oldCount, newCount), elementSize_) >= nodeBytes)
         page->resizeElementLast(kept, oldCount, newCount);

@@ -124,6 +124,9 @@ TEST(SampledBox, EqualsTheScanOnBothSidesOfEveryBound)
             EXPECT_TRUE(equalsTheScan(size, 0.0, 1.0, 2.0, rotation)) << size << ' ' << rotation;
             EXPECT_TRUE(equalsTheScan(0.0, -size, 1.0, 2.0, rotation)) << size << ' ' << rotation;
         }
+    const double c = std::cos(0.7), s = std::sin(0.7);
+    for (int k = 0; k < 360; ++k) // all samples count, and none beyond: x has its extreme at each in turn
+        EXPECT_TRUE(equalsTheScan(0.0, 1e9, std::cos(k * degree) / c, std::sin(k * degree) / s, 0.7)) << k;
     for (double far = 1e4; far < 1e20; far *= 1.5) // from here on the height is lost, bit by bit
         EXPECT_TRUE(equalsTheScan(far, -far, 2.0, 1.0, 0.7)) << far;
 }

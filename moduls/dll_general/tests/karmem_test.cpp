@@ -1308,3 +1308,26 @@ TEST(KarPageMemory, ElementsAreAlignedForTheirLinks)
             EXPECT_EQ(at(pool.newElement()) % 8, 0u);
     }
 }
+
+TEST(KarPageMemory, FirstPageWithRoomIsFoundAmongThousands)
+{
+    karPageMemory pool(16, 2);
+    std::vector<void *> elements;
+    for (int i = 0; i < 2 * 4200; ++i)
+        elements.push_back(pool.newElement());
+    const auto releaseOneOf = [&](std::size_t page) {
+        void *p = elements[2 * page];
+        pool.deleteElement(p);
+    };
+    for (const std::size_t page : {4150u, 130u, 10u}) // the pages beyond 4096 have a level of their own
+        releaseOneOf(page);
+    for (const std::size_t page : {10u, 130u, 4150u})
+        EXPECT_EQ(pool.newElement(), elements[2 * page]);
+    for (const std::size_t page : {10u, 4150u})
+        releaseOneOf(page);
+    for (const std::size_t page : {10u, 4150u})
+        EXPECT_EQ(pool.newElement(), elements[2 * page]);
+    EXPECT_NE(pool.newElement(), nullptr); // from a new page
+    EXPECT_EQ(pool.getAnzElem(), 2 * 4200 + 1);
+    EXPECT_TRUE(pool.isValid());
+}

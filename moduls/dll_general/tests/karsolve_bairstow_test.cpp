@@ -509,6 +509,15 @@ TEST(EqBairstow, OtherDegreesThanThreeAndFourAreGuarded)
     EXPECT_EQ(0, EqBairstow(-3, nullptr, nullptr, karComplex(), karComplex(), 1e-10, passes));
 }
 
+TEST(EqBairstow, ConstantTakesOnePassAndHasNoRoot)
+{
+    ComplexRun constant({{2, 0}});
+    int passes = 10;
+    EXPECT_EQ(0, constant.solve(karComplex(0, 0), karComplex(0, 0), 1e-10, passes)); // 0 / 0 ends it
+    EXPECT_EQ(1, passes);
+    EXPECT_EQ(untouched, constant.x[1].GetReal());
+}
+
 TEST(EqBairstow, AnyDegreeSettlesAtARatioEqualToTheLimit)
 {
     // (x^2 - 1)*(x^2 - 4)*(x - 3) from x^2 - 1: no change at once. x^3 - 3x^2 - 4x + 12 from there: q changes by -3,
