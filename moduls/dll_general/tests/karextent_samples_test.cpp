@@ -2,6 +2,7 @@
 // size, and beyond the bounds within which the nearest samples decide.
 #include "karextent.h"
 
+#include "ellipsescan.h"
 #include "testnumbers.h"
 #include "testrandom.h"
 #include "teststeps.h"
@@ -16,43 +17,6 @@ namespace {
 constexpr double degree = 0.017453292519943295;
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-/// The sample angles' cosines and sines, each from its own call.
-struct Samples {
-    double cosine[361], sine[361];
-
-    Samples()
-    {
-        for (int i = 0; i <= 360; ++i) {
-            const double t = i * degree;
-            cosine[i] = std::cos(t);
-            sine[i] = std::sin(t);
-        }
-    }
-};
-
-/// The steps written out, for a rotation that isn't along or across the axes.
-karD_Rect scanned(double cx, double cy, double a, double b, double rotation)
-{
-    static const Samples samples;
-    const double c = std::cos(rotation), s = std::sin(rotation);
-    double minX = 1e+100, minY = 1e+100, maxX = -1e+100, maxY = -1e+100;
-    for (int i = 0; i <= 360; ++i) {
-        const double u = a * samples.cosine[i];
-        const double v = b * samples.sine[i];
-        const double x = ((u * c) + (v * s)) + cx;
-        const double y = ((u * s) + cy) - (v * c);
-        if (x < minX)
-            minX = x;
-        if (x > maxX)
-            maxX = x;
-        if (y < minY)
-            minY = y;
-        if (y > maxY)
-            maxY = y;
-    }
-    return karD_Rect(minX, minY, maxX, maxY);
-}
 
 bool isSame(const karD_Rect &r, const karD_Rect &o)
 {

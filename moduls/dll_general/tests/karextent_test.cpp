@@ -1,5 +1,6 @@
 #include "karextent.h"
 
+#include "ellipsescan.h"
 #include "goldenrun.h"
 #include "testnumbers.h"
 #include "testrandom.h"
@@ -132,27 +133,6 @@ TEST(BoundingRectOfEllipse, StartsFromPlusAndMinus1e100)
     EXPECT_RECT(-1e100, -1e100, 1e100, 1e100, CalculateBoundingRect(nan, nan, 1, 1, pi / 4), 0);
     EXPECT_RECT(-1e100, -1e100, 1e100, 1e100, CalculateBoundingRect(0, 0, 1, 1, nan), 0);
     EXPECT_RECT(-1e100, -1e100, 1e100, 1e100, CalculateBoundingRect(0, 0, 1, 1, inf), 0);
-}
-
-/// All 361 samples.
-karD_Rect scanned(double cx, double cy, double a, double b, double rotation)
-{
-    const double c = std::cos(rotation), s = std::sin(rotation);
-    double minX = 1e100, minY = 1e100, maxX = -1e100, maxY = -1e100;
-    for (int i = 0; i <= 360; ++i) {
-        const double t = i * 0.017453292519943295;
-        const double u = a * std::cos(t), v = b * std::sin(t);
-        const double x = u * c + v * s + cx, y = u * s + cy - v * c;
-        if (x < minX)
-            minX = x;
-        if (x > maxX)
-            maxX = x;
-        if (y < minY)
-            minY = y;
-        if (y > maxY)
-            maxY = y;
-    }
-    return karD_Rect(minX, minY, maxX, maxY);
 }
 
 karD_Rect plainWhole(double cx, double cy, double a, double b, double r)
