@@ -1,5 +1,7 @@
 #include "drawing.h"
 
+#include "texts.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -31,7 +33,7 @@ namespace {
 
 std::string key(const karString &name)
 {
-    std::string result(static_cast<const char *>(name));
+    std::string result(bytesOf(name));
     std::transform(result.begin(), result.end(), result.begin(), [](unsigned char c) { return std::toupper(c); });
     return result;
 }

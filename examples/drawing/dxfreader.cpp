@@ -200,7 +200,7 @@ public:
             if (!inserted || done.count(inserted))
                 continue;
             if (!open.insert(inserted).second)
-                throw DrawingError(textOf("block \"%s\" inserts itself", static_cast<const char *>(inserted->name)));
+                throw DrawingError(textOf("block \"%s\" inserts itself", bytesOf(inserted->name)));
             walk(*inserted);
             open.erase(inserted);
             done.insert(inserted);

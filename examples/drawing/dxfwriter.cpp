@@ -111,8 +111,7 @@ private:
         const double height = entity.height * shape.up.DistEuk(karD_Point());
         dxf.writeText(*file,
                       DL_TextData(shape.at.x(), shape.at.y(), 0.0, shape.at.x(), shape.at.y(), 0.0, height, 1.0, 0, 0,
-                                  0, std::string(entity.text), "Standard",
-                                  std::atan2(shape.right.y(), shape.right.x())),
+                                  0, bytesOf(entity.text), "Standard", std::atan2(shape.right.y(), shape.right.x())),
                       attributes);
     }
 

@@ -107,8 +107,8 @@ std::string toJson(const Results &results, karFilter &filter)
         }
     }
     Json &findings = report["findings"] = Json::array();
-    for (karMessageLBase *element = filter.getMessageList()->ListFirst(); element; element = element->next())
-        findings.push_back(utf8(std::string(describe(*element->getMessage()))));
+    for (karMessageLBase *element = firstFinding(filter); element; element = element->next())
+        findings.push_back(utf8(bytesOf(describe(*element->getMessage()))));
     report["stopped"] = filter.getBreak() != BreakNone;
     return report.dump(2) + "\n";
 }

@@ -76,7 +76,7 @@ void writeFiles(const Options &options, const Results &results, karFilter &filte
         const std::filesystem::path elsewhere = (folder.empty() ? "/tmp" : folder) / "kartory-drawing.dxf";
         SaveFile file(stream ? elsewhere.string() : options.dxf);
         if (!writeDxf(file.temporary(), results.picture, results.drawing))
-            throw OutputError(options.dxf + ": " + static_cast<const char *>(text("can't be written")));
+            throw OutputError(options.dxf + ": " + bytesOf(text("can't be written")));
         if (stream)
             saveWhole(options.dxf, readFile(file.temporary()));
         else
@@ -98,7 +98,7 @@ void tell(const Results &results)
     printReport(std::cout, results);
     std::cout.flush();
     if (!std::cout)
-        throw OutputError(static_cast<const char *>(text("the report can't be written")));
+        throw OutputError(bytesOf(text("the report can't be written")));
 }
 
 int run(const Options &options, Console &console)
@@ -130,19 +130,22 @@ int main(int argc, char **argv)
 {
     occupyStandardStreams();
     std::signal(SIGXFSZ, SIG_IGN); // a file that grows beyond its limit is a file that can't be written
-    Console console(chooseLanguage(languageChoice(argc, argv)));
+    const Language language = chooseLanguage(languageChoice(argc, argv));
+    Console console(language);
     Options options;
-    if (const auto status = readOptions(argc, argv, options))
-        return *status;
-    console.setLoudness(options.loudness);
-    const std::string source = options.path == "-" ? std::string(text("standard input")) : options.path;
+    std::string source = translated(language, "the command line");
     try {
+        if (const auto status = readOptions(argc, argv, options))
+            return *status;
+        console.setLoudness(options.loudness);
+        source = options.path == "-" ? translated(language, "standard input") : options.path;
         return run(options, console);
     } catch (const DrawingError &error) {
         errorText(0, "%s: %s", source.c_str(), error.what());
         return ExitUnreadable;
     } catch (const std::bad_alloc &) {
-        errorText(0, "%s: %s", source.c_str(), static_cast<const char *>(text("is too large for the memory")));
+        // Not by `text`, which wants memory itself.
+        errorText(0, "%s: %s", source.c_str(), translated(language, "is too large for the memory"));
         return ExitUnreadable;
     } catch (const OutputError &error) {
         console.clearBar();

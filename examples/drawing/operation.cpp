@@ -41,7 +41,7 @@ bool TerminalCtrl::isBreak()
 
 Phase::Phase(karFilter &operation, int start, int end, const char *ownName) : filter(operation), name(ownName)
 {
-    statusText("%s", static_cast<const char *>(text(name)));
+    statusText("%s", bytesOf(text(name)));
     filter.setPercentStartEnd(start, end);
     filter.addPercentLayer();
 }
@@ -61,6 +61,12 @@ bool Phase::next(double fraction)
     return true;
 }
 
+karMessageLBase *firstFinding(karFilter &filter)
+{
+    karMessage *findings = filter.getMessageList();
+    return findings ? findings->ListFirst() : nullptr;
+}
+
 karString describe(const karMessageBase &finding)
 {
     const auto textAt = [&finding](int index) {
@@ -73,22 +79,20 @@ karString describe(const karMessageBase &finding)
     };
     switch (static_cast<int>(finding.getMessageID())) {
     case FindingStopped:
-        return textOf("stopped on request while %s, %d elements done", static_cast<const char *>(textAt(0)),
-                      numberAt(1));
+        return textOf("stopped on request while %s, %d elements done", bytesOf(textAt(0)), numberAt(1));
     case FindingLeftOut:
-        return textOf("%s is left out: %s", static_cast<const char *>(textAt(0)), static_cast<const char *>(textAt(1)));
+        return textOf("%s is left out: %s", bytesOf(textAt(0)), bytesOf(textAt(1)));
     case FindingMissingBlock:
-        return textOf("block \"%s\" is not there", static_cast<const char *>(textAt(0)));
+        return textOf("block \"%s\" is not there", bytesOf(textAt(0)));
     case FindingUnsettled:
-        return textOf("crossings of %s and %s may be missing: the iteration does not settle",
-                      static_cast<const char *>(textAt(0)), static_cast<const char *>(textAt(1)));
+        return textOf("crossings of %s and %s may be missing: the iteration does not settle", bytesOf(textAt(0)),
+                      bytesOf(textAt(1)));
     case FindingUnsettledFoot:
-        return textOf("feet on %s may be missing: the iteration does not settle", static_cast<const char *>(textAt(0)));
+        return textOf("feet on %s may be missing: the iteration does not settle", bytesOf(textAt(0)));
     case FindingTooManyCrossings:
         return textOf("too much lies on one another: the search ended after %d crossings", numberAt(0));
     case FindingSharpCorner:
-        return textOf("%s keeps its corner at %s: its sides are too short", static_cast<const char *>(textAt(0)),
-                      static_cast<const char *>(textAt(1)));
+        return textOf("%s keeps its corner at %s: its sides are too short", bytesOf(textAt(0)), bytesOf(textAt(1)));
     default:
         return karString();
     }
@@ -98,10 +102,10 @@ void tellFindings(karFilter &filter)
 {
     constexpr int told = 10; // of each kind
     std::map<int, int> counts;
-    for (karMessageLBase *element = filter.getMessageList()->ListFirst(); element; element = element->next()) {
+    for (karMessageLBase *element = firstFinding(filter); element; element = element->next()) {
         const karMessageBase &finding = *element->getMessage();
         if (++counts[finding.getMessageID()] <= told)
-            warningText(0, "%s", static_cast<const char *>(describe(finding)));
+            warningText(0, "%s", bytesOf(describe(finding)));
     }
     for (const auto &[id, count] : counts)
         if (count > told)

@@ -77,6 +77,9 @@ private:
     int index = 0;
 };
 
+/// The first finding, the others behind it; null where there is none, and without memory for the list of them.
+karMessageLBase *firstFinding(karFilter &filter);
+
 /// The finding as a sentence in the user's language.
 karString describe(const karMessageBase &finding);
 

@@ -25,7 +25,7 @@ public:
 
 [[noreturn]] void refuse(const char *option, const std::string &value, const char *form)
 {
-    throw UseError(textOf("%s: \"%s\" is not %s", option, value.c_str(), static_cast<const char *>(text(form))));
+    throw UseError(textOf("%s: \"%s\" is not %s", option, value.c_str(), bytesOf(text(form))));
 }
 
 // `least` to `most` finite numbers with commas between them; none where the text is something else.
@@ -145,7 +145,7 @@ struct Words {
 
 void describeOptions(CLI::App &app, Options &options, Words &words)
 {
-    const auto say = [](const char *english) { return std::string(text(english)); };
+    const auto say = [](const char *english) { return std::string(bytesOf(text(english))); };
     const auto label = [&](const char *english) { app.get_formatter()->label(english, say(english)); };
     label("Usage");
     label("OPTIONS");
@@ -246,7 +246,7 @@ std::string languageChoice(int argc, char **argv)
 
 std::optional<int> readOptions(int argc, char **argv, Options &options)
 {
-    CLI::App app(std::string(text("Reads a DXF drawing, reports on it and draws it.")), "kartory-drawing");
+    CLI::App app(bytesOf(text("Reads a DXF drawing, reports on it and draws it.")), "kartory-drawing");
     Words words;
     describeOptions(app, options, words);
     try {
@@ -257,7 +257,7 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
         std::cout.flush();
         return std::cout ? status : ExitUnwritable;
     } catch (const CLI::ParseError &error) {
-        errorText(0, text("%s (--help tells more)"), static_cast<const char *>(describe(app, error)));
+        errorText(0, text("%s (--help tells more)"), bytesOf(describe(app, error)));
         return ExitWrongUse;
     } catch (const UseError &error) {
         errorText(0, "%s", error.what());

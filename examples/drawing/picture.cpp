@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace {
 
@@ -65,13 +66,14 @@ public:
                 continue;
             surroundings = around;
             level = depth;
-            filterObject(entity);
+            refused = refused || filterObject(entity) < 0;
         }
     }
 
     // An empty block counts too each time, so that the work stays bounded.
     bool tooMany() { return stopped = stopped || ++placed > mostPlaced; }
     bool gaveUp() const { return placed > mostPlaced; }
+    bool foundNoHandlers() const { return refused; } // there was no memory for their table
 
 private:
     void handle(EntityKind kind, errorCodesKARTORY (Placer::*method)(karFilterObject *))
@@ -215,7 +217,7 @@ private:
         Shape shape;
         shape.entity = &entity;
         shape.kind = entity.kind;
-        shape.layer = std::string(entity.attributes.layer);
+        shape.layer = bytesOf(entity.attributes.layer);
         if (shape.layer == "0" && !surroundings.layer.empty())
             shape.layer = surroundings.layer;
         const karColor own = entity.attributes.colour;
@@ -304,6 +306,7 @@ private:
     int topLevel = 0;
     double fraction = 0;
     bool stopped = false;
+    bool refused = false;
 };
 
 } // namespace
@@ -312,7 +315,7 @@ std::string nameOf(const Shape &shape)
 {
     std::string name = kindName(shape.kind);
     if (shape.kind == EntityOther)
-        name = std::string(static_cast<const OtherEntity *>(shape.entity)->name);
+        name = bytesOf(static_cast<const OtherEntity *>(shape.entity)->name);
     const std::string handle = handleOf(shape);
     if (!handle.empty())
         name += " " + handle;
@@ -326,7 +329,7 @@ std::string handleOf(const Shape &shape)
         return "";
     karString digits(handle, 16);
     digits.toUpper();
-    return std::string(digits);
+    return bytesOf(digits);
 }
 
 Picture place(const Drawing &drawing, const karTransformationInfo &transformation, karFilter &filter)
@@ -338,6 +341,8 @@ Picture place(const Drawing &drawing, const karTransformationInfo &transformatio
     world.placement = Placement::of(transformation);
     world.colour = karColor(ACAD_COLOR_WHITE);
     placer.placeAll(drawing.entities, world, 0);
+    if (placer.foundNoHandlers())
+        throw std::bad_alloc();
     if (placer.gaveUp()) // not thrown from a handler: the library between knows no exceptions
         throw DrawingError(textOf("places more than %d entities", mostPlaced));
     return picture;

@@ -1,5 +1,7 @@
 #include "placement.h"
 
+#include <new>
+
 namespace {
 
 kar3D_Point axis(const kar3DVector &v) { return kar3D_Point(v.GetX(), v.GetY(), v.GetZ()); }
@@ -23,8 +25,12 @@ Placement Placement::ofExtrusion(const kar3DVector &extrusion)
 Placement Placement::of(const karTransformationInfo &info)
 {
     // One after the other: the product of the three matrices turns and scales the translation as well.
-    const auto image = [&info](double px, double py, double pz) {
-        return ((kar3D_Point(px, py, pz) * info.GetScaleMatrix()) * info.GetRotateMatrix()) * info.GetTranslateMatrix();
+    const karMatrix steps[] = {info.GetScaleMatrix(), info.GetRotateMatrix(), info.GetTranslateMatrix()};
+    for (const karMatrix &step : steps)
+        if (!step.GetData()) // without memory it reads as zeros
+            throw std::bad_alloc();
+    const auto image = [&steps](double px, double py, double pz) {
+        return ((kar3D_Point(px, py, pz) * steps[0]) * steps[1]) * steps[2];
     };
     Placement result;
     result.origin = image(0.0, 0.0, 0.0);

@@ -8,6 +8,7 @@
 #include <array>
 #include <iomanip>
 #include <map>
+#include <new>
 #include <ostream>
 #include <string>
 
@@ -36,12 +37,12 @@ private:
     errorCodesKARTORY count(karFilterObject *item)
     {
         const auto &entity = static_cast<const Entity &>(*item);
-        ++layers[std::string(entity.attributes.layer)][static_cast<std::size_t>(entity.kind)];
+        ++layers[bytesOf(entity.attributes.layer)][static_cast<std::size_t>(entity.kind)];
         return KAR_SUCCESS;
     }
     errorCodesKARTORY countOther(karFilterObject *item)
     {
-        ++others[std::string(static_cast<const OtherEntity &>(*item).name)];
+        ++others[bytesOf(static_cast<const OtherEntity &>(*item).name)];
         return count(item);
     }
 };
@@ -50,7 +51,8 @@ void printInventory(std::ostream &out, const Drawing &drawing)
 {
     Census census;
     for (Entity *entity = drawing.entities.ListFirst(); entity; entity = entity->next())
-        census.filterObject(entity);
+        if (census.filterObject(entity) < 0) // without memory for the table of its handlers
+            throw std::bad_alloc();
     int blocks = 0;
     int inBlocks = 0;
     for (const Block *block = drawing.firstBlock(); block; block = block->nextBlock()) {
@@ -58,7 +60,7 @@ void printInventory(std::ostream &out, const Drawing &drawing)
         inBlocks += block->ListAnzahl();
     }
 
-    printRow(out, std::string(text("layer")), std::string(text("kind")), drawing.entities.ListAnzahl());
+    printRow(out, bytesOf(text("layer")), bytesOf(text("kind")), drawing.entities.ListAnzahl());
     for (const auto &[layer, counts] : census.layers)
         for (int kind = 0; kind < entityKinds; ++kind)
             if (counts[static_cast<std::size_t>(kind)] != 0)
@@ -119,7 +121,7 @@ void printExtents(std::ostream &out, const Measures &measures)
         << '\n';
     for (int kind = 0; kind < entityKinds; ++kind)
         printExtent(out, kindName(static_cast<EntityKind>(kind)), measures.kinds[static_cast<std::size_t>(kind)]);
-    printExtent(out, std::string(text("whole")), measures.whole);
+    printExtent(out, bytesOf(text("whole")), measures.whole);
 }
 
 std::string placeText(const karD_Point &at, int places)

@@ -138,7 +138,7 @@ void saveWhole(const std::string &path, const std::string &content)
         if (file && !standardOutput)
             std::fclose(file);
         if (!written)
-            throw OutputError((standardOutput ? std::string(text("standard output")) : path) + ": " +
+            throw OutputError((standardOutput ? std::string(bytesOf(text("standard output"))) : path) + ": " +
                               std::strerror(error));
         return;
     }

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -31,6 +32,7 @@ constexpr Entry german[] = {
      "Speicher: %ld Anforderungen, jetzt %ld Heapblöcke mit %ld Bytes, große Blöcke jetzt %ld Bytes, höchstens %ld"},
     {"standard input", "Standardeingabe"},
     {"standard output", "Standardausgabe"},
+    {"the command line", "die Kommandozeile"},
     {"is a directory", "ist ein Verzeichnis"},
     {"the report can't be written", "der Bericht ist nicht schreibbar"},
     {"can't be written", "ist nicht schreibbar"},
@@ -152,10 +154,18 @@ const char *translated(Language language, const char *english)
     return english;
 }
 
+const char *bytesOf(const karString &text)
+{
+    const char *bytes = text;
+    return bytes ? bytes : throw std::bad_alloc();
+}
+
 karString text(const char *english)
 {
     karString found(english); // stays where no console is installed
-    return LocalizeString("kartory-drawing", english, found, 0);
+    karString result = LocalizeString("kartory-drawing", english, found, 0);
+    bytesOf(result);
+    return result;
 }
 
 karString textOf(const char *english, ...)
@@ -165,7 +175,9 @@ karString textOf(const char *english, ...)
     va_start(arguments, english);
     const std::string result = expanded(format, arguments);
     va_end(arguments);
-    return karString(result.c_str());
+    karString whole(result.c_str());
+    bytesOf(whole);
+    return whole;
 }
 
 std::string expanded(const char *format, va_list arguments)

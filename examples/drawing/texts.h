@@ -19,10 +19,13 @@ Language chooseLanguage(const std::string &choice);
 /// The English text is the key. Gives the text itself where the language has none of its own.
 const char *translated(Language language, const char *english);
 
-/// The text in the language of the console that is installed, by way of the library.
+/// The bytes of a text of the library. Throws `std::bad_alloc` where it found no memory and is a null pointer.
+const char *bytesOf(const karString &text);
+
+/// The text in the language of the console that is installed, by way of the library. Throws `std::bad_alloc`.
 karString text(const char *english);
 
-/// `text` as a format with its arguments.
+/// `text` as a format with its arguments. Throws `std::bad_alloc`.
 karString textOf(const char *english, ...);
 
 /// A format with its arguments.

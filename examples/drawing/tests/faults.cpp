@@ -1,8 +1,10 @@
 // Faults of the system, preloaded into the program. FAULT holds the word "nameless": no file can be without a name;
-// "kill": the program is killed when it gives a file its name.
+// "kill": the program is killed when it gives a file its name; "memory": of what the library asks the heap for, only the
+// first MEMORY blocks are given.
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -18,7 +20,29 @@ bool asked(const char *fault)
     return wanted && std::strstr(wanted, fault);
 }
 
+// Whether the library itself has come here, from that address.
+bool isLibrary(const void *caller)
+{
+    Dl_info place;
+    return dladdr(caller, &place) != 0 && place.dli_fname && std::strstr(place.dli_fname, "libkrKGeneral");
+}
+
+bool isLeft()
+{
+    static long left = std::strtol(std::getenv("MEMORY"), nullptr, 10);
+    return left-- > 0;
+}
+
 } // namespace
+
+extern "C" __attribute__((visibility("default"))) void *malloc(std::size_t size) noexcept
+{
+    if (asked("memory") && isLibrary(__builtin_return_address(0)) && !isLeft())
+        return nullptr;
+    using Malloc = void *(*)(std::size_t);
+    static const auto next = reinterpret_cast<Malloc>(dlsym(RTLD_NEXT, "malloc"));
+    return next(size);
+}
 
 extern "C" __attribute__((visibility("default"))) int open(const char *path, int flags, ...)
 {

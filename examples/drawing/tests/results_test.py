@@ -185,8 +185,9 @@ class Svg(DrawingTest):
 class Places(DrawingTest):
     """Where results go when the system is against it."""
 
-    def faulty(self, fault, *arguments):
-        return run(*arguments, LD_PRELOAD=FAULTS, FAULT=fault, ASAN_OPTIONS="verify_asan_link_order=0:detect_leaks=0")
+    def faulty(self, fault, *arguments, **changes):
+        return run(*arguments, LD_PRELOAD=FAULTS, FAULT=fault, ASAN_OPTIONS="verify_asan_link_order=0:detect_leaks=0",
+                   **changes)
 
     def test_a_killed_program_leaves_nothing(self):
         path = self.file(drawing(line()))
@@ -214,6 +215,23 @@ class Places(DrawingTest):
         result = run(self.folder / "missing.dxf", "--svg", place)
         self.assertEqual(result.returncode, 3)
         self.assertIn(f"error: {place}: ", result.stderr)
+
+    def test_an_end_of_the_memory_is_told(self):
+        # The library asks for a page at a time; a program that has all its pages does all its work.
+        sample = SAMPLES / "bracket.dxf"
+        whole = self.report(sample).split("Memory: ")[0]
+        out = self.folder / "out.json"
+        statuses = []
+        for pages in range(30):
+            result = self.faulty("memory", sample, "--json", out, MEMORY=str(pages))
+            statuses.append(result.returncode)
+            if result.returncode == 0:
+                self.assertEqual((result.stdout.split("Memory: ")[0], result.stderr), (whole, ""), pages)
+            else:
+                self.assertEqual((result.returncode, result.stderr.count("\n")), (2, 1), (pages, result.stderr))
+                self.assertIn("is too large for the memory\n", result.stderr)
+        self.assertEqual(statuses, sorted(statuses, reverse=True))
+        self.assertEqual(set(statuses), {0, 2})
 
     def test_names_of_any_length_and_bytes(self):
         path = self.file(drawing(line()))
