@@ -22,7 +22,8 @@ static int phase(karFilter &filter, const char *name, int items)
 // The whole: reading takes the first quarter, tracing the rest.
 static int operation(karFilter &filter)
 {
-    filter.getMessageList()->remAllMessage(contourOpen); // those of the run before
+    while (karMessageBase *old = filter.getMessage(contourOpen)) // those of the run before
+        filter.removeMessage(old);
     filter.resetPercent();
     filter.setPercentStartEnd(0, 25); // the stretch of the next phase
     filter.addPercentLayer();
@@ -61,11 +62,14 @@ static void run(karCtrl &ctrl)
     const int done = operation(filter);
     std::printf("%d done%s\n", done, ctrl.getBreak() == BreakSeen ? ", stopped by the user" : "");
 
-    for (karMessageLBase *element = ctrl.getMessageList()->ListFirst(); element; element = element->next()) {
+    karMessage *messages = ctrl.getMessageList(); // null if there was no memory for it
+    for (karMessageLBase *element = messages ? messages->ListFirst() : nullptr; element; element = element->next()) {
         const karMessageBase *message = element->getMessage(); // on loan: it goes with its element
-        if (message->getMessageID() == contourOpen)
-            std::printf("message: open contour in %s, item %d\n",
-                        static_cast<const char *>(message->getParam(0)->getText()), message->getParam(1)->getId());
+        const karDataBase *name = message->getParam(0);        // null where nothing is stored
+        const karDataBase *item = message->getParam(1);
+        if (message->getMessageID() == contourOpen && name && item)
+            std::printf("message: open contour in %s, item %d\n", static_cast<const char *>(name->getText()),
+                        item->getId());
     }
 }
 
