@@ -218,7 +218,9 @@ private:
 void readDxf(const std::string &path, Drawing &drawing, karFilter &filter)
 {
     Phase phase(filter, 0, 25, "reading");
-    readDxfText(checkedDxf(readFile(path)), drawing, phase);
+    const std::string whole = readFile(path, [&phase] { return !phase.next(0); });
+    if (filter.getBreak() == BreakNone)
+        readDxfText(checkedDxf(whole), drawing, phase);
 }
 
 void readDxfText(const std::string &groups, Drawing &drawing, Phase &phase)

@@ -4,9 +4,10 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <memory>
 #include <string_view>
 
 namespace {
@@ -92,29 +93,41 @@ bool isCount(std::string_view entity, int code)
 
 } // namespace
 
-std::string readFile(const std::string &path)
+std::string readFile(const std::string &path, const std::function<bool()> &isStopped)
 {
-    const std::string source = path == "-" ? "/dev/stdin" : path;
+    const bool isStandardInput = path == "-";
     std::error_code none;
-    if (std::filesystem::is_directory(source, none))
+    if (std::filesystem::is_directory(isStandardInput ? "/dev/stdin" : path, none))
         throw DrawingError(text("is a directory"));
-    std::ifstream file(source, std::ios::binary);
-    if (!file)
-        throw DrawingError(std::strerror(errno));
+    const auto close = [isStandardInput](std::FILE *opened) { isStandardInput ? 0 : std::fclose(opened); };
+    std::unique_ptr<std::FILE, decltype(close)> file(isStandardInput ? stdin : nullptr, close);
+    while (!file) {
+        file.reset(std::fopen(path.c_str(), "rb"));
+        if (file)
+            break;
+        if (errno != EINTR)
+            throw DrawingError(std::strerror(errno));
+        if (isStopped())
+            return {};
+    }
     // Piece by piece: a device may have no end.
     constexpr std::size_t megabyte = 1u << 20;
     constexpr int mostMegabytes = 1024;
     std::string content;
-    do {
+    while (!std::feof(file.get())) {
         const std::size_t size = content.size();
         if (size >= mostMegabytes * megabyte)
             throw DrawingError(textOf("is larger than %d MB", mostMegabytes));
         content.resize(size + megabyte);
-        file.read(content.data() + size, megabyte);
-        content.resize(size + static_cast<std::size_t>(file.gcount()));
-    } while (file);
-    if (file.bad())
-        throw DrawingError(text("can't be read"));
+        content.resize(size + std::fread(content.data() + size, 1, megabyte, file.get()));
+        if (std::ferror(file.get()) == 0)
+            continue;
+        if (errno != EINTR)
+            throw DrawingError(std::strerror(errno));
+        if (isStopped())
+            return {};
+        std::clearerr(file.get());
+    }
     if (content.empty())
         throw DrawingError(text("is empty"));
     return content;

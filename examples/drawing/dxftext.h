@@ -4,6 +4,7 @@
 
 #include "texts.h"
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -14,8 +15,10 @@ public:
     explicit DrawingError(const karString &text) : std::runtime_error(text) {}
 };
 
-/// The whole file; "-" is standard input. Throws `DrawingError` for a missing file, a directory and an empty file.
-std::string readFile(const std::string &path);
+/// The whole file; "-" is standard input. Where a signal interrupts the wait for it, `isStopped` tells whether to give
+/// up, and the result is empty then. Throws `DrawingError` for a missing file, a directory and an empty file.
+std::string readFile(
+    const std::string &path, const std::function<bool()> &isStopped = [] { return false; });
 
 /// The groups of a drawing up to and including EOF, one line for each code and each value; what stands behind is
 /// dropped. Every group has a code from -5 to 1071 and a value, which is cut to what the parser takes; real and integer

@@ -126,7 +126,8 @@ karString describe(const CLI::App &app, const CLI::ParseError &error)
     std::vector<std::string> rest = app.remaining();
     rest.erase(std::remove(rest.begin(), rest.end(), "--"), rest.end());
     if (dynamic_cast<const CLI::ExtrasError *>(&error) && !rest.empty())
-        return textOf(rest.front().substr(0, 1) == "-" ? "%s: no such option" : "%s: one drawing at a time",
+        return textOf(rest.front().size() > 1 && rest.front().front() == '-' ? "%s: no such option"
+                                                                             : "%s: one drawing at a time",
                       rest.front().c_str());
     return karString(told.c_str());
 }
@@ -193,6 +194,34 @@ void describeOptions(CLI::App &app, Options &options, Words &words)
         say("Exit status: 0 done, 1 wrong use, 2 unreadable drawing, 3 unwritable result, 130 stopped by Ctrl-C"));
 }
 
+// The parser would take the next word for a value that isn't there, be it an option or the drawing.
+void checkWords(const CLI::App &app, int argc, char **argv)
+{
+    const auto demand = [](const std::string &name) { throw UseError(textOf("%s: needs one value", name.c_str())); };
+    std::string waiting; // the option whose value comes next
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        const std::size_t mark = word.compare(0, 2, "--") == 0 ? word.find('=') : std::string::npos;
+        const std::string name = word.substr(0, mark);
+        const CLI::Option *option = name.size() > 1 && name.front() == '-' ? app.get_option_no_throw(name) : nullptr;
+        if (!waiting.empty() && (option || word == "--"))
+            demand(waiting);
+        if (word == "--")
+            return;
+        const bool isValue = !waiting.empty();
+        waiting.clear();
+        if (isValue || !option)
+            continue;
+        const bool isFlag = option->get_items_expected_max() == 0;
+        if (isFlag && mark != std::string::npos)
+            throw UseError(textOf("%s: takes no value", name.c_str()));
+        if (mark != std::string::npos && mark + 1 == word.size())
+            demand(name);
+        if (!isFlag && mark == std::string::npos)
+            waiting = name;
+    }
+}
+
 // Both given: an empty value is given, too.
 void exclude(const CLI::App &app, const char *one, const char *other)
 {
@@ -250,6 +279,7 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     Words words;
     describeOptions(app, options, words);
     try {
+        checkWords(app, argc, argv);
         app.parse(argc, argv);
         evaluate(app, words, options);
     } catch (const CLI::Success &done) {

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Options, streams and messages, in both languages."""
 import re
+import socket
 import subprocess
 import unittest
 
@@ -41,6 +42,13 @@ class CommandLine(DrawingTest):
         for option in ("--svg", "--dxf", "--json", "--csv", "--text"):
             self.assert_wrong(f"{option}: needs one value", path, option, "")
             self.assert_wrong(f"{option}: needs one value", path, option, "a", option, "b")
+            # A value that isn't there is not the next word.
+            for words in ((f"{option}=", path), (option, "--quiet", path), (option, "-v", path), (option, "--", path)):
+                self.assert_wrong(f"{option}: needs one value", *words)
+        self.assert_wrong("--verbose: takes no value", path, "--verbose=x")
+        self.assert_wrong("--quiet: takes no value", path, "--quiet=")
+        self.assert_wrong("-: one drawing at a time", "-", "-")
+        self.assertEqual([entry.name for entry in self.folder.iterdir()], [path.name])
         self.assert_wrong("--fillet and --chamfer exclude each other", path, "--fillet", 1, "--chamfer", 1)
         self.assert_wrong("--quiet and --verbose exclude each other", path, "-q", "-v")
         self.assert_wrong('--passes: "1e9" is not a whole number', path, "--passes", "1e9")
@@ -93,6 +101,18 @@ class Streams(DrawingTest):
             self.assertEqual((result.returncode, result.stderr), (0, ""))
             self.assertRegex(result.stdout, r"A +LINE +1\n")
         self.assertIn("error: standard input: is empty\n", self.shell('"$0" - </dev/null').stderr)
+        # from where another program has left off
+        result = self.shell('{ dd bs=1 count=2 status=none >&2; "$0" -; } <"$1"')
+        self.assertIn("error: standard input: is not a DXF drawing\n", result.stderr)
+
+    def test_a_drawing_from_a_socket(self):
+        ours, theirs = socket.socketpair()
+        with subprocess.Popen([PROGRAM, "-"], stdin=theirs, stdout=subprocess.PIPE, text=True,
+                              env=environment()) as process:
+            theirs.close()
+            ours.sendall(drawing(line()).encode())
+            ours.close()
+            self.assertRegex(process.communicate(timeout=60)[0], r"A +LINE +1\n")
 
     def test_a_reader_that_has_seen_enough_leaves_the_files_whole(self):
         sample = SAMPLES / "site-plan.dxf"

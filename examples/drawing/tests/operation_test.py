@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Breaks and the bar of progress."""
 import os
+import pathlib
 import re
 import signal
 import subprocess
@@ -63,6 +64,30 @@ class Operation(DrawingTest):
     def test_ctrl_c_twice_ends_the_program(self):
         status, _ = self.interrupted(2)
         self.assertIn(status, (-signal.SIGINT, 130))  # 130 where the break was quicker than the second press
+
+    def wait_until_it_sleeps(self, process):
+        """Until the program catches Ctrl-C and waits for something."""
+        caught = 1 << (signal.SIGINT - 1)
+        end = time.monotonic() + 60
+        while time.monotonic() < end:
+            status = pathlib.Path(f"/proc/{process.pid}/status").read_text()
+            if "State:\tS" in status and int(re.search(r"SigCgt:\s+(\w+)", status)[1], 16) & caught:
+                return
+            time.sleep(0.02)
+
+    def test_ctrl_c_ends_the_wait_for_a_drawing(self):
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
+        for name, fed in (("-", b""), ("-", b"0\nSECTION\n"), (pipe, b"")):
+            with self.subTest(name=name, fed=fed), \
+                    subprocess.Popen([PROGRAM, name], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                     stderr=subprocess.PIPE, env=environment()) as process:
+                process.stdin.write(fed)
+                process.stdin.flush()
+                self.wait_until_it_sleeps(process)
+                process.send_signal(signal.SIGINT)
+                self.assertEqual(process.wait(60), 130)
+                self.assertIn(b"stopped on request while reading, 0 elements done\n", process.stderr.read())
 
     def test_the_bar_is_one_line_that_rises(self):
         start = time.monotonic()
