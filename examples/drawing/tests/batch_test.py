@@ -322,16 +322,28 @@ class Machines(BatchTest):
         self.assertEqual(set(self.hosts()), {f"{ssh} far"})
         self.assertEqual(list((self.folder / "home-far").iterdir()), [])  # nothing stays there
         (self.drawings / "empty.dxf").write_bytes(SAMPLE.read_bytes())
-        result = self.run_batch("--sshlogin", first, "--sshlogin", "1/:", program=PROGRAM)
+        relative = os.path.join(".", os.path.relpath(PROGRAM))
+        result = self.run_batch("--sshlogin", first, "--sshlogin", "1/:", program=relative)
         self.assertIn(f"{len(names) + 3} drawings: {len(names) + 1} done, 2 failed\n", result.stdout)
         self.assert_done([*names, "empty.dxf"])
+        for home in (self.folder, self.folder / "home-far"):    # nor here
+            self.assertEqual([path for path in home.glob(".parallel/tmp/*") if path.name != "sshlogin"], [])
+
+    @unittest.skipUnless(shutil.which("rsync"), "rsync is not installed: scripts/setup batch")
+    def test_a_machine_without_the_program_is_told(self):
+        self.add("a.dxf")
+        ssh = self.script("ssh", SSH.format(folder=self.folder, programs=self.folder))
+        result = self.run_batch("--sshlogin", f"1/{ssh} far", program="no-such-program")
+        self.assertIn(f"    a.dxf: the program is not on {ssh} far\n", result.stdout)
+        result = self.run_batch("--sshlogin", "1/:", program="no-such-program")
+        self.assertIn("    a.dxf: the program is not there\n", result.stdout)
 
     def test_a_machine_out_of_reach_is_told(self):
         self.add("a.dxf")
         ssh = self.script("ssh", "#!/bin/sh\nexit 255\n")
         result = self.run_batch("--sshlogin", f"1/{ssh} nowhere")
         self.assertEqual(result.returncode, 1)
-        self.assertIn("    a.dxf: the machine could not be reached\n", result.stdout)
+        self.assertIn(f"    a.dxf: {ssh} nowhere could not be reached\n", result.stdout)
 
 
 if __name__ == "__main__":
