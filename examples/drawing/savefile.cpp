@@ -36,9 +36,16 @@ SaveFile::SaveFile(const std::string &ownPath) : path(ownPath)
         openNamed();
     struct stat old = {}; // a file that is replaced hands over its mode
     chmod(temporaryPath.c_str(), stat(target.c_str(), &old) == 0 ? old.st_mode & 07777 : usualMode());
+    if (access(temporaryPath.c_str(), W_OK) != 0) { // it is to stay as it is
+        const int error = errno;
+        discard();
+        fail(error);
+    }
 }
 
-SaveFile::~SaveFile()
+SaveFile::~SaveFile() { discard(); }
+
+void SaveFile::discard()
 {
     if (nameless >= 0)
         close(nameless);

@@ -15,7 +15,7 @@ public:
 /// files without a name it is gone with the program too, however that ends.
 class SaveFile {
 public:
-    /// Throws `OutputError` where the directory can't be written.
+    /// Throws `OutputError` where the directory can't be written, and where the file itself mustn't be.
     explicit SaveFile(const std::string &path);
     SaveFile(const SaveFile &) = delete;
     SaveFile &operator=(const SaveFile &) = delete;
@@ -32,6 +32,7 @@ private:
     bool openNameless();
     void openNamed();
     void nameIt();
+    void discard();
     [[noreturn]] void fail(int error) const;
 
     std::string path;

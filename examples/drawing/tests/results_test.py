@@ -233,6 +233,24 @@ class Places(DrawingTest):
         self.assertEqual(statuses, sorted(statuses, reverse=True))
         self.assertEqual(set(statuses), {0, 2})
 
+    def test_a_file_that_must_not_be_written_stays(self):
+        out = self.folder / "out"
+        out.write_text("old")
+        out.chmod(0o444)
+        self.folder.chmod(0o777)
+        user = {"user": 65534} if os.geteuid() == 0 else {}  # nothing is forbidden to root
+        for option in ("--svg", "--dxf", "--json", "--csv", "--text"):
+            try:
+                # before the work: the drawing that isn't there is never looked for
+                result = subprocess.run([PROGRAM, self.folder / "missing", option, out], capture_output=True, text=True,
+                                        timeout=60, env=environment(), **user)
+            except PermissionError as error:
+                self.skipTest(f"another user can't run the program: {error}")
+            self.assertEqual((result.returncode, result.stderr),
+                             (3, f"kartory-drawing: error: {out}: Permission denied\n"), option)
+        self.assertEqual(out.read_text(), "old")
+        self.assertEqual(sorted(entry.name for entry in self.folder.iterdir()), ["out"])
+
     def test_names_of_any_length_and_bytes(self):
         path = self.file(drawing(line()))
         for name in ("x" * 300, "x/" * 3000):
