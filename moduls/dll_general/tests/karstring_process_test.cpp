@@ -364,8 +364,8 @@ TEST(KarString, FormatRoundsAMiddleToTheEvenDigitAndNamesWhatIsNoNumber)
     s.format("%.71f", 0x1p-70 + 0x1p-72); // ...953125
     EXPECT_EQ(s == "0.00000000000000000000105879118406787542383540312584955245256423950195312", 1);
     // More than the middle by what follows in the same nine digits, and by what follows them.
-    s.format("%.54f", 0x1p-61); // ...5703125
-    EXPECT_EQ(s == "0.000000000000000000433680868994201773602981120347976684571", 1);
+    s.format("%.54f", 0x1p-61); // ...6845703125
+    EXPECT_EQ(s == "0.000000000000000000433680868994201773602981120347976685", 1);
     s.format("%.17f", 13 * 0x1p-61); // 5.637...e-18
     EXPECT_EQ(s == "0.00000000000000001", 1);
 #if defined(__linux__)
