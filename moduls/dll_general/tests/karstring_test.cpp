@@ -266,6 +266,10 @@ TEST(KarString, ReadsAsEmptyWithoutABuffer)
     karString::searchStruct table[] = {{"", 1}, {nullptr, 0}};
     EXPECT_EQ(s.searchValue(table, value), -1);
     EXPECT_EQ(value, 5);
+    karString t("abc");
+    t &= s;
+    EXPECT_TRUE(hasState(t, "abc", 3, 16));
+    EXPECT_TRUE(hasState(t & s, "abc", 3, 16));
     EXPECT_TRUE(hasState(s.notIn("x"), "", 0, 16));
     EXPECT_TRUE(hasState(s.replacechar('x', 'y'), "", 0, 16));
     EXPECT_TRUE(hasState(s.removechar('x'), "", 0, 16));
