@@ -209,7 +209,7 @@ protected:
 
 private:
     void enterChain(karVarPage *page);
-    void replaceApart(const karVarPage *page, karVarPage *replacement);
+    void keepApart(const karVarPage *leaving);
     void *moveRun(karVarPage *page, void *run, void *target, int oldCount, int newCount);
 
     // Behind the stated fields: the chains that stand apart from `firstPage`, each by its first page. A copy has none.

@@ -402,6 +402,7 @@ karVarPageMemory &karVarPageMemory::operator=(const karVarPageMemory &other)
 
 karVarPageMemory::~karVarPageMemory()
 {
+    keepApart(nullptr);
     karVarPage *page = firstPage ? firstPage->first() : nullptr;
     while (page || apart) {
         if (!page) {
@@ -548,20 +549,21 @@ void karVarPageMemory::deletePage(karVarPage *page)
     if (!page)
         return;
     kar::leadPast(*page, firstPage, lastPage, currentPage);
-    replaceApart(page, page->next());
+    keepApart(page);
     delete page;
 }
 
-// `firstPage` comes to stand in a chain, which is no longer apart.
 void karVarPageMemory::enterChain(karVarPage *page)
 {
     firstPage = page;
-    if (page)
-        replaceApart(page->first(), nullptr);
+    keepApart(nullptr);
 }
 
-void karVarPageMemory::replaceApart(const karVarPage *page, karVarPage *replacement)
+// Of the chains apart those stay that still are; one that begins with the page `leaving`, if any, loses it.
+void karVarPageMemory::keepApart(const karVarPage *leaving)
 {
     const auto link = [](karVarPage &first) -> karVarPage *& { return first.nextApart; };
-    kar::replaceChain(apart, page, replacement, link);
+    kar::dropJoined(apart, firstPage, link);
+    if (leaving)
+        kar::leadPast(*leaving, apart, link);
 }

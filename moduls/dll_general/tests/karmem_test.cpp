@@ -940,6 +940,70 @@ TEST(KarPageMemory, ChainApartLosesItsFirstPage)
     EXPECT_TRUE(HeapCounts() == before);
 }
 
+TEST(KarPageMemory, ChainsApartThatAHostJoinsGoOnceOnly)
+{
+    for (int way = 0; way < 5; ++way) {
+        SCOPED_TRACE(way);
+        const HeapCounts before;
+        {
+            PoolPeek pool(40, 1);
+            pool.newElement();
+            karPage *chains[2];
+            for (karPage *&chain : chains) {
+                {
+                    AllAllocationsFail failing;
+                    EXPECT_EQ(pool.newElement(), nullptr);
+                }
+                chain = pool.appendPage();
+            }
+            switch (way) {
+            case 0: // behind the first pages
+                chains[0]->append(PoolPeek::firstOf(pool));
+                EXPECT_EQ(pool.newElement(), chains[0]->PageBegin());
+                break;
+            case 1: // in front of them
+                chains[1]->insertFront(PoolPeek::firstOf(pool));
+                EXPECT_EQ(pool.newElement(), chains[1]->PageBegin());
+                break;
+            case 2: // one behind the other, and the front one goes
+                chains[1]->append(chains[0]);
+                pool.deletePage(chains[0]);
+                break;
+            case 3:
+                chains[0]->append(chains[1]);
+                break;
+            default: // reached instead of the first pages
+                chains[1]->append(PoolPeek::firstOf(pool));
+                PoolPeek::firstOf(pool) = chains[0];
+                PoolPeek::firstOf(pool)->append(chains[1]);
+                break;
+            }
+        }
+        EXPECT_TRUE(HeapCounts() == before);
+    }
+}
+
+TEST(KarPageMemory, WayIntoAChainApartThatAHostSetsIsTheOnlyOne)
+{
+    const HeapCounts before;
+    karPage *first;
+    {
+        karPageMemory pool(40, 1);
+        pool.newElement();
+        first = PoolPeek::firstOf(pool);
+        {
+            AllAllocationsFail failing;
+            EXPECT_EQ(pool.newElement(), nullptr);
+        }
+        pool.newElement();
+        PoolPeek::firstOf(pool) = PoolPeek::lastOf(pool);
+        EXPECT_EQ(pool.getAnzElem(), 1);
+    }
+    const Mark direct(0);
+    delete first; // belongs to no pool any more
+    EXPECT_TRUE(HeapCounts() == before);
+}
+
 TEST(KarPageMemory, PointerThatStandsInItsElementIsNotWrittenTo)
 {
     for (int others : {0, 1}) { // the page goes, and it stays
