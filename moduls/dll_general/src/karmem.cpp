@@ -442,7 +442,8 @@ public:
     /// The oldest record of the block, or null.
     karMemory_Entry *find(void *block) const
     {
-        const Record *const found = records.find(keyOf(block));
+        const Record *const found = records.find(
+            keyOf(block), [block](const Record &candidate) { return candidate.record->hentry() == block; });
         return found ? found->record : nullptr;
     }
 
@@ -460,8 +461,8 @@ private:
                             [&record](const Record &candidate) { return candidate.record == &record; });
     }
 
-    // A record may be given a null address, and no key is 0.
-    static std::uintptr_t keyOf(const void *block) { return addressOf(block) + 1; }
+    // A record may be given any address, null included, and no key is 0.
+    static std::uintptr_t keyOf(const void *block) { return addressOf(block) | 1; }
 
     static unsigned recordChanges;
 
