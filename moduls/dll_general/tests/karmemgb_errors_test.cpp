@@ -377,3 +377,25 @@ TEST(Records, GlobalOnesAreReleasedNewestFirstPastThoseOfFreedBlocks)
     EXPECT_EQ(globalMemList->getCurAnzNew(), 2); // their page
     AllocatorPeek::dropRecords(*globalMemList);
 }
+
+TEST(Records, OfAnAllocatorThatEndsReleaseWhatIsStillABlockOfTheHeap)
+{
+    karGlobalMemory *const before = globalMemList;
+    void *live, *damaged;
+    {
+        karGlobalMemory ending;
+        globalMemList = &ending;
+        void *const freed = KarAllocMemory(5000);
+        live = KarAllocMemory(6000);
+        damaged = KarAllocMemory(7000);
+        {
+            const Mark direct(0);
+            KarDellocMemory(freed);
+        }
+        setHeader(damaged, 50); // as if it stood in a pool, and the pools have ended
+    }                           // freed memory is never touched: the sanitizer watches
+    globalMemList = before;
+    EXPECT_EQ(__MemorySize(static_cast<char *>(live) - 4, 0), 0u);
+    EXPECT_EQ(__MemorySize(static_cast<char *>(damaged) - 4, 0), 7008u);
+    __FreeMemory(static_cast<char *>(damaged) - 4);
+}

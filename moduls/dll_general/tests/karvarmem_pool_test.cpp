@@ -575,7 +575,7 @@ TEST(KarVarPageMemory, PointerDirectlyBehindTheRunIsCleared)
     EXPECT_EQ(pool.runs(0), (Runs{{0, 32}}));
 }
 
-TEST(KarVarPageMemory, PointerBelowTheRunIsCleared)
+TEST(KarVarPageMemory, PointerInARunThatIsNotReleasedIsCleared)
 {
     Pool pool(16, 4);
     void **const low = static_cast<void **>(pool.newElement(2));
@@ -583,6 +583,10 @@ TEST(KarVarPageMemory, PointerBelowTheRunIsCleared)
     pool.deleteElement(*low, 2);
     EXPECT_EQ(*low, nullptr);
     EXPECT_EQ(pool.runs(0), (Runs{{32, 32}}));
+    *low = low;
+    pool.deleteElement(*low, 0); // releases nothing, so that it is cleared in the run itself too
+    EXPECT_EQ(*low, nullptr);
+    EXPECT_EQ(pool.used(), Counts{2});
 }
 
 TEST(KarVarPageMemory, CopySharesEveryField)
