@@ -1,4 +1,3 @@
-// A dense matrix of doubles and the 4 by 4 transformations of space.
 #include "karmatrix.h"
 
 #include "karalloc.h"

@@ -348,7 +348,7 @@ karString &karString::operator&=(const karString &other)
 
 // ---- Bounded copies
 
-// The copies and the append of a text that may lie in this buffer: the old one is kept until the text is copied.
+// The copies of a text that may lie in this buffer: the old one is kept until the text is copied.
 void karString::assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate)
 {
     cachedLength = static_cast<unsigned>(newLength);
