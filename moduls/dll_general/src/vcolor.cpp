@@ -114,8 +114,8 @@ struct Parts {
 };
 
 // With m the middle and n > 0 the lowest part, k = 2.0 - m / n tells how much grey goes: the middle part becomes
-// trunc(m - k * n + 0.5), the lowest 0. m - k * n is the whole number 2 * (m - n), and k is above 0 if m is below 2 *
-// n. Without a part strictly between, blue is the middle one. A lowest part of 0 leaves all as it is.
+// trunc(m - k * n + 0.5), the lowest 0. m - k * n is the whole number 2 * (m - n), and k > 0 where m < 2 * n. Without a
+// part strictly between, blue is the middle one. A lowest part of 0 leaves all as it is.
 void removeGrey(Parts &parts, int lowest, int highest)
 {
     const int r = parts.at[0];
@@ -198,8 +198,7 @@ int readPart(const char *from, char *end)
 {
     *end = '\0';
     karString part(from);
-    part.ltrim(nullptr);
-    part.rtrim(nullptr);
+    part.trim();
     int value = 0;
     part.s2int(value); // gives 0 for what it refuses
     return value > 255 ? 255 : value;
