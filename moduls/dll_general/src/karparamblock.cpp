@@ -66,11 +66,7 @@ void karParamBlock::setAngle(int angle)
     }
 }
 
-void karParamBlock::setAngle(double radians)
-{
-    const double v = radians * unitsPerRadian;
-    setAngle(v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5));
-}
+void karParamBlock::setAngle(double radians) { setAngle(kar::roundAway(radians * unitsPerRadian)); }
 
 void karParamBlock::Concat(karParamBlock *o)
 {
