@@ -2,8 +2,6 @@
 
 #include "angles.h"
 
-#include <utility>
-
 namespace {
 
 // Inclusive, in whichever order the two limits lie.
