@@ -194,7 +194,7 @@ karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double
             return start <= t && t <= end;
         if (end <= start)
             return t >= start || t <= end;
-        return false;
+        return false; // a limit is not a number
     };
 
     const double tangent = std::tan(rotation);

@@ -210,19 +210,19 @@ long vColorName::Conv(const char *text)
 {
     karString copy(text);
     char *const start = copy;
-    char *const name = start != nullptr ? std::strstr(start, "RGB") : nullptr;
-    char *const open = name != nullptr ? std::strchr(name, '(') : nullptr;
-    char *const firstComma = open != nullptr ? std::strchr(open, ',') : nullptr;
-    if (firstComma == nullptr)
+    char *const name = start ? std::strstr(start, "RGB") : nullptr;
+    char *const open = name ? std::strchr(name, '(') : nullptr;
+    char *const firstComma = open ? std::strchr(open, ',') : nullptr;
+    if (!firstComma)
         return 0;
     // Each part is read before the next mark is looked for: what it leaves in `errno` stays if that mark is missing.
     const int red = readPart(open + 1, firstComma);
     char *const secondComma = std::strchr(firstComma + 1, ',');
-    if (secondComma == nullptr)
+    if (!secondComma)
         return 0;
     const int green = readPart(firstComma + 1, secondComma);
     char *const close = std::strchr(secondComma + 1, ')');
-    if (close == nullptr)
+    if (!close)
         return 0;
     const int blue = readPart(secondComma + 1, close);
     return kar::wrapAdd(kar::wrapAdd(kar::wrapMul(blue, 0x10000), kar::wrapMul(green, 0x100)), red);
