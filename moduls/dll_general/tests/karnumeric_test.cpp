@@ -109,3 +109,36 @@ TEST(KarNumeric, TruncatesARealAndSaturates)
     for (const Row &row : rows)
         EXPECT_EQ(kar::toInt(row.value), row.expected) << row.value;
 }
+
+TEST(KarNumeric, RoundsHalfAwayFromZeroAndSaturates)
+{
+    struct Row {
+        double value;
+        int expected;
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    const Row rows[] = {
+        {0.0, 0},
+        {-0.0, 0},
+        {0.25, 0},
+        {-0.25, 0},
+        {0.5, 1},
+        {-0.5, -1},
+        {0.49999999999999994, 1}, // the sum with 0.5 is rounded to 1
+        {1.25, 1},
+        {-1.25, -1},
+        {2.5, 3},
+        {-2.5, -3},
+        {2147483646.5, INT_MAX},
+        {2147483647.5, INT_MAX},
+        {-2147483647.5, INT_MIN},
+        {-2147483648.5, INT_MIN},
+        {1e300, INT_MAX},
+        {-1e300, INT_MIN},
+        {infinity, INT_MAX},
+        {-infinity, INT_MIN},
+        {std::numeric_limits<double>::quiet_NaN(), 0},
+    };
+    for (const Row &row : rows)
+        EXPECT_EQ(kar::roundAway(row.value), row.expected) << row.value;
+}
