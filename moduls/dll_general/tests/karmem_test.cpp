@@ -772,18 +772,15 @@ TEST(KarPageMemory, DeleteAllDropsElementsInUse)
 TEST(KarPageMemory, LeavesTheMarkAsItWas)
 {
     for (int mark : {0, 1, 7}) {
-        const int saved = globalMemList->setMarkMemListGlobal(mark);
-        {
-            karPageMemory pool(40, 3);
-            void *p = pool.newElement();
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-            pool.deleteElement(p);
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-            pool.newElement();
-            pool.delete_all();
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-        }
-        globalMemList->setMarkMemListGlobal(saved);
+        const Mark during(mark);
+        karPageMemory pool(40, 3);
+        void *p = pool.newElement();
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
+        pool.deleteElement(p);
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
+        pool.newElement();
+        pool.delete_all();
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
     }
 }
 
