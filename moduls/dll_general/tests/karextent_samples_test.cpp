@@ -19,12 +19,6 @@ constexpr double pi = 3.141592653589793;
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-bool isSame(const karD_Rect &r, const karD_Rect &o)
-{
-    return sameBits(r.left(), o.left()) && sameBits(r.bottom(), o.bottom()) && sameBits(r.right(), o.right()) &&
-           sameBits(r.top(), o.top());
-}
-
 bool equalsTheScan(double cx, double cy, double a, double b, double rotation)
 {
     return isSame(scanned(cx, cy, a, b, rotation), CalculateBoundingRect(cx, cy, a, b, rotation));

@@ -23,8 +23,6 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 /// Left in entries that must not be written.
 constexpr double untouched = 12345.0;
 
-#define EXPECT_BITS(expected, actual) EXPECT_TRUE(sameBits(expected, actual)) << (actual) << " is not " << (expected)
-
 /// One run of `eqbairstow`, with an entry behind the arrays.
 struct RealRun {
     int n;

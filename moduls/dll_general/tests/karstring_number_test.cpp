@@ -1,6 +1,6 @@
 // Texts of real numbers and back, and whole numbers from texts.
-#include "support/exactdecimal.h"
-#include "support/textprobe.h"
+#include "exactdecimal.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
 

@@ -1,6 +1,6 @@
 // Storage, construction, assignment, access, comparison, concatenation and bounded copies of texts.
 // Not tested: a null where none is accepted.
-#include "support/textprobe.h"
+#include "textprobe.h"
 
 #include <climits>
 #include <cstdint>

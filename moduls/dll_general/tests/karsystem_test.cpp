@@ -237,7 +237,7 @@ TEST(System, AnswersStayTheSame)
     EXPECT_EQ(systemBuilt(), systemBuilt());
 }
 
-TEST(System, TypesOfTheExports)
+TEST(System, ExportsHaveTheirTypes)
 {
     static_assert(std::is_same<decltype(systemType()), int>::value, "");
     static_assert(std::is_same<decltype(systemTypeString()), const char *>::value, "");
@@ -277,7 +277,7 @@ TEST(Markers, GiveTheirCodeBack)
     EXPECT_EQ(errornoMethodExt(7, nullptr, 0), 7);
 }
 
-TEST(Markers, Return)
+TEST(Markers, DoNothingAndReturn)
 {
     globalBeep();
     _notready("karMatrix::Inverse()", "moduls/dll_general/src/karmatrix", 1);
