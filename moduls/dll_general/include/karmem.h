@@ -327,7 +327,7 @@ protected:
 
 private:
     void enterChain(karPage *page);
-    void replaceApart(const karPage *page, karPage *replacement);
+    void keepApart(const karPage *leaving);
     void deleteApart();
     static void deleteChain(karPage *page);
 

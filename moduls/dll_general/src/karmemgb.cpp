@@ -190,7 +190,7 @@ void karGlobalMemory::deleteFromHeap(void *p, unsigned header)
             return reportWrongSize();
     }
     HeapBlock *const heapBlock = findHeapBlock(block);
-    if (heapBlock && heapBlock->size == header && header >= 2 * guardSize &&
+    if (heapBlock && heapBlock->size == header && header >= guardSize &&
         readGuard(block + header - guardSize) == header) {
         writeGuard(block + header - guardSize, 0);
         writeGuard(block, 0);

@@ -126,9 +126,9 @@ public:
     {
         gaveUp = true;
         room = &nothing;
-        for (unsigned i = 0; i < used; ++i)
-            if (slots[i].page)
-                removeStretches(slots[i]);
+        for (const Slot *slot = slots; slot != slots + used; ++slot)
+            if (slot->page)
+                removeStretches(*slot);
         smallPages.clear();
         std::free(bits[0]);
         bits[0] = nullptr;

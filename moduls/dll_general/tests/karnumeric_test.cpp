@@ -11,6 +11,14 @@
 static_assert(kar::lengthTolerance == 1e-50 && kar::curveTolerance == 1e-10, "the two tolerances");
 static_assert(kar::wrapAdd(INT_MAX, 1) == INT_MIN && kar::toInt(-2.9) == -2, "usable in constant expressions");
 
+// Constant expressions must be defined, whatever the machine would give.
+static_assert(kar::toInt(-2147483649.0) == INT_MIN && kar::toInt(-3e9) == INT_MIN &&
+                  kar::toInt(2147483648.0) == INT_MAX,
+              "outside of the range");
+static_assert(kar::toSigned(0x7fffffffu) == INT_MAX && kar::toSigned(0x80000000u) == INT_MIN &&
+                  kar::toSigned(0xffffffffu) == -1,
+              "both ends of the range");
+
 TEST(KarNumeric, WrapsSumDifferenceAndProduct)
 {
     EXPECT_EQ(kar::wrapAdd(INT_MAX, 1), INT_MIN);
