@@ -48,7 +48,7 @@ int main()
     EXPECT(operation(filter, 4) == 4);
     EXPECT(ctrl.getGlobalPercent() == 50);
 
-    const karMessageBase *message = ctrl.getMessage(contourOpen); // on loan
+    const karMessageBase *message = ctrl.getMessage(contourOpen);    // on loan
     EXPECT(message && message->getParam(0) && message->getParam(1)); // null where there was no memory
     EXPECT(message->getParam(0)->getText() == "contour");
     EXPECT(message->getParam(1)->getId() == 2);
