@@ -250,6 +250,8 @@ void evaluate(const CLI::App &app, const Words &words, Options &options)
         const std::vector<double> place = numbers(words.nearTo, 2, 2);
         if (place.empty())
             refuse("--nearest", words.nearTo, "X,Y with finite numbers");
+        if (std::max(std::fabs(place[0]), std::fabs(place[1])) > largestCoordinate)
+            refuse("--nearest", words.nearTo, "a place of up to 1e15");
         options.nearTo = karD_Point(place[0], place[1]);
     }
     if (app.count("--passes") != 0)

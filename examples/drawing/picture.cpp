@@ -8,9 +8,8 @@
 
 namespace {
 
-constexpr double largestAngle = 1e6;       // radians; the library's turn-by-turn loops take too long beyond
-constexpr double largestCoordinate = 1e15; // beyond, doubles are too coarse to draw with
-constexpr int mostPlaced = 1000000;        // entities, those of inserted blocks counted each time
+constexpr double largestAngle = 1e6; // radians; the library's turn-by-turn loops take too long beyond
+constexpr int mostPlaced = 1000000;  // entities, those of inserted blocks counted each time
 
 // Where an entity is placed: the coordinates, and what it inherits from the insert of its block.
 struct Surroundings {

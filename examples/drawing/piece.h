@@ -8,6 +8,7 @@
 
 constexpr double pi = 3.141592653589793;
 constexpr double fullTurn = 6.283185307179586;
+constexpr double largestCoordinate = 1e15; ///< beyond, doubles are too coarse to draw with
 
 /// An angle in [0, 2*pi).
 double normalised(double angle);

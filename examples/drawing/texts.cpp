@@ -89,6 +89,7 @@ constexpr Entry german[] = {
      "translate=X,Y, rotate=GRAD oder scale=X[,Y] mit endlichen Zahlen"},
     {"a number above 0", "eine Zahl über 0"},
     {"a whole number from 1 to 1000000", "eine ganze Zahl von 1 bis 1000000"},
+    {"a place of up to 1e15", "ein Ort bis 1e15"},
     {"X,Y with finite numbers", "X,Y mit endlichen Zahlen"},
     {"en or de", "en oder de"},
     {"%s and %s exclude each other", "%s und %s schließen einander aus"},

@@ -53,6 +53,7 @@ class CommandLine(DrawingTest):
         self.assert_wrong("--quiet and --verbose exclude each other", path, "-q", "-v")
         self.assert_wrong('--passes: "1e9" is not a whole number', path, "--passes", "1e9")
         self.assert_wrong('--nearest: "nan,1" is not X,Y', path, "--nearest", "nan,1")
+        self.assert_wrong('--nearest: "0,-2e15" is not a place of up to 1e15', path, "--nearest", "0,-2e15")
         self.assert_wrong('--lang: "fr" is not en or de', path, "--lang", "fr")
 
     def test_wrong_use_is_told_in_the_language_of_the_user(self):
