@@ -9,7 +9,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
