@@ -305,6 +305,28 @@ TEST(KarMemory, RecordOfANullAddressIsFound)
     }
 }
 
+TEST(KarMemory, RecordsOfTheHighestAddressesAreToldApart)
+{
+    for (int others : {3, 50}) { // with few records and with an index over many
+        Memory memory;
+        std::vector<void *> highest;
+        for (std::uintptr_t below = 1; below <= 4; ++below) { // as handles that stand for no block
+            highest.push_back(reinterpret_cast<void *>(0 - below));
+            memory.dxnew(highest.back(), static_cast<unsigned>(1000 * below));
+        }
+        for (int i = 0; i < others; ++i)
+            memory.dxnew(places + i, 1);
+        long sum = 10000 + others;
+        for (const std::size_t which : {1u, 0u, 3u, 2u}) {
+            EXPECT_TRUE(forget(memory, highest[which]));
+            EXPECT_FALSE(forget(memory, highest[which]));
+            sum -= 1000 * static_cast<long>(which + 1);
+            EXPECT_EQ(memory.curr_used_memory(), sum);
+            EXPECT_TRUE(memory.isValid());
+        }
+    }
+}
+
 TEST(KarMemory, SearchWithoutRecordsFindsNothing)
 {
     Memory memory;

@@ -159,6 +159,17 @@ TEST(KarGlobalMemory, NeighboursInAPageStandOneStrideApart)
     }
 }
 
+TEST(KarGlobalMemory, PoolsBetweenAreReadyForTheirSizes)
+{
+    const int strides[] = {20, 30, 40, 50, 60, 80};
+    const int wideStrides[] = {32, 48, 64, 64, 80, 96}; // the size behind the first 12 bytes, up to a multiple of 16
+    for (int number = 1; number <= 6; ++number) {
+        void *p = pool(number).newElement();
+        EXPECT_EQ(PagePeek::stride(*PoolPeek::firstOf(pool(number))), (wide ? wideStrides : strides)[number - 1]);
+        pool(number).deleteElement(p);
+    }
+}
+
 TEST(KarGlobalMemory, ZeroSizeChangesNoCounter)
 {
     const long allocations = globalMemList->getAnzNew();

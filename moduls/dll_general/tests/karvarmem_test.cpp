@@ -672,6 +672,13 @@ TEST(KarVarPage, ReleaseIntoADisorderedListStandsAlone)
     EXPECT_EQ(page.runs(), (Runs{{200, 16}, {400, 16}, {600, -500}}));
     EXPECT_EQ(page.elementUsed(), 98);
 
+    Page oneNode(8, 100);
+    oneNode.takeRange(oneNode.place(0), 800);
+    oneNode.elementUsed_ = 100;
+    setRuns(oneNode, {{400, 16}, {600, -500}});
+    EXPECT_FALSE(oneNode.give(200, 1)); // just long enough for a node
+    EXPECT_EQ(oneNode.runs(), (Runs{{200, 8}, {400, 16}, {600, -500}}));
+
     Page shortRange(6, 100);
     shortRange.takeRange(shortRange.place(0), 600);
     shortRange.elementUsed_ = 100;
