@@ -1,5 +1,6 @@
 #include "vcolor.h"
 
+#include "karcolor.h"
 #include "karnumeric.h"
 #include "karstring.h"
 #include "vcolornames.h"
@@ -11,9 +12,7 @@
 
 namespace {
 
-constexpr int wheelFirst = 10;
-constexpr int wheelLast = 249;
-constexpr int paletteSize = 256;
+constexpr int paletteSize = ACAD_COLOR_RAMP_LAST + 1;
 
 constexpr std::uint32_t pack(int r, int g, int b) { return static_cast<std::uint32_t>(r | (g << 8) | (b << 16)); }
 
@@ -35,7 +34,7 @@ constexpr int wheelPart(int index, int share, int level)
 // All divisions truncate. The shares run from 0 to 4 through red, yellow, green, cyan, blue, magenta and back.
 constexpr std::uint32_t wheelColor(int index)
 {
-    const int hue = (index - wheelFirst) / 10;
+    const int hue = (index - ACAD_COLOR_WHEEL_FIRST) / 10;
     const int level = (10 * (index / 10 + 1) - index) / 2;
     int r = 0;
     int g = 0;
@@ -70,12 +69,12 @@ constexpr Palette makePalette()
 {
     Palette palette{};
     for (int index = 0; index < paletteSize; ++index) {
-        if (index < wheelFirst)
+        if (index < ACAD_COLOR_WHEEL_FIRST)
             palette.packed[index] = fixedColors[index];
-        else if (index <= wheelLast)
+        else if (index <= ACAD_COLOR_WHEEL_LAST)
             palette.packed[index] = wheelColor(index);
         else
-            palette.packed[index] = fixedColors[index - wheelLast - 1 + wheelFirst];
+            palette.packed[index] = fixedColors[index - ACAD_COLOR_RAMP_FIRST + ACAD_COLOR_WHEEL_FIRST];
     }
     return palette;
 }
