@@ -428,8 +428,8 @@ TEST(PlacedCopy, FollowsThePlainMatrixOfItsSteps)
         const double y = m[1][0] * px + m[1][1] * py + insert.y();
 
         const karD_Point place(karD_Point(px, py), &block);
-        // The fixed unit is too large by 1.5e-8 of itself: the angles turn 1.2e-7 too far, which is 0.0024 at a distance
-        // of 20000, and the tangents of the slopes are up to 2e-7 off, which is 0.0008 of a y of 4000.
+        // The fixed unit is too large by 1.5e-8 of itself: the angles turn 1.2e-7 too far, which is 0.0024 at a
+        // distance of 20000, and the tangents of the slopes are up to 2e-7 off, which is 0.0008 of a y of 4000.
         ASSERT_NEAR(place.x(), x, 0.0032) << "step " << i;
         ASSERT_NEAR(place.y(), y, 0.0032) << "step " << i;
         const karPoint grid(random.between(-1000, 1000), random.between(-1000, 1000));
