@@ -364,7 +364,7 @@ TEST(KarMemory, MissingRecordCutsTheOlderOnesOff)
 
 TEST(KarMemory, RecordComesFromTheGeneralAllocatorWhereThePoolHasNone)
 {
-    const int mark = globalMemList->setMarkMemListGlobal(1);
+    const Mark pooled(1);
     {
         karMemory memory;
         PoolPeek::lastOf(MemoryPeek::poolOf(memory)) = nullptr;
@@ -379,7 +379,6 @@ TEST(KarMemory, RecordComesFromTheGeneralAllocatorWhereThePoolHasNone)
         EXPECT_EQ(AllocatorPeek::pool(*globalMemList, 7).getAnzElem(), 2);
     }
     AllocatorPeek::pool(*globalMemList, 7).delete_all();
-    globalMemList->setMarkMemListGlobal(mark);
 }
 
 TEST(KarMemory, CopyFindsTheSameRecords)
@@ -542,13 +541,12 @@ TEST(KarMemory, DestructorReleasesWhatIsStillRegistered)
 TEST(KarMemory, MarkIsClearedForItsOwnRecordsOnly)
 {
     for (int mark : {0, 1, 7}) {
-        const int saved = globalMemList->setMarkMemListGlobal(mark);
+        const Mark during(mark);
         karMemory memory;
         memory.dxnew(places, 1);
         EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
         forget(memory, places);
         EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-        globalMemList->setMarkMemListGlobal(saved);
     }
 }
 
