@@ -280,7 +280,9 @@ public:
 
     /// \name Reading
     /// \{
-    int getAnzElem();                                    ///< Elements in use. Linear in the pages.
+
+    /// Elements in use. Linear in the pages. Where `firstPage` is null the pool goes on with the chain of `lastPage`.
+    int getAnzElem();
     int elementFullSize() const { return elementSize_; } ///< The size given; the pages may use a larger one.
     int elementSize() const { return elementSize_; }     ///< \overload
     int elementCount() const { return elementCount_; }   ///< Elements to a page.
@@ -325,7 +327,7 @@ protected:
 
 private:
     void enterChain(karPage *page);
-    void replaceApart(const karPage *page, karPage *replacement);
+    void keepApart(const karPage *leaving);
     void deleteApart();
     static void deleteChain(karPage *page);
 

@@ -121,15 +121,13 @@ public:
     }
     char &at(unsigned i) { return (*this)[i]; } ///< \overload
     /// An index of any other integer type; negative ones are bad.
-    template <class Integer,
-              class = std::enable_if_t<std::is_integral<Integer>::value && !std::is_same<Integer, unsigned>::value>>
+    template <class Integer, class = std::enable_if_t<std::is_integral<Integer>::value>>
     char &operator[](Integer i)
     {
         return (*this)[toIndex(i)];
     }
     /// \overload
-    template <class Integer,
-              class = std::enable_if_t<std::is_integral<Integer>::value && !std::is_same<Integer, unsigned>::value>>
+    template <class Integer, class = std::enable_if_t<std::is_integral<Integer>::value>>
     char &at(Integer i)
     {
         return (*this)[toIndex(i)];

@@ -8,6 +8,8 @@
 #include "karlist.h"
 #include "karmem.h"
 
+#include <cstdint>
+
 /// The node at the start of a free run. It is made of bytes, since a run may start at any address.
 /// Note: it takes 8 bytes on every target. Where pointers are wider than 32 bits, the link is the distance from the
 /// node itself: a copy computes its own, a link to the node itself or to one 2 GiB away and more reads as null.
@@ -123,11 +125,13 @@ private:
     unsigned char *storage() const { return static_cast<unsigned char *>(firstPageElement_); }
     int storageBytes() const { return elementFullSize_ * elementCount_; }
     bool contains(const void *place) const;
+    bool covers(const void *run, std::int64_t bytes, const void *place) const;
     const karVarPage *pageWith(const void *place) const;
     bool canHoldNode(const void *place) const;
     bool holds(const karFreeVarElement *run) const;
     karFreeVarElement *following(const karFreeVarElement *run) const;
     int raised(int count) const { return count < minElementCount_ ? minElementCount_ : count; }
+    std::int64_t bytesOf(int count) const { return std::int64_t{raised(count)} * elementFullSize_; }
     void linkBehind(karFreeVarElement *before, karFreeVarElement *run);
 
     karVarPage *nextApart = nullptr; // behind the stated fields: see `karVarPageMemory::apart`
@@ -162,7 +166,8 @@ public:
     int elementSize() const { return elementSize_; } ///< Bytes of an element, as given.
     int minElementCount() const { return firstPage ? firstPage->minElementCount() : 0; } ///< 0 without a page.
     ObjektIdies elementType() const { return listType(); }                               ///< As `listType`.
-    int getAnzElem();     ///< Elements in use over the chain. Linear in the pages.
+    /// Elements in use. Linear in the pages. Where `firstPage` is null the pool goes on with the chain of `lastPage`.
+    int getAnzElem();
     bool isValid() const; ///< Whether every page is. For tests; linear.
     /// \}
 
@@ -174,7 +179,7 @@ public:
     /// As `newElement`. With `speicher_Speed` only the last page is tried, and of its free runs the last alone.
     void *appendElement(int count);
     /// Releases the run at `p`, which was requested with `count`, and sets `p` to null; a `p` in no page stays.
-    /// Note: a `p` that itself lies in the run is not written to.
+    /// Note: a `p` that itself lies in the run, or in the page that goes with it, is not written to.
     void deleteElement(void *&p, int count);
     /// Shortens the run at `p`. Without `speicher_Speed` it moves to the first gap that `newElement` finds, a later one
     /// and a new page included. Returns where the run is now; null for a `p` that is null or in no page.
@@ -205,7 +210,7 @@ protected:
 
 private:
     void enterChain(karVarPage *page);
-    void replaceApart(const karVarPage *page, karVarPage *replacement);
+    void keepApart(const karVarPage *leaving);
     void *moveRun(karVarPage *page, void *run, void *target, int oldCount, int newCount);
 
     // Behind the stated fields: the chains that stand apart from `firstPage`, each by its first page. A copy has none.

@@ -1,6 +1,7 @@
 #include "karmem.h"
 
 #include "karmemgb.h"
+#include "karnumeric.h"
 #include "karpool.h"
 #include "karstdio.h"
 #include "pagechain.h"
@@ -98,8 +99,6 @@ karPage::karPage(const karPage &other)
 
 karPage::~karPage()
 {
-    if (elementUsed_ > 0)
-        delete_all();
     if (state.index)
         state.index->remove(*this);
 }
@@ -300,7 +299,7 @@ void karPageMemory::deletePage(karPage *page)
     if (!page)
         return;
     kar::leadPast(*page, firstPage, lastPage, currentPage);
-    replaceApart(page, page->next());
+    keepApart(page);
     {
         const MarkCleared direct;
         delete page;
@@ -308,22 +307,26 @@ void karPageMemory::deletePage(karPage *page)
     PoolAccess::findIndex(*this);
 }
 
-// `firstPage` comes to stand in a chain, which is no longer apart.
 void karPageMemory::enterChain(karPage *page)
 {
     firstPage = page;
-    if (page && state.apart)
-        replaceApart(page->first(), nullptr);
+    keepApart(nullptr);
 }
 
-void karPageMemory::replaceApart(const karPage *page, karPage *replacement)
+// Of the chains apart those stay that still are; one that begins with the page `leaving`, if any, loses it.
+void karPageMemory::keepApart(const karPage *leaving)
 {
+    if (!state.apart)
+        return;
     const auto link = [](karPage &first) -> karPage *& { return first.state.nextApart; };
-    kar::replaceChain(state.apart, page, replacement, link);
+    kar::dropJoined(state.apart, firstPage, link);
+    if (leaving)
+        kar::leadPast(*leaving, state.apart, link);
 }
 
 void karPageMemory::deleteApart()
 {
+    keepApart(nullptr);
     if (!state.apart)
         return;
     const MarkCleared direct;
@@ -346,25 +349,18 @@ int karPageMemory::delete_all()
 {
     if (!firstPage)
         return 0;
+    keepApart(nullptr);
     {
         const MarkCleared direct;
         deleteChain(firstPage->first());
     }
-    deleteApart(); // would be out of reach from now on
     firstPage = currentPage = lastPage = nullptr;
+    deleteApart(); // would be out of reach from now on
     PoolAccess::findIndex(*this);
     return 0;
 }
 
-int karPageMemory::test_delete_all()
-{
-    int result = 0;
-    if (firstPage)
-        for (karPage *page = firstPage->first(); page; page = page->next())
-            if (const int found = page->test_delete_all())
-                result = found;
-    return result;
-}
+int karPageMemory::test_delete_all() { return 0; }
 
 int karPageMemory::getAnzElem()
 {
@@ -375,7 +371,7 @@ int karPageMemory::getAnzElem()
     unsigned sum = 0;
     for (const karPage *page = firstPage->first(); page; page = page->next())
         sum += static_cast<unsigned>(page->elementUsed());
-    return static_cast<int>(sum);
+    return kar::toSigned(sum);
 }
 
 bool karPageMemory::isValid() const
@@ -437,7 +433,8 @@ public:
     /// The oldest record of the block, or null.
     karMemory_Entry *find(void *block) const
     {
-        const Record *const found = records.find(keyOf(block));
+        const Record *const found = records.find(
+            keyOf(block), [block](const Record &candidate) { return candidate.record->hentry() == block; });
         return found ? found->record : nullptr;
     }
 
@@ -455,8 +452,8 @@ private:
                             [&record](const Record &candidate) { return candidate.record == &record; });
     }
 
-    // A record may be given a null address, and no key is 0.
-    static std::uintptr_t keyOf(const void *block) { return addressOf(block) + 1; }
+    // A record may be given any address, null included, and no key is 0.
+    static std::uintptr_t keyOf(const void *block) { return addressOf(block) | 1; }
 
     static unsigned recordChanges;
 
@@ -695,7 +692,7 @@ std::FILE *karMemory::xfopen(const char *name, const char *mode)
         size = std::ftell(file);
         std::fseek(file, 0, SEEK_SET);
     }
-    fileEntries = new karFile_EntryZ(file, static_cast<int>(static_cast<unsigned>(size)), kind, fileEntries);
+    fileEntries = new karFile_EntryZ(file, kar::toSigned(static_cast<unsigned>(size)), kind, fileEntries);
     return file;
 }
 

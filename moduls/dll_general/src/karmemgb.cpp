@@ -167,7 +167,7 @@ void *karGlobalMemory::newFromHeap(unsigned total)
 
 void karGlobalMemory::deleteMem(void *p)
 {
-    if (!p || addressOf(p) == guardSize)
+    if (!p || addressOf(p) == guardSize) // no block begins at address 0
         return;
     char *const block = static_cast<char *>(p) - guardSize;
     void *const element = block - blockShift;
@@ -190,7 +190,7 @@ void karGlobalMemory::deleteFromHeap(void *p, unsigned header)
             return reportWrongSize();
     }
     HeapBlock *const heapBlock = findHeapBlock(block);
-    if (heapBlock && heapBlock->size == header && header >= 2 * guardSize &&
+    if (heapBlock && heapBlock->size == header && header >= guardSize &&
         readGuard(block + header - guardSize) == header) {
         writeGuard(block + header - guardSize, 0);
         writeGuard(block, 0);

@@ -93,8 +93,8 @@ public:
     /// The page of the lowest bit of `roomWord()`, which isn't 0.
     karPage *pageOf(std::uint64_t word) const { return roomSlots[lowestBit(word)].page; }
 
-    /// An element of the page of the lowest bit of `roomWord()`, which is `word`, has been taken, the last one if `full`.
-    /// Only where the pages are few (`fewPages`), which is one word.
+    /// An element of the page of the lowest bit of `roomWord()`, which is `word`, has been taken, the last one if
+    /// `full`. Only where the pages are few (`fewPages`), which is one word.
     void tookFirst(std::uint64_t word, bool full) { *room = word & (word - full); }
 
     /// The page has a free element.
@@ -126,9 +126,9 @@ public:
     {
         gaveUp = true;
         room = &nothing;
-        for (unsigned i = 0; i < used; ++i)
-            if (slots[i].page)
-                removeStretches(slots[i]);
+        for (const Slot *slot = slots; slot != slots + used; ++slot)
+            if (slot->page)
+                removeStretches(*slot);
         smallPages.clear();
         std::free(bits[0]);
         bits[0] = nullptr;

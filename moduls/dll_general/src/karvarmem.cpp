@@ -22,14 +22,6 @@ void *placeAt(const void *base, std::int64_t bytes)
     return static_cast<char *>(const_cast<void *>(base)) + static_cast<std::ptrdiff_t>(bytes);
 }
 
-/// Whether a place lies in the `bytes` from `start` on, as far as the storage goes.
-bool standsIn(const void *place, const void *start, std::int64_t bytes, const void *lastOfStorage)
-{
-    const std::uintptr_t distance = addressOf(place) - addressOf(start);
-    return bytes > 0 && distance < static_cast<std::uint64_t>(bytes) &&
-           distance <= addressOf(lastOfStorage) - addressOf(start);
-}
-
 std::uintptr_t behind(const karFreeVarElement *run) { return addressOf(run->nextStart()); }
 
 } // namespace
@@ -181,6 +173,13 @@ bool karVarPage::contains(const void *place) const
     return addressOf(place) - addressOf(firstPageElement_) < static_cast<std::uintptr_t>(storageBytes());
 }
 
+// Whether a place lies in the `bytes` from a run on, as far as the storage goes.
+bool karVarPage::covers(const void *run, std::int64_t bytes, const void *place) const
+{
+    return contains(place) && addressOf(place) >= addressOf(run) &&
+           static_cast<std::int64_t>(addressOf(place) - addressOf(run)) < bytes;
+}
+
 // The page whose storage holds a place: this one, or any of the chain where a node can link to other pages.
 const karVarPage *karVarPage::pageWith(const void *place) const
 {
@@ -228,7 +227,7 @@ void karVarPage::linkBehind(karFreeVarElement *before, karFreeVarElement *run)
 void *karVarPage::newElement(int count, int fromEnd)
 {
     const int elements = raised(count);
-    const std::int64_t wanted = std::int64_t{elements} * elementFullSize_;
+    const std::int64_t wanted = bytesOf(count);
     karFreeVarElement *chosen = nullptr;
     Walk walk(*this);
     while (fromEnd && walk.run() && following(walk.run()))
@@ -283,13 +282,13 @@ void karVarPage::deleteElement(void *&p, int count)
         if (walk.run() == p)
             return;
     const int elements = raised(count);
-    const std::int64_t bytes = std::int64_t{elements} * elementFullSize_;
+    const std::int64_t bytes = bytesOf(count);
     bool standsInRun = false; // the reference, where the bytes of a free run are then
     if (const karVarPage *const page = pageWith(p)) {
         const auto offset = static_cast<std::int64_t>(addressOf(p) - addressOf(page->firstPageElement_));
         const std::int64_t room = page->storageBytes() - offset;
         if (offset % page->elementFullSize_ == 0) {
-            standsInRun = standsIn(&p, p, bytes, page->lastPageElement_);
+            standsInRun = page->covers(p, bytes, &p);
             giveRange(p, static_cast<int>(bytes < room ? bytes : room));
         }
     }
@@ -403,6 +402,7 @@ karVarPageMemory &karVarPageMemory::operator=(const karVarPageMemory &other)
 
 karVarPageMemory::~karVarPageMemory()
 {
+    keepApart(nullptr);
     karVarPage *page = firstPage ? firstPage->first() : nullptr;
     while (page || apart) {
         if (!page) {
@@ -466,14 +466,15 @@ void karVarPageMemory::deleteElement(void *&p, int count)
     karVarPage *const page = firstPage->search(p);
     if (!page)
         return;
-    // The reference may stand in the run itself, whose bytes are free then, or gone.
-    const bool standsInRun =
-        count != 0 && standsIn(&p, p, std::int64_t{page->raised(count)} * elementSize_, page->PageEnd());
+    // The reference may stand in the run itself, whose bytes are free then, or in the page, which may go.
+    const bool standsInRun = count != 0 && page->covers(p, page->bytesOf(count), &p);
+    const bool standsInPage = page->contains(&p);
     void *run = p;
     page->deleteElement(run, count);
-    if (!run)
+    const bool empty = !run;
+    if (empty)
         deletePage(page);
-    if (!standsInRun)
+    if (!(empty ? standsInPage : standsInRun))
         p = nullptr;
 }
 
@@ -487,7 +488,7 @@ void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)
     if (!speicher_Speed_) {
         if (void *run = newElement(newCount)) {
             const karVarPage *const newPage = firstPage->search(run);
-            const void *const behindOld = placeAt(p, std::int64_t{page->raised(oldCount)} * elementSize_);
+            const void *const behindOld = placeAt(p, page->bytesOf(oldCount));
             const bool directlyBehind = newPage == page && run == behindOld;
             const int used = newPage ? newPage->elementUsed() : 0;
             if (!directlyBehind && kar::wrapMul(used, elementSize_) != newCount)
@@ -496,7 +497,7 @@ void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)
         }
     }
     // The reference may stand in the run itself, whose bytes are free then.
-    const bool standsInRun = standsIn(&p, p, std::int64_t{page->raised(oldCount)} * elementSize_, page->PageEnd());
+    const bool standsInRun = page->covers(p, page->bytesOf(oldCount), &p);
     void *kept = p;
     if (kar::wrapMul(kar::wrapSub(oldCount, newCount), elementSize_) >= nodeBytes)
         page->resizeElementLast(kept, oldCount, newCount);
@@ -548,20 +549,21 @@ void karVarPageMemory::deletePage(karVarPage *page)
     if (!page)
         return;
     kar::leadPast(*page, firstPage, lastPage, currentPage);
-    replaceApart(page, page->next());
+    keepApart(page);
     delete page;
 }
 
-// `firstPage` comes to stand in a chain, which is no longer apart.
 void karVarPageMemory::enterChain(karVarPage *page)
 {
     firstPage = page;
-    if (page)
-        replaceApart(page->first(), nullptr);
+    keepApart(nullptr);
 }
 
-void karVarPageMemory::replaceApart(const karVarPage *page, karVarPage *replacement)
+// Of the chains apart those stay that still are; one that begins with the page `leaving`, if any, loses it.
+void karVarPageMemory::keepApart(const karVarPage *leaving)
 {
     const auto link = [](karVarPage &first) -> karVarPage *& { return first.nextApart; };
-    kar::replaceChain(apart, page, replacement, link);
+    kar::dropJoined(apart, firstPage, link);
+    if (leaving)
+        kar::leadPast(*leaving, apart, link);
 }

@@ -19,18 +19,32 @@ void leadPast(const Page &page, Page *&first, Page *&last, Page *&current)
         current = behind ? behind : before;
 }
 
-/// In a list of chains, each by its first page, the chain that begins with `page` begins with `replacement` from now
-/// on; null takes it off the list. `link` gives the field of a first page that leads to the next chain.
+/// Of a list of chains, each by its first page, those that a host has joined to others meanwhile go off it: the chain
+/// that `wayIn`, if any, stands in, and what begins no chain any more. `link` gives the field of a first page that leads
+/// to the next chain.
 template <class Page, class Link>
-void replaceChain(Page *&chains, const Page *page, Page *replacement, Link link)
+void dropJoined(Page *&chains, const Page *wayIn, Link link)
+{
+    const Page *const reached = wayIn ? wayIn->first() : nullptr;
+    for (Page **entry = &chains; *entry;) {
+        if (*entry == reached || (*entry)->prev())
+            *entry = link(**entry);
+        else
+            entry = &link(**entry);
+    }
+}
+
+/// Before a page goes: in such a list the chain that it begins, if any, begins with its successor from now on.
+template <class Page, class Link>
+void leadPast(const Page &page, Page *&chains, Link link)
 {
     for (Page **entry = &chains; *entry; entry = &link(**entry)) {
-        if (*entry != page)
+        if (*entry != &page)
             continue;
-        Page *const following = link(**entry);
-        if (replacement)
-            link(*replacement) = following;
-        *entry = replacement ? replacement : following;
+        Page *const behind = page.next();
+        if (behind)
+            link(*behind) = link(**entry);
+        *entry = behind ? behind : link(**entry);
         return;
     }
 }

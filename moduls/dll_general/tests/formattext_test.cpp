@@ -77,6 +77,8 @@ TEST(WriteUsualFormat, WritesTheUsualConversions)
     EXPECT_EQ(usual("%x|%5x|%05x|%x", 0u, 0xabcu, 1u, 0xffffffffu), "0|  abc|00001|ffffffff");
     EXPECT_EQ(usual("%f|%.0f|%.1f|%+.1f|%07.2f", 1.5, 2.5, -0.25, 0.5, -1.0), "1.500000|2|-0.2|+0.5|-001.00");
     EXPECT_EQ(usual("%60.12f|", 0.5).size(), 61u);
+    // A half, and a little more than one behind eight zeros.
+    EXPECT_EQ(usual("%.8f|%.8f", 0x1p-9, 0x1p-9 + 0x1p-61), "0.00195312|0.00195313");
     EXPECT_EQ(usual("%.3f|%.40f", 1e-30, std::ldexp(1.0, -80)), "0.000|0.0000000000000000000000008271806125530277");
     EXPECT_EQ(usual("%9d|%19d", 5, 6), "        5|                  6");
 }

@@ -17,20 +17,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-
-std::uintptr_t at(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
-
-/// Distance of two elements of `size` bytes: 8 bytes at least, on 64-bit targets 16 and a multiple of 8.
-int strideOf(int size) { return wide ? (std::max(size, 16) + 7) / 8 * 8 : std::max(size, 8); }
-
-/// Counts of the global allocator that every test leaves as it found them.
-struct HeapCounts {
-    long blocks = globalMemList->getCurAnzNew();
-    long bytes = globalMemList->getCurSizeNew();
-    bool operator==(const HeapCounts &other) const { return blocks == other.blocks && bytes == other.bytes; }
-};
-
 class BasisPage : public karBasisPage {
 public:
     using karBasisPage::checkElement;
@@ -424,7 +410,7 @@ TEST(KarPage, WithoutStorageHasZeroSizesAndNoElement)
         EXPECT_EQ(page.newElement(), nullptr);
         EXPECT_TRUE(page.isValid());
     }
-    if (sizeof(void *) > 4) { // the distance of 2^31 bytes is no int
+    if (wide) { // the distance of 2^31 bytes is no int
         Page page(nullptr, 0x7fffffff, 1);
         EXPECT_EQ(page.PageBegin(), nullptr);
         EXPECT_EQ(page.elementFullSize(), 0);
@@ -786,18 +772,15 @@ TEST(KarPageMemory, DeleteAllDropsElementsInUse)
 TEST(KarPageMemory, LeavesTheMarkAsItWas)
 {
     for (int mark : {0, 1, 7}) {
-        const int saved = globalMemList->setMarkMemListGlobal(mark);
-        {
-            karPageMemory pool(40, 3);
-            void *p = pool.newElement();
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-            pool.deleteElement(p);
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-            pool.newElement();
-            pool.delete_all();
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-        }
-        globalMemList->setMarkMemListGlobal(saved);
+        const Mark during(mark);
+        karPageMemory pool(40, 3);
+        void *p = pool.newElement();
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
+        pool.deleteElement(p);
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
+        pool.newElement();
+        pool.delete_all();
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
     }
 }
 
@@ -940,6 +923,70 @@ TEST(KarPageMemory, ChainApartLosesItsFirstPage)
     EXPECT_TRUE(HeapCounts() == before);
 }
 
+TEST(KarPageMemory, ChainsApartThatAHostJoinsGoOnceOnly)
+{
+    for (int way = 0; way < 5; ++way) {
+        SCOPED_TRACE(way);
+        const HeapCounts before;
+        {
+            PoolPeek pool(40, 1);
+            pool.newElement();
+            karPage *chains[2];
+            for (karPage *&chain : chains) {
+                {
+                    AllAllocationsFail failing;
+                    EXPECT_EQ(pool.newElement(), nullptr);
+                }
+                chain = pool.appendPage();
+            }
+            switch (way) {
+            case 0: // behind the first pages
+                chains[0]->append(PoolPeek::firstOf(pool));
+                EXPECT_EQ(pool.newElement(), chains[0]->PageBegin());
+                break;
+            case 1: // in front of them
+                chains[1]->insertFront(PoolPeek::firstOf(pool));
+                EXPECT_EQ(pool.newElement(), chains[1]->PageBegin());
+                break;
+            case 2: // one behind the other, and the front one goes
+                chains[1]->append(chains[0]);
+                pool.deletePage(chains[0]);
+                break;
+            case 3:
+                chains[0]->append(chains[1]);
+                break;
+            default: // reached instead of the first pages
+                chains[1]->append(PoolPeek::firstOf(pool));
+                PoolPeek::firstOf(pool) = chains[0];
+                PoolPeek::firstOf(pool)->append(chains[1]);
+                break;
+            }
+        }
+        EXPECT_TRUE(HeapCounts() == before);
+    }
+}
+
+TEST(KarPageMemory, WayIntoAChainApartThatAHostSetsIsTheOnlyOne)
+{
+    const HeapCounts before;
+    karPage *first;
+    {
+        karPageMemory pool(40, 1);
+        pool.newElement();
+        first = PoolPeek::firstOf(pool);
+        {
+            AllAllocationsFail failing;
+            EXPECT_EQ(pool.newElement(), nullptr);
+        }
+        pool.newElement();
+        PoolPeek::firstOf(pool) = PoolPeek::lastOf(pool);
+        EXPECT_EQ(pool.getAnzElem(), 1);
+    }
+    const Mark direct(0);
+    delete first; // belongs to no pool any more
+    EXPECT_TRUE(HeapCounts() == before);
+}
+
 TEST(KarPageMemory, PointerThatStandsInItsElementIsNotWrittenTo)
 {
     for (int others : {0, 1}) { // the page goes, and it stays
@@ -1058,7 +1105,7 @@ TEST(KarPageMemory, PagesAppendedAheadAreFilledInTheirOrder)
         EXPECT_EQ(pool.newElement(), pages[i]->PageBegin());
 }
 
-TEST(KarPageMemory, AppendAndDeletePageByHand)
+TEST(KarPageMemory, ServesPagesThatAreAppendedAndDeletedByHand)
 {
     PoolPeek pool(40, 3);
     karPage *const a = pool.appendPage();
@@ -1330,4 +1377,60 @@ TEST(KarPageMemory, FirstPageWithRoomIsFoundAmongThousands)
     EXPECT_NE(pool.newElement(), nullptr); // from a new page
     EXPECT_EQ(pool.getAnzElem(), 2 * 4200 + 1);
     EXPECT_TRUE(pool.isValid());
+}
+
+TEST(KarPageMemory, RoomBeyondThe4096thPageThatIsLostLeavesTheEarlierRoom)
+{
+    karPageMemory pool(16, 2);
+    std::vector<void *> elements;
+    for (int i = 0; i < 2 * 4200; ++i)
+        elements.push_back(pool.newElement());
+    const auto releaseOneOf = [&](std::size_t page) {
+        void *p = elements[page];
+        pool.deleteElement(p);
+        EXPECT_EQ(p, nullptr);
+    };
+    releaseOneOf(2 * 4100);     // the only page with room of those behind the first 4096
+    releaseOneOf(2 * 10);       // one of the first ones
+    releaseOneOf(2 * 4100 + 1); // which goes, and its room with it
+    EXPECT_TRUE(pool.isValid());
+    EXPECT_EQ(pool.newElement(), elements[2 * 10]);
+    releaseOneOf(2 * 4000);
+    releaseOneOf(2 * 4150);
+    EXPECT_EQ(pool.newElement(), elements[2 * 4000]);
+    EXPECT_EQ(pool.newElement(), elements[2 * 4150]);
+    EXPECT_NE(pool.newElement(), nullptr); // from a new page
+    EXPECT_EQ(PoolPeek::pages(pool), 4200);
+    EXPECT_TRUE(pool.isValid());
+}
+
+TEST(KarPageMemory, PointerInTheElementBehindTheReleasedOneIsCleared)
+{
+    karPageMemory pool(16, 3);
+    void **const upper = static_cast<void **>(pool.newElement());
+    *upper = pool.newElement();
+    ASSERT_EQ(*upper, reinterpret_cast<char *>(upper) - 16);
+    pool.deleteElement(*upper);
+    EXPECT_EQ(*upper, nullptr);
+    EXPECT_EQ(pool.getAnzElem(), 1);
+}
+
+TEST(KarPageMemory, AddressesInPagesThatWentAfterTheirChainWasChangedAreUnknown)
+{
+    constexpr int elements = 5000; // pages of some size, which all pools look up together
+    void *gone;
+    {
+        PoolPeek pool(16, elements);
+        gone = pool.newElement();
+        karPage byHand(nullptr, 16, 2);
+        byHand.append(PoolPeek::firstOf(pool));
+        byHand.unchain();
+    }
+    karPageMemory pool(16, elements);
+    void *const own = pool.newElement();
+    const bool sameStorage = PoolPeek::firstOf(pool)->search(gone) != nullptr;
+    void *p = gone; // nothing of the page that went is read for it: the sanitizer watches
+    pool.deleteElement(p);
+    EXPECT_EQ(p, sameStorage ? nullptr : gone);
+    EXPECT_NE(own, nullptr);
 }

@@ -17,14 +17,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-
-struct HeapCounts {
-    long blocks = globalMemList->getCurAnzNew();
-    long bytes = globalMemList->getCurSizeNew();
-    bool operator==(const HeapCounts &other) const { return blocks == other.blocks && bytes == other.bytes; }
-};
-
 /// Addresses that no allocator knows.
 char places[100000];
 
@@ -310,6 +302,28 @@ TEST(KarMemory, RecordOfANullAddressIsFound)
         EXPECT_EQ(memory.curr_used_memory(), others - 1);
         EXPECT_EQ(memory.search_memory_entry(nullptr), nullptr);
         EXPECT_TRUE(memory.isValid());
+    }
+}
+
+TEST(KarMemory, RecordsOfTheHighestAddressesAreToldApart)
+{
+    for (int others : {3, 50}) { // with few records and with an index over many
+        Memory memory;
+        std::vector<void *> highest;
+        for (std::uintptr_t below = 1; below <= 4; ++below) { // as handles that stand for no block
+            highest.push_back(reinterpret_cast<void *>(0 - below));
+            memory.dxnew(highest.back(), static_cast<unsigned>(1000 * below));
+        }
+        for (int i = 0; i < others; ++i)
+            memory.dxnew(places + i, 1);
+        long sum = 10000 + others;
+        for (const std::size_t which : {1u, 0u, 3u, 2u}) {
+            EXPECT_TRUE(forget(memory, highest[which]));
+            EXPECT_FALSE(forget(memory, highest[which]));
+            sum -= 1000 * static_cast<long>(which + 1);
+            EXPECT_EQ(memory.curr_used_memory(), sum);
+            EXPECT_TRUE(memory.isValid());
+        }
     }
 }
 

@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-constexpr unsigned blockShift = wide ? 12 : 0;
-
 void setGuard(void *place, unsigned value) { std::memcpy(place, &value, sizeof value); }
 void setHeader(void *p, unsigned value) { setGuard(static_cast<char *>(p) - 4, value); }
 void setFooter(void *p, unsigned total, unsigned value) { setGuard(static_cast<char *>(p) + total - 8, value); }
@@ -148,6 +145,24 @@ TEST(DamagedGuards, TrackedBlockWithADamagedHeaderStays)
     EXPECT_EQ(globalMemList->getCurAnzNew(), before.blocks - 3);
 }
 
+TEST(DamagedGuards, LargestHeaderThatIsPositiveTakesTheRecordAway)
+{
+    void *const keeper = KarAllocMemory(3000);
+    void *const p = KarAllocMemory(5000);
+    const State before;
+    setHeader(p, 0x7fffffff);
+    KarDellocMemory(p);
+    EXPECT_EQ(globalMemList->getCurAnzNew(), before.blocks);
+    EXPECT_EQ(globalMemList->curr_used_memory(), before.tracked - 5008);
+    setHeader(p, 5008);
+    {
+        const Mark direct(0);
+        KarDellocMemory(p);
+    }
+    KarDellocMemory(keeper);
+    EXPECT_EQ(globalMemList->getCurAnzNew(), 0);
+}
+
 TEST(DamagedGuards, UntrackedBlockWithADamagedGuardStays)
 {
     const Mark direct(0);
@@ -246,6 +261,23 @@ TEST(ForeignAddresses, InAHeapBlockTooShortForGuardsReleaseNothing)
     __FreeMemory(block);
 }
 
+TEST(ForeignAddresses, InAHeapBlockOfGuardsAloneReleaseIt)
+{
+    for (const unsigned size : {8u, 4u}) { // two guards, and one that is both
+        auto *const block = static_cast<char *>(__AllocMemory(size));
+        std::memcpy(block, &size, 4);
+        std::memcpy(block + size - 4, &size, 4);
+        const State before;
+        const Mark cleared(0);
+        KarDellocMemory(block + 4);
+        EXPECT_EQ(__MemorySize(block, 0), 0u);
+        EXPECT_EQ(globalMemList->getCurAnzNew(), before.blocks - 1);
+        EXPECT_EQ(globalMemList->getCurSizeNew(), before.bytes - static_cast<long>(size));
+        globalMemList->setCurAnzNew(static_cast<int>(before.blocks)); // __AllocMemory doesn't count
+        globalMemList->setCurSizeNew(static_cast<int>(before.bytes));
+    }
+}
+
 TEST(ForeignAddresses, InsideAPoolBlockCountAsAReleaseAndDoNotBecomeFree)
 {
     char *const a = static_cast<char *>(KarAllocMemory(500));
@@ -341,4 +373,26 @@ TEST(Records, GlobalOnesAreReleasedNewestFirstPastThoseOfFreedBlocks)
     EXPECT_EQ(globalMemList->curr_used_memory(), expected);
     EXPECT_EQ(globalMemList->getCurAnzNew(), 2); // their page
     AllocatorPeek::dropRecords(*globalMemList);
+}
+
+TEST(Records, OfAnAllocatorThatEndsReleaseWhatIsStillABlockOfTheHeap)
+{
+    karGlobalMemory *const before = globalMemList;
+    void *live, *damaged;
+    {
+        karGlobalMemory ending;
+        globalMemList = &ending;
+        void *const freed = KarAllocMemory(5000);
+        live = KarAllocMemory(6000);
+        damaged = KarAllocMemory(7000);
+        {
+            const Mark direct(0);
+            KarDellocMemory(freed);
+        }
+        setHeader(damaged, 50); // as if it stood in a pool, and the pools have ended
+    }                           // freed memory is never touched: the sanitizer watches
+    globalMemList = before;
+    EXPECT_EQ(__MemorySize(static_cast<char *>(live) - 4, 0), 0u);
+    EXPECT_EQ(__MemorySize(static_cast<char *>(damaged) - 4, 0), 7008u);
+    __FreeMemory(static_cast<char *>(damaged) - 4);
 }

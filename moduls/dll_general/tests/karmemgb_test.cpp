@@ -13,11 +13,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-constexpr unsigned blockShift = wide ? 12 : 0;
-
-std::uintptr_t at(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
-
 unsigned guardAt(const void *place)
 {
     unsigned value;
@@ -161,6 +156,17 @@ TEST(KarGlobalMemory, NeighboursInAPageStandOneStrideApart)
         EXPECT_EQ(KarAllocMemory(sizes[i]), a);
         KarDellocMemory(a);
         KarDellocMemory(b);
+    }
+}
+
+TEST(KarGlobalMemory, PoolsBetweenAreReadyForTheirSizes)
+{
+    const int strides[] = {20, 30, 40, 50, 60, 80};
+    const int wideStrides[] = {32, 48, 64, 64, 80, 96}; // the size behind the first 12 bytes, up to a multiple of 16
+    for (int number = 1; number <= 6; ++number) {
+        void *p = pool(number).newElement();
+        EXPECT_EQ(PagePeek::stride(*PoolPeek::firstOf(pool(number))), (wide ? wideStrides : strides)[number - 1]);
+        pool(number).deleteElement(p);
     }
 }
 

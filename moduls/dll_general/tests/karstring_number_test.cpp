@@ -1,6 +1,6 @@
 // Texts of real numbers and back, and whole numbers from texts.
-#include "support/exactdecimal.h"
-#include "support/textprobe.h"
+#include "exactdecimal.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
 
@@ -234,6 +234,7 @@ TEST(KarString, ReadsRealNumbers)
     EXPECT_EQ(readReal("0.0000000000000000000007"), 7e-22);           // 22 places
     EXPECT_EQ(readReal("0.00000000000000000000007"), 7e-23);          // one more
     EXPECT_EQ(readReal("9007199254740992"), 9007199254740992.0);      // 2^53
+    EXPECT_EQ(readReal("10848760502060.357"), 0x1.3bbd9082e58b7p+43); // above 2^53 without the point
     EXPECT_EQ(readReal("9999999999999999999"), 1e19);                 // 19 digits, 20 and more
     EXPECT_EQ(readReal("18446744073709551617"), 18446744073709552e3); // 2^64 + 1
     EXPECT_EQ(readReal("184467440737095516160"), 18446744073709552e4);

@@ -1,7 +1,7 @@
 // Formatting, trimming, mapping, searching and taking texts apart.
 // Not tested: the size that a format of more than 4 GB asks for.
 #include "karmemgb.h"
-#include "support/textprobe.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
 

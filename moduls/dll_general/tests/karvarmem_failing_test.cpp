@@ -182,6 +182,45 @@ TEST_F(KarVarPageMemory, EmptyPageAtTheStartOfAChainApartIsDropped)
     EXPECT_EQ(pool.lastPage->prev(), nullptr);
 }
 
+TEST_F(KarVarPageMemory, ChainsApartThatAHostJoinsGoOnceOnly)
+{
+    for (int way = 0; way < 5; ++way) { // the sanitizer watches
+        SCOPED_TRACE(way);
+        {
+            BrokenPool pool;
+            karVarPage *const one = pool.appendPage(1);
+            {
+                const AllAllocationsFail failing;
+                pool.newElement(4);
+            }
+            karVarPage *const two = pool.appendPage(1);
+            switch (way) {
+            case 0: // behind the first page
+                one->append(pool.firstPage);
+                EXPECT_EQ(pool.where(pool.newElement(4)), (Place{1, 0}));
+                break;
+            case 1: // in front of it
+                two->insertFront(pool.firstPage);
+                EXPECT_EQ(pool.where(pool.newElement(4)), (Place{0, 0}));
+                break;
+            case 2: // one behind the other, and the front one goes
+                two->append(one);
+                pool.deletePage(one);
+                break;
+            case 3:
+                one->append(two);
+                break;
+            default: // reached instead of the first page
+                two->append(pool.firstPage);
+                one->append(two);
+                pool.firstPage = one;
+                break;
+            }
+        }
+        EXPECT_EQ(blocksInUse(), before);
+    }
+}
+
 TEST_F(KarVarPageMemory, RunIsShortenedInPlaceWithoutMemory)
 {
     Pool pool(4, 6);

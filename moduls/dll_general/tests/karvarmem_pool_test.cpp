@@ -266,6 +266,18 @@ TEST(KarVarPageMemory, CheckMemoryDropsAnEmptyLastPage)
     EXPECT_EQ(roomy.used(), (Counts{5}));
     EXPECT_EQ(roomy.runs(0), (Runs{{40, 360}}));
 
+    Pool parted(6, 100); // a dropped element parts the free runs of an unused page
+    void *const front = parted.newElement(60);
+    void *const dropped = parted.newElement(1);
+    void *const rest = parted.newElement(39);
+    for (const auto &[run, count] : {std::pair{dropped, 1}, std::pair{front, 60}, std::pair{rest, 39}}) {
+        void *p = run;
+        parted.lastPage->deleteElement(p, count);
+    }
+    ASSERT_EQ(parted.runs(0), (Runs{{0, 360}, {366, 234}}));
+    parted.checkMemory(); // the room for 40 need not be the last run
+    EXPECT_EQ(parted.used(), Counts{});
+
     Pool small(8, 39);
     small.appendPage(1);
     small.checkMemory(); // no room for 40 elements
@@ -375,7 +387,7 @@ TEST(KarVarPageMemory, FastPathCutsTheTailOffInPlace)
     EXPECT_EQ(pool.runs(0), (Runs{{0, 16}, {32, 48}}));
 }
 
-TEST(KarVarPageMemory, ResizeToNothing)
+TEST(KarVarPageMemory, ResizeToNothingEmptiesThePageOnTheFastPathAlone)
 {
     Pool pool(8, 10);
     void *const a = pool.newElement(2);
@@ -445,7 +457,7 @@ TEST(KarVarPageMemory, NewRunThatIsAloneOnItsPageIsGivenBackThroughTheOldPage)
     // The old page counts both the run that isn't its own and the tail; the new one keeps its count.
     EXPECT_EQ(pool.used(), (Counts{0, 8}));
     EXPECT_EQ(pool.runs(1), (Runs{{8, 8}}));
-    if (widePointers) {
+    if (wide) {
         EXPECT_EQ(pool.runs(0), (Runs{{8, 8}}));
     } else {
         EXPECT_EQ(pool.runs(0).size(), 2u);
@@ -500,6 +512,81 @@ TEST(KarVarPageMemory, PointerInATailOrInARunThatMovesIsNotWrittenTo)
         EXPECT_EQ(pool.resizeElementLast(run[place], 6, 0), nullptr);
         EXPECT_EQ(pool.runs(0), (Runs{{0, 64}}));
     }
+}
+
+TEST(KarVarPageMemory, PointerInTheLastElementOfThePageIsNotWrittenTo)
+{
+    constexpr std::size_t wordsPerElement = 32 / sizeof(void *);
+    constexpr std::size_t inLastElement = 3 * wordsPerElement + 2; // behind the address at which `search` ends
+    {
+        Pool pool(32, 4);
+        void **const run = static_cast<void **>(pool.newElement(4));
+        run[inLastElement] = run;
+        pool.deleteElement(run[inLastElement], 4); // and the page goes
+        EXPECT_EQ(pool.used(), Counts{});
+    }
+    {
+        Pool pool(32, 4);
+        pool.speicher_Speed(1);
+        void **const run = static_cast<void **>(pool.newElement(4));
+        run[inLastElement] = run;
+        EXPECT_EQ(pool.resizeElementLast(run[inLastElement], 4, 0), nullptr); // given up whole
+        EXPECT_EQ(run[inLastElement], run);
+    }
+    {
+        Pool pool(32, 4);
+        pool.speicher_Speed(1);
+        void *const low = pool.newElement(2);
+        void **const run = static_cast<void **>(pool.newElement(2));
+        void *&place = run[inLastElement - 2 * wordsPerElement];
+        void *p = low;
+        pool.deleteElement(p, 2);
+        place = run;
+        EXPECT_EQ(pool.resizeElementLast(place, 2, 2), low); // moves
+        EXPECT_EQ(place, run);
+    }
+    Pool pool(32, 4);
+    void *other = pool.newElement(3);
+    void **const run = static_cast<void **>(pool.newElement(1));
+    run[2] = run;
+    pool.deleteElement(run[2], 1);
+    EXPECT_EQ(run[2], run);
+    EXPECT_TRUE(pool.isValid());
+    pool.deleteElement(other, 3);
+}
+
+TEST(KarVarPageMemory, PointerInAPageThatGoesIsNotWrittenTo)
+{
+    Pool pool(16, 4);
+    void **const low = static_cast<void **>(pool.newElement(1));
+    low[1] = pool.newElement(1);
+    pool.deleteElement(low[1], 2); // a count that takes the run of the pointer along
+    EXPECT_EQ(pool.used(), Counts{});
+}
+
+TEST(KarVarPageMemory, PointerDirectlyBehindTheRunIsCleared)
+{
+    Pool pool(16, 4);
+    void *const low = pool.newElement(2);
+    void **const high = static_cast<void **>(pool.newElement(2));
+    *high = low;
+    pool.deleteElement(*high, 2);
+    EXPECT_EQ(*high, nullptr);
+    EXPECT_EQ(pool.runs(0), (Runs{{0, 32}}));
+}
+
+TEST(KarVarPageMemory, PointerInARunThatIsNotReleasedIsCleared)
+{
+    Pool pool(16, 4);
+    void **const low = static_cast<void **>(pool.newElement(2));
+    *low = pool.newElement(2);
+    pool.deleteElement(*low, 2);
+    EXPECT_EQ(*low, nullptr);
+    EXPECT_EQ(pool.runs(0), (Runs{{32, 32}}));
+    *low = low;
+    pool.deleteElement(*low, 0); // releases nothing, so that it is cleared in the run itself too
+    EXPECT_EQ(*low, nullptr);
+    EXPECT_EQ(pool.used(), Counts{2});
 }
 
 TEST(KarVarPageMemory, CopySharesEveryField)

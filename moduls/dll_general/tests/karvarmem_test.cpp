@@ -151,7 +151,7 @@ TEST(KarFreeVarElement, LinkOutOfReachReadsAsNullWithWidePointers)
 {
     char bytes[16];
     auto *const run = new (bytes) karFreeVarElement(nullptr, 8);
-    if (!widePointers) { // the link is the pointer itself
+    if (!wide) { // the link is the pointer itself
         run->next(run);
         void *link;
         std::memcpy(&link, bytes, sizeof link);
@@ -178,7 +178,7 @@ TEST(KarVarPage, FieldsStandBehindThoseOfTheBase)
     EXPECT_EQ(offsetIn(page, page.minElementCount_) - offsetIn(page, page.firstFreeElement_),
               static_cast<long>(sizeof(void *)));
     EXPECT_GT(offsetIn(page, page.firstFreeElement_), offsetIn(page, page.elementUsed_));
-    if (!widePointers) {
+    if (!wide) {
         EXPECT_EQ(offsetIn(page, page.firstFreeElement_), 32);
         EXPECT_EQ(offsetIn(page, page.minElementCount_), 36);
     }
@@ -672,6 +672,13 @@ TEST(KarVarPage, ReleaseIntoADisorderedListStandsAlone)
     EXPECT_EQ(page.runs(), (Runs{{200, 16}, {400, 16}, {600, -500}}));
     EXPECT_EQ(page.elementUsed(), 98);
 
+    Page oneNode(8, 100);
+    oneNode.takeRange(oneNode.place(0), 800);
+    oneNode.elementUsed_ = 100;
+    setRuns(oneNode, {{400, 16}, {600, -500}});
+    EXPECT_FALSE(oneNode.give(200, 1)); // just long enough for a node
+    EXPECT_EQ(oneNode.runs(), (Runs{{200, 8}, {400, 16}, {600, -500}}));
+
     Page shortRange(6, 100);
     shortRange.takeRange(shortRange.place(0), 600);
     shortRange.elementUsed_ = 100;
@@ -778,7 +785,7 @@ TEST(KarVarPage, ReleaseOfARunOfAnotherPageIsLinkedOnlyWithNarrowPointers)
     EXPECT_EQ(page.elementUsed(), 2);
     EXPECT_EQ(other.elementUsed(), 4);
     EXPECT_EQ(other.runs(), Runs());
-    if (widePointers) {
+    if (wide) {
         EXPECT_EQ(page.firstFreeElement(), nullptr);
     } else {
         EXPECT_EQ(page.firstFreeElement(), p);
