@@ -280,7 +280,8 @@ public:
 
     /// \name Reading
     /// \{
-    int getAnzElem();                                    ///< Elements in use. Linear in the pages.
+    /// Elements in use. A null `firstPage` becomes `lastPage` first. Linear in the pages.
+    int getAnzElem();
     int elementFullSize() const { return elementSize_; } ///< The size given; the pages may use a larger one.
     int elementSize() const { return elementSize_; }     ///< \overload
     int elementCount() const { return elementCount_; }   ///< Elements to a page.

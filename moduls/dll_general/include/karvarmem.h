@@ -166,7 +166,8 @@ public:
     int elementSize() const { return elementSize_; } ///< Bytes of an element, as given.
     int minElementCount() const { return firstPage ? firstPage->minElementCount() : 0; } ///< 0 without a page.
     ObjektIdies elementType() const { return listType(); }                               ///< As `listType`.
-    int getAnzElem();     ///< Elements in use over the chain. Linear in the pages.
+    /// Elements in use over the chain. A null `firstPage` becomes `lastPage` first. Linear in the pages.
+    int getAnzElem();
     bool isValid() const; ///< Whether every page is. For tests; linear.
     /// \}
 

@@ -547,6 +547,29 @@ TEST(KarMemory, DestructorReleasesWhatIsStillRegistered)
     EXPECT_TRUE(HeapCounts() == before);
 }
 
+TEST(KarMemory, TestDeleteAllGlobalMendsTheWayIntoThePoolWithoutRecordsOnly)
+{
+    Memory memory;
+    karPageMemory &pool = MemoryPeek::poolOf(memory);
+    void *element;
+    {
+        const Mark direct(0);
+        element = pool.newElement();
+    }
+    karPage *const page = PoolPeek::firstOf(pool);
+    memory.dxnew(places, 1);
+    PoolPeek::firstOf(pool) = nullptr;
+    memory.testDeleteAllGlobal();
+    EXPECT_EQ(PoolPeek::firstOf(pool), nullptr);
+    PoolPeek::firstOf(pool) = page;
+    EXPECT_TRUE(forget(memory, places));
+    PoolPeek::firstOf(pool) = nullptr;
+    memory.testDeleteAllGlobal();
+    EXPECT_EQ(PoolPeek::firstOf(pool), page);
+    const Mark direct(0);
+    pool.deleteElement(element);
+}
+
 TEST(KarMemory, MarkIsClearedForItsOwnRecordsOnly)
 {
     for (int mark : {0, 1, 7}) {
