@@ -74,14 +74,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         results.nearTo = karD_Point(1.0, 2.0);
         results.feet = nearestFeet(results.picture, *results.nearTo, 50, filter);
         for (const Crossing &crossing : results.crossings)
-            if (!std::isfinite(crossing.at.x()) || !std::isfinite(crossing.at.y()))
-                std::abort();
+            FUZZ_REQUIRE(std::isfinite(crossing.at.x()) && std::isfinite(crossing.at.y()));
         toSvg(results.picture, results.measures.whole, {});
         toJson(results, filter);
         toCsv(results);
     } catch (const DrawingError &error) {
-        if (*error.what() == '\0')
-            std::abort();
+        FUZZ_REQUIRE(*error.what() != '\0');
     }
     tellFindings(filter);
     return 0;

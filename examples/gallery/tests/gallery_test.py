@@ -2,6 +2,7 @@
 """Runs the gallery as a user would: gallery_test.py PROGRAM [unittest arguments]."""
 import math
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -14,10 +15,8 @@ RESULT = "#d00000"
 
 # Pictures and how many points they report; the others show curves.
 POINTS = {"line-line": 1, "line-arc": 2, "line-ellipse": 2, "line-elliptical-arc": 1, "arc-arc": 2,
-          "ellipse-ellipse": 4,
-          "foot-on-line": 1, "feet-on-ellipse": 4, "circle-through-three-points": 1, "mirror": 0,
-          "fillet": 0, "chamfer": 0,
-          "extents": 0, "arbitrary-axis": 0, "rotated-rectangle": 0, "colour-wheel": 0}
+          "ellipse-ellipse": 4, "foot-on-line": 1, "feet-on-ellipse": 4, "circle-through-three-points": 1, "mirror": 0,
+          "fillet": 0, "chamfer": 0, "extents": 0, "arbitrary-axis": 0, "rotated-rectangle": 0, "colour-wheel": 0}
 
 
 def run(*arguments):
@@ -47,6 +46,10 @@ class Gallery(unittest.TestCase):
             drawn = [path for path in root.iter(SVG + "path") if path.get("stroke") == RESULT]
             self.assertTrue(drawn or POINTS[name] or name == "colour-wheel", name)
         self.assertEqual(len(list(pictures["colour-wheel"].iter(SVG + "path"))), 255)
+
+    def test_the_page_shows_every_picture_once(self):
+        page = (pathlib.Path(__file__).resolve().parents[3] / "docs" / "gallery.md").read_text()
+        self.assertEqual(sorted(re.findall(r"^\\image html (.+)\.svg$", page, re.MULTILINE)), sorted(POINTS))
 
     def test_points_are_where_they_belong(self):
         pictures = self.pictures()

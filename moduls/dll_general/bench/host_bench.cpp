@@ -1,6 +1,7 @@
 // The sample program as a user runs it: its start beside an empty program, and drawings of more and more entities.
 #include <benchmark/benchmark.h>
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,7 +23,7 @@ void runProgram(std::vector<std::string> arguments)
     pointers.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", 1 /* write only */, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     pid_t child = 0;
     int status = -1;
     if (posix_spawn(&child, pointers[0], &actions, nullptr, pointers.data(), environ) == 0)

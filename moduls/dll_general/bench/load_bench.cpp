@@ -1,4 +1,4 @@
-// Loading and unloading the library, and what it takes of memory, beside shared libraries of its kind.
+// Loading and unloading the library, and the size of its code and data, beside GSL.
 #include <benchmark/benchmark.h>
 
 #include <dlfcn.h>

@@ -394,8 +394,8 @@ public:
     kar3D_Point operator-(const kar3D_Dimension &d) const { return kar3D_Pair::operator-(d); }
     kar3D_Point operator*(const kar3D_Dimension &d) const { return kar3D_Pair::operator*(d); }
     kar3D_Point operator/(const kar3D_Dimension &d) const { return kar3D_Pair::operator/(d); }
-    inline kar3D_Point
-    operator+(const kar3DVector &v) const; ///< With the stored x, y, z of the vector: see `karvector.h`.
+    /// With the stored x, y, z of the vector: see `karvector.h`.
+    inline kar3D_Point operator+(const kar3DVector &v) const;
     inline kar3D_Point operator-(const kar3DVector &v) const; ///< \overload
     /// The signed difference (x - o.x, y - o.y, z - o.z).
     kar3D_Point DistDim(const kar3D_Point &o) const { return *this - o; }
@@ -459,9 +459,8 @@ public:
 
     /// \name Unions
     /// The lesser of the two `lo`, the greater of the two `hi`.
-    /// Note: `+` puts the two in order and the third value to 0, `+=` does neither. So the sum of two null
-    /// ranges goes from
-    /// 0.0 to 32767.0.
+    /// Note: `+` puts the two in order and the third value to 0, `+=` does neither. So the sum of two null ranges goes
+    /// from 0.0 to 32767.0.
     /// \{
 
     /// With the single value `v`.

@@ -16,16 +16,16 @@ enum FARBWERTE_SPECIAL : int {
 
 /// The DXF colour index, 0 to 255. Indices without a name here lie on the colour wheel or the ramp of greys.
 enum ACAD_Color : int {
-    ACAD_COLOR_NONE = 0,    ///< black
-    ACAD_COLOR_RED = 1,     ///< (255, 0, 0)
-    ACAD_COLOR_YELLOW = 2,  ///< (255, 255, 0)
-    ACAD_COLOR_GREEN = 3,   ///< (0, 255, 0)
-    ACAD_COLOR_CYAN = 4,    ///< (0, 255, 255)
-    ACAD_COLOR_BLUE = 5,    ///< (0, 0, 255)
-    ACAD_COLOR_MAGENTA = 6, ///< (255, 0, 255)
-    ACAD_COLOR_WHITE = 7,   ///< white; what `karColor::acad` gives for black as well
-    ACAD_COLOR_DARK_GRAY = 8,
-    ACAD_COLOR_GRAY = 9,
+    ACAD_COLOR_NONE = 0,         ///< black
+    ACAD_COLOR_RED = 1,          ///< (255, 0, 0)
+    ACAD_COLOR_YELLOW = 2,       ///< (255, 255, 0)
+    ACAD_COLOR_GREEN = 3,        ///< (0, 255, 0)
+    ACAD_COLOR_CYAN = 4,         ///< (0, 255, 255)
+    ACAD_COLOR_BLUE = 5,         ///< (0, 0, 255)
+    ACAD_COLOR_MAGENTA = 6,      ///< (255, 0, 255)
+    ACAD_COLOR_WHITE = 7,        ///< white; what `karColor::acad` gives for black as well
+    ACAD_COLOR_DARK_GRAY = 8,    ///< (128, 128, 128)
+    ACAD_COLOR_GRAY = 9,         ///< (192, 192, 192)
     ACAD_COLOR_WHEEL_FIRST = 10, ///< 24 hues of ten colours each from here
     ACAD_COLOR_WHEEL_LAST = 249, ///< the last of them
     ACAD_COLOR_RAMP_FIRST = 250, ///< darkest of six greys

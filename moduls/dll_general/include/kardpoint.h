@@ -182,7 +182,7 @@ public:
     /// Rounds half away from zero: trunc(v - 0.5) for a place below 0, otherwise trunc(v + 0.5). Beyond the `int`
     /// range it saturates, not-a-number gives 0.
     /// Note: the sum is rounded before it is truncated, so 0.49999999999999994 gives 1.
-    operator karPoint() const { return karPoint(roundAway(x()), roundAway(y())); }
+    operator karPoint() const { return karPoint(kar::roundAway(x()), kar::roundAway(y())); }
 
     /// The total order, y before x: the difference of the y, or that of the x where the y are equal.
     /// Note: the difference itself, not its sign as in `karD_Dimension`.
@@ -264,19 +264,9 @@ public:
         store((cx + (dx * cosine)) - (dy * sine), (cy + (dx * sine)) + (dy * cosine));
     }
     /// \}
-
-private:
-    static int roundAway(double v) { return v < 0 ? kar::toInt(v - 0.5) : kar::toInt(v + 0.5); }
 };
 
-/// Rounds half away from zero: trunc(v + 0.5) for a place above 0, otherwise trunc(v - 0.5). Saturates like
-/// `karD_Point::operator karPoint`, with the same results.
-inline karPoint &karPoint::operator=(const karD_Point &p)
-{
-    const auto roundAway = [](double v) { return v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5); };
-    x(roundAway(p.x()));
-    y(roundAway(p.y()));
-    return *this;
-}
+/// As `karD_Point::operator karPoint`.
+inline karPoint &karPoint::operator=(const karD_Point &p) { return *this = karPoint(p); }
 
 #endif

@@ -130,7 +130,8 @@ KAR_API bool Calculate_Circle_By_3Points(const double &x1, const double &y1, con
 /// The centre, left of the direction from point 1 to point 2, of the circle through both with the given radius, so that
 /// the short arc runs counter-clockwise from point 1 to point 2. Always true; only the square of `radius` counts.
 /// The centre lies on dx*X + dy*Y + k = 0; with X eliminated, A*Y^2 + B*Y + C = 0 has A = 1 + (dy*dy)/(dx*dx),
-/// B = (2*dy*x1)/dx + (2*k*dy)/(dx*dx) - 2*y1, C = (2*k*x1)/dx + (k*k)/(dx*dx) + y1*y1 + x1*x1 - radius*radius.
+/// B = (2*dy*x1)/dx + (2*k*dy)/(dx*dx) - 2*y1, C = (2*k*x1)/dx + (k*k)/(dx*dx) + y1*y1 + x1*x1 - radius*radius. Where
+/// |dx| < 1e-50, Y is eliminated alike.
 /// Note: where the points are further apart than the diameter, or coincide, the centre is not written.
 KAR_API bool Calculate_Centrepoint_Of_Arc(const double &x1, const double &y1, const double &x2, const double &y2,
                                           const double &radius, double &cx, double &cy);

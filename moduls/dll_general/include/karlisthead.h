@@ -54,10 +54,11 @@ public:
 
     /// \name Reading
     /// \{
-    karListObject *ListFirst() const { return listFirst; }     ///< The first element, null if the list is empty.
-    karListObject *ListLast() const { return listLast; }       ///< The last element, null if the list is empty.
-    karListObject *ListCurrent() const { return listCurrent; } ///< The element last added, null at times.
-    ObjektIdies getListId() const { return listId; }           ///< The id given at construction.
+    karListObject *ListFirst() const { return listFirst; } ///< The first element, null if the list is empty.
+    karListObject *ListLast() const { return listLast; }   ///< The last element, null if the list is empty.
+    /// The element last added, or a neighbour that took its place; null at times.
+    karListObject *ListCurrent() const { return listCurrent; }
+    ObjektIdies getListId() const { return listId; } ///< The id given at construction.
     /// The element if it stands in the list, else null. Linear.
     karListObject *ListExist(const karListObject *element) const;
     int ListAnzahl() const; ///< Elements from the first one on. Linear.
@@ -120,7 +121,7 @@ public:
     Element *ListFirst() const { return static_cast<Element *>(Base::ListFirst()); }
     /// The last element, null if the list is empty.
     Element *ListLast() const { return static_cast<Element *>(Base::ListLast()); }
-    /// The element last added, null at times.
+    /// The element last added, or a neighbour that took its place; null at times.
     Element *ListCurrent() const { return static_cast<Element *>(Base::ListCurrent()); }
     /// The element if it stands in the list, else null. Linear.
     Element *ListExist(const Element *element) const { return static_cast<Element *>(Base::ListExist(element)); }

@@ -280,7 +280,8 @@ public:
 
     /// \name Reading
     /// \{
-    /// Elements in use. A null `firstPage` becomes `lastPage` first. Linear in the pages.
+
+    /// Elements in use. Linear in the pages. Where `firstPage` is null the pool goes on with the chain of `lastPage`.
     int getAnzElem();
     int elementFullSize() const { return elementSize_; } ///< The size given; the pages may use a larger one.
     int elementSize() const { return elementSize_; }     ///< \overload

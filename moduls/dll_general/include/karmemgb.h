@@ -50,9 +50,7 @@ public:
     /// its record behind. A tracked block with a damaged footer loses its record and stays allocated, and one of
     /// 0x80000000 bytes and more is released with the mark cleared only.
     void deleteMem(void *p);
-    /// Asks the pools, from the first on, for their elements up to the first that has some. No block changes; one of
-    /// them may find a way in again, as `karPageMemory::getAnzElem` tells.
-    void testDeleteAll();
+    void testDeleteAll(); ///< Asks the pools for their elements up to the first that has some; releases nothing.
     bool isValid() const; ///< Whether all pools and records are. Linear.
     /// \}
 

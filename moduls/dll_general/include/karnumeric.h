@@ -47,6 +47,9 @@ constexpr int toInt(double value)
     return value > 0 ? 2147483647 : 0;
 }
 
+/// Rounds half away from zero: trunc(value - 0.5) below 0, otherwise trunc(value + 0.5), where `toInt` truncates.
+constexpr int roundAway(double value) { return value < 0 ? toInt(value - 0.5) : toInt(value + 0.5); }
+
 } // namespace kar
 
 #endif

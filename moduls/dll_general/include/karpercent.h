@@ -26,9 +26,8 @@ public:
         end = newEnd;
     }
 
-    /// The percentage of the next outer layer for one of this layer, which is clamped to 0 to 100 first;
-    /// halves round up.
-    /// -1 for the argument -1 and on an invalid range.
+    /// The percentage of the next outer layer for one of this layer, which is clamped to 0 to 100 first; halves round
+    /// up. -1 for the argument -1 and on an invalid range.
     int calcPercent(int percent);
 
 protected:

@@ -17,7 +17,8 @@
 /// text is what stands before the first NUL of the buffer, whatever the cache says.
 ///
 /// Sizes: a buffer grows to exactly the next multiple of 8 that holds what is needed, never further. Bytes of a new
-/// buffer that nothing is written to are 0. A text argument that lies in the receiver counts with its value on entry.
+/// buffer that nothing is written to are 0. A text argument that lies in the receiver counts with its value on entry,
+/// and where the receiver lacks its terminator, it ends with the buffer.
 /// Note: so a loop of appends copies the text at every eighth character, unless `reSize` has made room before.
 ///
 /// After a failed allocation the buffer is null while length and size stay as computed. Such a text reads as empty, and
@@ -120,15 +121,13 @@ public:
     }
     char &at(unsigned i) { return (*this)[i]; } ///< \overload
     /// An index of any other integer type; negative ones are bad.
-    template <class Integer,
-              class = std::enable_if_t<std::is_integral<Integer>::value && !std::is_same<Integer, unsigned>::value>>
+    template <class Integer, class = std::enable_if_t<std::is_integral<Integer>::value>>
     char &operator[](Integer i)
     {
         return (*this)[toIndex(i)];
     }
     /// \overload
-    template <class Integer,
-              class = std::enable_if_t<std::is_integral<Integer>::value && !std::is_same<Integer, unsigned>::value>>
+    template <class Integer, class = std::enable_if_t<std::is_integral<Integer>::value>>
     char &at(Integer i)
     {
         return (*this)[toIndex(i)];
@@ -332,7 +331,7 @@ private:
     bool isTerminated() const { return buffer && !buffer[bufferSize - 1]; }
     int compare(const char *text) const
     {
-        return isTerminated() ? std::strcmp(buffer, text) : compareBounded(text, std::strlen(text));
+        return isTerminated() ? std::strcmp(buffer, text) : compareBounded(text, argumentLength(text));
     }
     int compare(const karString &other) const
     {
@@ -347,6 +346,22 @@ private:
         const void *const end = std::memchr(text, '\0', limit);
         return end ? static_cast<std::size_t>(static_cast<const char *>(end) - text) : limit;
     }
+    // Where `place` stands in the buffer; `bufferSize` or more if it doesn't.
+    std::size_t offsetOf(const char *place) const
+    {
+        return buffer ? reinterpret_cast<std::uintptr_t>(place) - reinterpret_cast<std::uintptr_t>(buffer) : SIZE_MAX;
+    }
+    // The length of an argument, which may lie in this text, where it ends with the buffer at the latest.
+    std::size_t argumentLength(const char *text) const
+    {
+        const std::size_t offset = offsetOf(text);
+        return offset < bufferSize ? boundedLength(text, bufferSize - offset) : std::strlen(text);
+    }
+    std::size_t argumentLength(const char *text, std::size_t limit) const // at most `limit`
+    {
+        const std::size_t offset = offsetOf(text);
+        return boundedLength(text, offset < bufferSize && bufferSize - offset < limit ? bufferSize - offset : limit);
+    }
     unsigned measured() const { return buffer ? static_cast<unsigned>(boundedLength(buffer, bufferSize)) : 0; }
     static unsigned reserveFor(std::uint64_t count) // with 8 bytes of spare room; more than fits fails
     {
@@ -357,6 +372,7 @@ private:
     void obtainText(const char *text, std::size_t count, std::uint64_t needed);
     char *grow(std::uint64_t want);
     karString &append(const char *text, std::size_t count, std::uint64_t n);
+    void replaceBuffer(const char *src, std::size_t count, std::uint64_t needed);
     void assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate);
     karString masked(char c, unsigned count) const;
     void cutControls();

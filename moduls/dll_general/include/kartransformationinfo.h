@@ -114,7 +114,7 @@ public:
     /// Adds the translation, multiplies the scale, adds the rotation.
     karTransformationInfo &operator+=(const karTransformationInfo &o);
     /// Subtracts the translation, divides the scale, subtracts the rotation. A place of the scale stays as it is where
-    /// that of `o` is smaller than 1e-50 in absolute value.
+    /// that of `o` is smaller than 1e-50 in absolute value or not a number.
     karTransformationInfo &operator-=(const karTransformationInfo &o);
     /// \}
 

@@ -166,7 +166,7 @@ public:
     int elementSize() const { return elementSize_; } ///< Bytes of an element, as given.
     int minElementCount() const { return firstPage ? firstPage->minElementCount() : 0; } ///< 0 without a page.
     ObjektIdies elementType() const { return listType(); }                               ///< As `listType`.
-    /// Elements in use over the chain. A null `firstPage` becomes `lastPage` first. Linear in the pages.
+    /// Elements in use. Linear in the pages. Where `firstPage` is null the pool goes on with the chain of `lastPage`.
     int getAnzElem();
     bool isValid() const; ///< Whether every page is. For tests; linear.
     /// \}

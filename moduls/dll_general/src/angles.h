@@ -1,4 +1,4 @@
-// Angles in radians: the constants, and how one is brought into a full turn. Internal.
+// Angles in radians: the constants, and how one is brought into a full turn.
 #ifndef KAR_ANGLES_H
 #define KAR_ANGLES_H
 

@@ -1,4 +1,4 @@
-// The axis terms of an ellipse, and the incidence tests in them. Internal.
+// The axis terms of an ellipse, and the incidence tests in them.
 #ifndef KAR_ELLIPSE_AXES_H
 #define KAR_ELLIPSE_AXES_H
 

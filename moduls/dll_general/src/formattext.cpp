@@ -2,7 +2,6 @@
 
 #include "numbertext.h"
 
-#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <cstring>

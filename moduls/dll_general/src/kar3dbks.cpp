@@ -1,4 +1,3 @@
-// User and object coordinate systems.
 #include "kar3dbks.h"
 
 #include "karincidence.h"

@@ -10,7 +10,7 @@ karColor &karColor::operator=(ACAD_Color c)
 void karColor::init(ACAD_Color c)
 {
     *this = c;
-    if (c < 0 || c > 255) // an unknown index means the colour of the layer
+    if (c < ACAD_COLOR_NONE || c > ACAD_COLOR_RAMP_LAST) // an unknown index means the colour of the layer
         mark(FARBWERT_VONLAYER);
 }
 

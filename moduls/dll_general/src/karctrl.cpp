@@ -119,8 +119,6 @@ karMessageBase &karMessageBase::setBuilt(int index, karDataBase *value)
 
 void karMessageBase::Delete(int index)
 {
-    if (!hasSlot(index))
-        return;
     delete params[index];
     params[index] = nullptr;
 }

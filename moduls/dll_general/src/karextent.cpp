@@ -113,11 +113,11 @@ private:
         return ((u * s) + cy) - (v * c);
     }
 
-    /// Whether the samples that `addNearest` takes are the extremes of all. Of A*cos(t - f) the one nearest to f is at most
-    /// half a degree away and any that is left out at least one, or 0.22 and 0.78 where the angle errs: the first is higher
-    /// by 8e-5*A. Rounding, and sines with errors up to 1e-6, stay far below that for a centre within 1e7 half heights: y
-    /// is rounded with it before its last difference, x only at the end, which keeps the order. An extreme of 0 is the
-    /// difference of equal numbers that aren't 0, so it is +0 whichever sample is the first.
+    /// Whether the samples that `addNearest` takes are the extremes of all. Of A*cos(t - f) the one nearest to f is at
+    /// most half a degree away and any that is left out at least one, or 0.22 and 0.78 where the angle errs: the first
+    /// is higher by 8e-5*A. Rounding, and sines with errors up to 1e-6, stay far below that for a centre within 1e7
+    /// half heights: y is rounded with it before its last difference, x only at the end, which keeps the order. An
+    /// extreme of 0 is the difference of equal numbers that aren't 0, so it is +0 whichever sample is the first.
     bool nearestAreExtremes() const
     {
         constexpr double largest = 1e300;   // no sum with a centre so near is infinite
@@ -142,7 +142,8 @@ private:
         }
     }
 
-    /// The degree below the angle of (A, B), less half a turn where that is left: 0 to 179. The angle errs by up to 0.22.
+    /// The degree below the angle of (A, B), less half a turn where that is left: 0 to 179. The angle errs by up to
+    /// 0.22.
     static int degreeBelow(double A, double B)
     {
         const double across = std::fabs(A);
@@ -193,7 +194,7 @@ karD_Rect CalculateBoundingRect(const double &cx, const double &cy, const double
             return start <= t && t <= end;
         if (end <= start)
             return t >= start || t <= end;
-        return false;
+        return false; // a limit is not a number
     };
 
     const double tangent = std::tan(rotation);

@@ -62,19 +62,16 @@ bool isInBox(double x1, double y1, double x2, double y2, double px, double py, d
 
 double arcusTangens(const double &y, const double &x, const double &fullCircle)
 {
-    constexpr double quarter = 0.7853981633974483; // arc tangent of 1
-    constexpr double half = 2 * quarter;
-    constexpr double full = 4 * half;
     double angle;
     if (x == 0 && y == 0)
         angle = 0.0;
     else if (x == 0)
-        angle = y > 0 ? half : full - half;
+        angle = y > 0 ? halfPi : kar::threeHalfPi;
     else if (y == 0)
-        angle = x > 0 ? 0.0 : 2 * half;
+        angle = x > 0 ? 0.0 : kar::pi;
     else
         angle = normalisedAngle(std::atan2(y, x));
-    return fullCircle != 0 ? angle * (fullCircle / full) : angle;
+    return fullCircle != 0 ? angle * (fullCircle / fullTurn) : angle;
 }
 
 double arcusTangens(const double &t) { return normalisedAngle(std::atan(t)); }
@@ -133,8 +130,7 @@ int ChangedSideOfLine(const double &ax, const double &ay, const double &bx, cons
 {
     double mx;
     double my;
-    if (Calculate_Perpendicular_Point_To_Line(dx, dy, ax, ay, bx, by, mx, my, false) != 1)
-        return 0;
+    Calculate_Perpendicular_Point_To_Line(dx, dy, ax, ay, bx, by, mx, my, false);
     if (isInBox(cx, cy, bx, by, mx, my, curveTolerance))
         return 1;
     if (isInBox(cx, cy, ax, ay, mx, my, curveTolerance))
@@ -240,10 +236,8 @@ int Calculate_Perpendicular_Point_To_Line(const double &px, const double &py, co
     } else {
         Direction n = d.turned(quarterTurnCosine, 1.0);
         const double length = n.length();
-        if (!(length < lengthTolerance)) {
-            n.x /= length;
-            n.y /= length;
-        }
+        n.x /= length;
+        n.y /= length;
         double alongNormal;
         double alongLine;
         Solve_2x2Matrix(n.x, -d.x, n.y, -d.y, x1 - px, y1 - py, alongNormal, alongLine);
@@ -333,10 +327,12 @@ karD_Point karCalculator2D::GetArcCentrePoint(const karD_Point &p1, const karD_P
 
 double karCalculator2D::GetAngle(const karD_Point &a, const karD_Point &b) const
 {
+    constexpr double quarterPi = 0.7853981633974483;
+    constexpr double threeQuarterPi = 2.356194490192345;
     const double dx = a.x() - b.x();
     const double dy = a.y() - b.y();
     if (std::fabs(dx) < lengthTolerance)
-        return b.y() < a.y() ? 0.7853981633974483 : 2.356194490192345;
+        return b.y() < a.y() ? quarterPi : threeQuarterPi;
     return normalisedAngle(std::atan2(dx, dy));
 }
 

@@ -120,8 +120,8 @@ int intersect(const Line &line, const EllipticalArc &arc, int limitMask, double 
     return count;
 }
 
-// Coefficients, in descending powers of u = tan(t/2), of the points t of `second` that lie on `first`, about the centre of
-// `first`: Aq*dx^2 + Bq*dy^2 - 2*Cq*dx*dy = D^2.
+// Coefficients, in descending powers of u = tan(t/2), of the points t of `second` that lie on `first`, about the centre
+// of `first`: Aq*dx^2 + Bq*dy^2 - 2*Cq*dx*dy = D^2.
 void quarticOf(const EllipticalArc &first, const EllipticalArc &second, double D, double (&e)[5])
 {
     const double Aq = (first.S * first.S) + (first.R * first.R);

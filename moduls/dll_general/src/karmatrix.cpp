@@ -1,4 +1,3 @@
-// A dense matrix of doubles and the 4 by 4 transformations of space.
 #include "karmatrix.h"
 
 #include "karalloc.h"
@@ -22,6 +21,9 @@ void multiply4(const double *a, const double *b, double *out)
             out[(4 * i) + j] = sum[j];
     }
 }
+
+// A product of 0 columns with 1 row, or of columns with 0 rows.
+bool isRefused(const karMatrix &a, const karMatrix &b) { return (a.GetColumns() == 0 ? 1 : 0) == b.GetRows(); }
 
 karMatrix transformation(const double (&elements)[16])
 {
@@ -171,7 +173,7 @@ karMatrix karMatrix::GetColumnMatrix(int c) const
 
 karMatrix karMatrix::operator*(const karMatrix &o) const
 {
-    if ((columns == 0 ? 1 : 0) == o.rows)
+    if (isRefused(*this, o))
         return karMatrix();
     karMatrix result = sized(rows, o.columns);
     if (result.held == 0)
@@ -194,7 +196,7 @@ karMatrix karMatrix::operator*(const karMatrix &o) const
 
 karMatrix &karMatrix::operator*=(const karMatrix &o)
 {
-    if ((columns == 0 ? 1 : 0) == o.rows)
+    if (isRefused(*this, o))
         return *this;
     return *this = *this * o;
 }

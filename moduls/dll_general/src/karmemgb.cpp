@@ -167,7 +167,7 @@ void *karGlobalMemory::newFromHeap(unsigned total)
 
 void karGlobalMemory::deleteMem(void *p)
 {
-    if (!p || addressOf(p) == guardSize)
+    if (!p || addressOf(p) == guardSize) // no block begins at address 0
         return;
     char *const block = static_cast<char *>(p) - guardSize;
     void *const element = block - blockShift;

@@ -93,8 +93,8 @@ public:
     /// The page of the lowest bit of `roomWord()`, which isn't 0.
     karPage *pageOf(std::uint64_t word) const { return roomSlots[lowestBit(word)].page; }
 
-    /// An element of the page of the lowest bit of `roomWord()`, which is `word`, has been taken, the last one if `full`.
-    /// Only where the pages are few (`fewPages`), which is one word.
+    /// An element of the page of the lowest bit of `roomWord()`, which is `word`, has been taken, the last one if
+    /// `full`. Only where the pages are few (`fewPages`), which is one word.
     void tookFirst(std::uint64_t word, bool full) { *room = word & (word - full); }
 
     /// The page has a free element.

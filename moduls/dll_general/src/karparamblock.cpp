@@ -66,15 +66,11 @@ void karParamBlock::setAngle(int angle)
     }
 }
 
-void karParamBlock::setAngle(double radians)
-{
-    const double v = radians * unitsPerRadian;
-    setAngle(v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5));
-}
+void karParamBlock::setAngle(double radians) { setAngle(kar::roundAway(radians * unitsPerRadian)); }
 
 void karParamBlock::Concat(karParamBlock *o)
 {
-    if (o == nullptr)
+    if (!o)
         return;
     insertPoint_ += o->insertPoint_;
     scaleX_ *= o->scaleX_;
@@ -88,7 +84,7 @@ void karParamBlock::Concat(karParamBlock *o)
 
 karPoint::karPoint(const karPoint &p, const karParamBlock *block) : karPoint(p)
 {
-    if (block == nullptr)
+    if (!block)
         return;
     double placedX = x();
     double placedY = y();
@@ -99,7 +95,7 @@ karPoint::karPoint(const karPoint &p, const karParamBlock *block) : karPoint(p)
 
 karD_Point::karD_Point(const karD_Point &p, karParamBlock *block) : karD_Point(p)
 {
-    if (block != nullptr)
+    if (block)
         block->modify_point(x(), y());
 }
 

@@ -9,8 +9,8 @@ namespace {
 
 unsigned clamped(int percent) { return percent >= 100 ? 100 : percent < 0 ? 0 : static_cast<unsigned>(percent); }
 
-// ((end - start) * percent + 50) / 100 + start, 0 to 100 as the percentage itself; false on an invalid range. Unsigned, a
-// negative start is above every end, and a negative end above 100.
+// ((end - start) * percent + 50) / 100 + start, 0 to 100 as the percentage itself; false on an invalid range. Unsigned,
+// a negative start is above every end, and a negative end above 100.
 bool mapTo(karPercentList &layer, unsigned &percent)
 {
     const auto start = static_cast<unsigned>(layer.getStart());

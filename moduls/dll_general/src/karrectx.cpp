@@ -2,8 +2,6 @@
 
 #include "angles.h"
 
-#include <utility>
-
 namespace {
 
 // Inclusive, in whichever order the two limits lie.
@@ -12,8 +10,12 @@ bool between(int value, int limit, int otherLimit)
     return limit <= otherLimit ? limit <= value && value <= otherLimit : otherLimit <= value && value <= limit;
 }
 
-// Half away from zero, with the 0.5 taken off for 0 as well.
-int roundAway(double v) { return v > 0 ? kar::toInt(v + 0.5) : kar::toInt(v - 0.5); }
+// Does it hold for all corners? They are asked in their order, up to the first for which it doesn't.
+template <class Test>
+bool all(const karPoint (&corners)[4], Test holds)
+{
+    return holds(corners[0]) && holds(corners[1]) && holds(corners[2]) && holds(corners[3]);
+}
 
 } // namespace
 
@@ -99,9 +101,11 @@ bool karPoint::isFullIn(karRectX &r) const
         return true;
 
     // The edges from p0 to p1 and from p3 to p2 rise by t, those from p0 to p3 and from p1 to p2 stand across them.
-    const auto along = [&](const karPoint &p) { return kar::wrapAdd(p.x(), roundAway(kar::wrapSub(py, p.y()) / t)); };
+    const auto along = [&](const karPoint &p) {
+        return kar::wrapAdd(p.x(), kar::roundAway(kar::wrapSub(py, p.y()) / t));
+    };
     const auto across = [&](const karPoint &p) {
-        return kar::wrapAdd(p.x(), roundAway(kar::wrapNeg(kar::wrapSub(py, p.y())) * t));
+        return kar::wrapAdd(p.x(), kar::roundAway(kar::wrapNeg(kar::wrapSub(py, p.y())) * t));
     };
     const int left = between(py, p0.y(), p3.y()) ? across(p0) : along(p3);
     const int right = between(py, p0.y(), p1.y()) ? along(p0) : across(p1);
@@ -110,14 +114,12 @@ bool karPoint::isFullIn(karRectX &r) const
 
 bool karRectX::isFullIn(karRect &r) const
 {
-    const Corners c = corners();
-    return c.at[0].isFullIn(r) && c.at[1].isFullIn(r) && c.at[2].isFullIn(r) && c.at[3].isFullIn(r);
+    return all(corners().at, [&](const karPoint &corner) { return corner.isFullIn(r); });
 }
 
 bool karRectX::isFullIn(karRectX &r)
 {
-    const Corners c = corners();
-    return c.at[0].isFullIn(r) && c.at[1].isFullIn(r) && c.at[2].isFullIn(r) && c.at[3].isFullIn(r);
+    return all(corners().at, [&](const karPoint &corner) { return corner.isFullIn(r); });
 }
 
 namespace {
@@ -165,11 +167,10 @@ bool karRectX::isVisibleIn(karRect &r) const
         if (corner.isFullIn(r))
             return true;
 
-    const auto all = [&](auto outside) { return outside(p[0]) && outside(p[1]) && outside(p[2]) && outside(p[3]); };
-    if (all([&](const karPoint &q) { return q.x() < r.left(); }) ||
-        all([&](const karPoint &q) { return q.x() > r.right(); }) ||
-        all([&](const karPoint &q) { return q.y() > r.bottom(); }) ||
-        all([&](const karPoint &q) { return q.y() < r.top(); }))
+    if (all(p, [&](const karPoint &q) { return q.x() < r.left(); }) ||
+        all(p, [&](const karPoint &q) { return q.x() > r.right(); }) ||
+        all(p, [&](const karPoint &q) { return q.y() > r.bottom(); }) ||
+        all(p, [&](const karPoint &q) { return q.y() < r.top(); }))
         return false;
     if (p[0].x() == p[1].x() || p[0].x() == p[3].x())
         return true;

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <functional>
 
 namespace {
 
@@ -35,12 +34,6 @@ void clearFrom(char *buffer, std::size_t from, std::size_t size)
         putZeros(buffer + from + 16);
 }
 
-bool liesIn(const char *place, const char *buffer, unsigned size)
-{
-    const std::less<> before;
-    return buffer && !before(place, buffer) && before(place, buffer + size);
-}
-
 } // namespace
 
 // ---- Storage
@@ -58,6 +51,18 @@ void karString::obtainText(const char *text, std::size_t count, std::uint64_t ne
         return;
     clearFrom(buffer, count, bufferSize);
     std::memcpy(buffer, text, count);
+}
+
+// A new buffer with a text that may lie in the old one, which is then kept until the text is copied.
+void karString::replaceBuffer(const char *src, std::size_t count, std::uint64_t needed)
+{
+    char *const old = buffer;
+    const bool isOwn = offsetOf(src) < bufferSize;
+    if (!isOwn)
+        KarDellocMemory(old);
+    obtainText(src, count, needed);
+    if (isOwn)
+        KarDellocMemory(old);
 }
 
 // Moves the text to a buffer for `want` characters and gives the old buffer, which the caller releases.
@@ -211,11 +216,10 @@ karString &karString::operator=(const karString &other)
 
 karString &karString::operator=(const char *text)
 {
-    const std::size_t count = text ? std::strlen(text) : 0;
+    const std::size_t count = text ? argumentLength(text) : 0;
     cachedLength = static_cast<unsigned>(count);
-    if (text && count >= bufferSize) { // so it doesn't lie in the buffer
-        KarDellocMemory(buffer);
-        obtainText(text, count, std::uint64_t{count} + 9);
+    if (text && count >= bufferSize) {
+        replaceBuffer(text, count, std::uint64_t{count} + 9);
     } else if (buffer) {
         if (count)
             std::memmove(buffer, text, count);
@@ -251,7 +255,7 @@ const char *karString::searchFrom(const char *s, unsigned from) const
         return std::strstr(buffer + from, s);
     const char *const begin = buffer + from;
     const char *const end = begin + boundedLength(begin, bufferSize - from);
-    const std::size_t count = std::strlen(s);
+    const std::size_t count = argumentLength(s);
     const char *const found = std::search(begin, end, s, s + count);
     return found != end || count == 0 ? found : nullptr;
 }
@@ -329,14 +333,14 @@ karString karString::operator&(const karString &other) { return karString(*this,
 
 karString karString::operator&(const char *text)
 {
-    return text ? karString(*this, text, std::strlen(text)) : karString(*this);
+    return text ? karString(*this, text, argumentLength(text)) : karString(*this);
 }
 
 karString &karString::operator&=(const char *text)
 {
     if (!text)
         return *this;
-    const std::size_t count = std::strlen(text);
+    const std::size_t count = argumentLength(text);
     return append(text, count, count);
 }
 
@@ -348,7 +352,7 @@ karString &karString::operator&=(const karString &other)
 
 // ---- Bounded copies
 
-// The copies and the append of a text that may lie in this buffer: the old one is kept until the text is copied.
+// The copies of a text that may lie in this buffer, then NULs up to `newLength` and the terminator if it is asked for.
 void karString::assignBounded(const char *src, std::size_t count, std::size_t newLength, bool terminate)
 {
     cachedLength = static_cast<unsigned>(newLength);
@@ -361,13 +365,7 @@ void karString::assignBounded(const char *src, std::size_t count, std::size_t ne
             std::memset(buffer + count, 0, newLength - count + 1);
         return;
     }
-    char *const old = buffer;
-    const bool isOwn = liesIn(src, old, bufferSize);
-    if (!isOwn)
-        KarDellocMemory(old);
-    obtainText(src, count, std::uint64_t{newLength} + 1);
-    if (isOwn)
-        KarDellocMemory(old);
+    replaceBuffer(src, count, std::uint64_t{newLength} + 1);
 }
 
 void karString::ncopy(const char *src, unsigned n)
@@ -376,7 +374,7 @@ void karString::ncopy(const char *src, unsigned n)
         assignBounded("", 0, 0, true);
         return;
     }
-    const std::size_t count = boundedLength(src, n);
+    const std::size_t count = argumentLength(src, n);
     assignBounded(src, count, count, count == n);
 }
 
@@ -386,7 +384,7 @@ void karString::ncopy(const char *src, unsigned first, int last)
         assignBounded("", 0, 0, true);
         return;
     }
-    const std::size_t srcLength = std::strlen(src);
+    const std::size_t srcLength = argumentLength(src);
     const std::size_t available = srcLength > first ? srcLength - first : 0;
     if (last == -1) {
         assignBounded(available ? src + first : src, available, available, true);
@@ -399,5 +397,5 @@ void karString::ncopy(const char *src, unsigned first, int last)
 void karString::ncat(const char *src, unsigned n)
 {
     if (src && n)
-        append(src, boundedLength(src, n), n);
+        append(src, argumentLength(src, n), n);
 }

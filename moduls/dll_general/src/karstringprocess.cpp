@@ -13,13 +13,13 @@
 #include <ctime>
 #include <cwchar>
 
-// The characters of a set as on entry, whatever happens to the text that held them.
+// The characters of a set as on entry, whatever happens to the text that may hold them.
 class karString::CharSet {
 public:
-    explicit CharSet(const char *set)
+    CharSet(const karString &text, const char *set)
     {
-        for (; *set; ++set)
-            words[word(*set)] |= bit(*set);
+        for (std::size_t i = 0, count = text.argumentLength(set); i < count; ++i)
+            words[word(set[i])] |= bit(set[i]);
     }
     bool has(char c) const { return words[word(c)] & bit(c); }
     void remove(char c) { words[word(c)] &= ~bit(c); }
@@ -311,7 +311,7 @@ int karString::searchValue(searchStruct *table, int &value)
         const unsigned count = length();
         if (count == 0 || !buffer)
             return -1;
-        if (std::strlen(table->text) == count && std::strncmp(buffer, table->text, count) == 0) {
+        if (argumentLength(table->text) == count && std::strncmp(buffer, table->text, count) == 0) {
             value = table->value;
             return 0;
         }
@@ -351,12 +351,12 @@ void karString::trimEnd(const CharSet &set)
     cachedLength = end;
 }
 
-void karString::ltrim(const char *set) { trimStart(CharSet(set ? set : blanks)); }
-void karString::rtrim(const char *set) { trimEnd(CharSet(set ? set : blanks)); }
+void karString::ltrim(const char *set) { trimStart(CharSet(*this, set ? set : blanks)); }
+void karString::rtrim(const char *set) { trimEnd(CharSet(*this, set ? set : blanks)); }
 
 void karString::trim(const char *set)
 {
-    const CharSet characters(set ? set : blanks); // the set may lie in this text, which changes in between
+    const CharSet characters(*this, set ? set : blanks); // the set may lie in this text, which changes in between
     trimStart(characters);
     trimEnd(characters);
 }
@@ -375,7 +375,7 @@ void karString::toUpper()
 
 karString karString::notIn(const char *set) const
 {
-    const CharSet characters(set);
+    const CharSet characters(*this, set);
     const unsigned end = measured();
     unsigned count = 0;
     for (unsigned i = 0; i < end; ++i)
@@ -485,11 +485,12 @@ int karString::karstrrchr(char c, int limit) const
 
 int karString::karstrchr(const char *set, int from) const
 {
-    if (!*set || !set[1])
-        return karstrchr(*set, from);
+    const std::size_t count = argumentLength(set, 2);
+    if (count < 2)
+        return karstrchr(count ? *set : '\0', from);
     if (from < 0 || static_cast<unsigned>(from) >= length() || !buffer)
         return -1;
-    const CharSet characters(set);
+    const CharSet characters(*this, set);
     for (auto i = static_cast<unsigned>(from); i < bufferSize && buffer[i]; ++i)
         if (characters.has(buffer[i]))
             return static_cast<int>(i);
@@ -502,7 +503,7 @@ int karString::karstrrchr(const char *set, int limit) const
     int smallest = -1;
     if (end <= 0)
         return -1;
-    CharSet open(set); // those whose last position isn't known yet
+    CharSet open(*this, set); // those whose last position isn't known yet
     for (int i = end - 1; i >= 0; --i) {
         if (open.has(buffer[i])) {
             open.remove(buffer[i]);

@@ -19,16 +19,15 @@ const kar::SystemAnswers &systemProbe()
     return answers;
 }
 
-const kar::SystemTypeRow &typeRow() { return kar::systemTypes[systemProbe().typeRow]; }
-const kar::SystemVersionRow &versionRow() { return kar::systemVersions[systemProbe().versionRow]; }
+const kar::SystemVersion &probedVersion() { return kar::systemVersions[systemProbe().version]; }
 
 } // namespace
 
-int systemType() { return typeRow().number; }
-const char *systemTypeString() { return typeRow().text; }
-int systemVersion() { return versionRow().number; }
-const char *systemVersionString() { return versionRow().text; }
-unsigned short systemVersionBinary() { return versionRow().packed; }
+int systemType() { return systemProbe().type; }
+const char *systemTypeString() { return kar::systemTypes[systemProbe().type]; }
+int systemVersion() { return systemProbe().version; }
+const char *systemVersionString() { return probedVersion().text; }
+unsigned short systemVersionBinary() { return probedVersion().packed; }
 int systemBuilt() { return systemProbe().built; }
 
 char *systemName()

@@ -1,4 +1,3 @@
-// A transformation of space as fifteen parameters.
 #include "kartransformationinfo.h"
 
 #include "angles.h"

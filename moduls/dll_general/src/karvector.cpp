@@ -1,4 +1,3 @@
-// Directions of the plane and of space: what is not inline.
 #include "karvector.h"
 
 ObjektIdies kar2DVector::GetType() const { return KAR_ID_2D_VECTOR; }

@@ -306,8 +306,9 @@ void writeFixed(double value, int places, FixedStyle style, FixedText &out)
 
 double readReal(const char *begin, const char *end, const char *&behind)
 {
-    constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr std::ptrdiff_t mostDigits = 19; // below 2^64
+    constexpr double powers[mostDigits + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                               1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
     const bool negative = begin < end && *begin == '-';
     const char *const digits = begin + negative;
     const char *at = digits;
@@ -331,8 +332,8 @@ double readReal(const char *begin, const char *end, const char *&behind)
     behind = at;
     if (count == 0)
         return 0.0;
-    // Both numbers are exact below 2^53 and up to 10^22, so that one division rounds once (Clinger).
-    if (count <= 19 && mantissa <= std::uint64_t{1} << 53 && places <= 22) {
+    // Both numbers are exact, up to 2^53 and to 10^22, so that one division rounds once (Clinger).
+    if (count <= mostDigits && mantissa <= std::uint64_t{1} << 53) {
         const double magnitude = static_cast<double>(mantissa) / powers[places];
         return negative ? -magnitude : magnitude;
     }

@@ -1,4 +1,4 @@
-// Two doubles in one register, each computed as it is by itself. Internal.
+// Two doubles in one register, each computed as it is by itself.
 #ifndef KAR_REAL_PAIR_H
 #define KAR_REAL_PAIR_H
 

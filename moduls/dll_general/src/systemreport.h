@@ -20,25 +20,18 @@ struct SystemReport {
 /// A platform that has no row of its own.
 constexpr std::uint32_t otherPlatform = 0xffffffffu;
 
-struct SystemTypeRow {
-    int number;
-    const char *text;
-};
+/// The types of systems; the number of a type is its row. Row 4 isn't selected by any platform; its number is taken.
+constexpr const char *systemTypes[] = {"UNKNOWN", "Win32s", "Windows NT", "Windows 95", "SUNOS"};
 
-struct SystemVersionRow {
-    int number;
+struct SystemVersion {
     std::uint16_t packed; ///< major version in the high byte, minor in the low one
     const char *text;
 };
 
-/// Row 4 isn't selected by any platform; its number is taken.
-constexpr SystemTypeRow systemTypes[] = {
-    {0, "UNKNOWN"}, {1, "Win32s"}, {2, "Windows NT"}, {3, "Windows 95"}, {4, "SUNOS"},
-};
-
-constexpr SystemVersionRow systemVersions[] = {
-    {0, 0x0000, "UNKNOWN"}, {1, 0x030a, "3.1"},  {2, 0x0332, "3.5"}, {3, 0x0333, "3.51"},
-    {4, 0x0400, "4.0"},     {5, 0x0401, "4.01"}, {6, 0x0540, "5.4"},
+/// The versions of systems; the number of a version is its row.
+constexpr SystemVersion systemVersions[] = {
+    {0x0000, "UNKNOWN"}, {0x030a, "3.1"},  {0x0332, "3.5"}, {0x0333, "3.51"},
+    {0x0400, "4.0"},     {0x0401, "4.01"}, {0x0540, "5.4"},
 };
 
 /// Buffer of a computer's name: 15 characters and a terminator.
@@ -46,14 +39,14 @@ constexpr std::size_t nodeNameSize = 16;
 
 /// All that the library remembers of the system. Zero is what it says of one that didn't answer.
 struct SystemAnswers {
-    int typeRow;
-    int versionRow;
+    int type;    ///< row in `systemTypes`
+    int version; ///< row in `systemVersions`
     int built;
     char node[nodeNameSize];
 };
 
 /// Row of a platform in `systemTypes`.
-inline int typeRowOf(std::uint32_t platform)
+inline int systemTypeOf(std::uint32_t platform)
 {
     switch (platform) {
     case 0:
@@ -67,14 +60,14 @@ inline int typeRowOf(std::uint32_t platform)
     }
 }
 
-/// Row of a version in `systemVersions`, whose packed form has 16 bits; searched from the last row.
-inline int versionRowOf(std::uint32_t major, std::uint32_t minor)
+/// Row of a version in `systemVersions`, 0 for one that isn't there. The packed form has 16 bits.
+inline int systemVersionOf(std::uint32_t major, std::uint32_t minor)
 {
     const auto packed = static_cast<std::uint16_t>((major << 8) + minor);
-    int row = 6;
-    while (row > 0 && systemVersions[row].packed != packed)
-        --row;
-    return row;
+    for (const SystemVersion &row : systemVersions)
+        if (row.packed == packed)
+            return static_cast<int>(&row - systemVersions);
+    return 0;
 }
 
 /// The answers to a report, null standing for a system that didn't answer. `askName` fills a buffer of `nodeNameSize`
@@ -84,10 +77,10 @@ inline SystemAnswers answersTo(const SystemReport *report, bool (*askName)(char 
     SystemAnswers said = {};
     if (!report)
         return said;
-    said.typeRow = typeRowOf(report->platform);
-    said.versionRow = versionRowOf(report->major, report->minor);
+    said.type = systemTypeOf(report->platform);
+    said.version = systemVersionOf(report->major, report->minor);
     said.built = toSigned(report->build);
-    if (said.typeRow > 1 && !askName(said.node))
+    if (said.type > 1 && !askName(said.node))
         said.node[0] = '\0';
     return said;
 }

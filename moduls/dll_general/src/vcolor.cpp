@@ -1,5 +1,6 @@
 #include "vcolor.h"
 
+#include "karcolor.h"
 #include "karnumeric.h"
 #include "karstring.h"
 #include "vcolornames.h"
@@ -11,9 +12,7 @@
 
 namespace {
 
-constexpr int wheelFirst = 10;
-constexpr int wheelLast = 249;
-constexpr int paletteSize = 256;
+constexpr int paletteSize = ACAD_COLOR_RAMP_LAST + 1;
 
 constexpr std::uint32_t pack(int r, int g, int b) { return static_cast<std::uint32_t>(r | (g << 8) | (b << 16)); }
 
@@ -35,7 +34,7 @@ constexpr int wheelPart(int index, int share, int level)
 // All divisions truncate. The shares run from 0 to 4 through red, yellow, green, cyan, blue, magenta and back.
 constexpr std::uint32_t wheelColor(int index)
 {
-    const int hue = (index - wheelFirst) / 10;
+    const int hue = (index - ACAD_COLOR_WHEEL_FIRST) / 10;
     const int level = (10 * (index / 10 + 1) - index) / 2;
     int r = 0;
     int g = 0;
@@ -70,12 +69,12 @@ constexpr Palette makePalette()
 {
     Palette palette{};
     for (int index = 0; index < paletteSize; ++index) {
-        if (index < wheelFirst)
+        if (index < ACAD_COLOR_WHEEL_FIRST)
             palette.packed[index] = fixedColors[index];
-        else if (index <= wheelLast)
+        else if (index <= ACAD_COLOR_WHEEL_LAST)
             palette.packed[index] = wheelColor(index);
         else
-            palette.packed[index] = fixedColors[index - wheelLast - 1 + wheelFirst];
+            palette.packed[index] = fixedColors[index - ACAD_COLOR_RAMP_FIRST + ACAD_COLOR_WHEEL_FIRST];
     }
     return palette;
 }
@@ -114,8 +113,8 @@ struct Parts {
 };
 
 // With m the middle and n > 0 the lowest part, k = 2.0 - m / n tells how much grey goes: the middle part becomes
-// trunc(m - k * n + 0.5), the lowest 0. m - k * n is the whole number 2 * (m - n), and k is above 0 if m is below 2 *
-// n. Without a part strictly between, blue is the middle one. A lowest part of 0 leaves all as it is.
+// trunc(m - k * n + 0.5), the lowest 0. m - k * n is the whole number 2 * (m - n), and k > 0 where m < 2 * n. Without a
+// part strictly between, blue is the middle one. A lowest part of 0 leaves all as it is.
 void removeGrey(Parts &parts, int lowest, int highest)
 {
     const int r = parts.at[0];
@@ -198,8 +197,7 @@ int readPart(const char *from, char *end)
 {
     *end = '\0';
     karString part(from);
-    part.ltrim(nullptr);
-    part.rtrim(nullptr);
+    part.trim();
     int value = 0;
     part.s2int(value); // gives 0 for what it refuses
     return value > 255 ? 255 : value;
@@ -211,19 +209,19 @@ long vColorName::Conv(const char *text)
 {
     karString copy(text);
     char *const start = copy;
-    char *const name = start != nullptr ? std::strstr(start, "RGB") : nullptr;
-    char *const open = name != nullptr ? std::strchr(name, '(') : nullptr;
-    char *const firstComma = open != nullptr ? std::strchr(open, ',') : nullptr;
-    if (firstComma == nullptr)
+    char *const name = start ? std::strstr(start, "RGB") : nullptr;
+    char *const open = name ? std::strchr(name, '(') : nullptr;
+    char *const firstComma = open ? std::strchr(open, ',') : nullptr;
+    if (!firstComma)
         return 0;
     // Each part is read before the next mark is looked for: what it leaves in `errno` stays if that mark is missing.
     const int red = readPart(open + 1, firstComma);
     char *const secondComma = std::strchr(firstComma + 1, ',');
-    if (secondComma == nullptr)
+    if (!secondComma)
         return 0;
     const int green = readPart(firstComma + 1, secondComma);
     char *const close = std::strchr(secondComma + 1, ')');
-    if (close == nullptr)
+    if (!close)
         return 0;
     const int blue = readPart(secondComma + 1, close);
     return kar::wrapAdd(kar::wrapAdd(kar::wrapMul(blue, 0x10000), kar::wrapMul(green, 0x100)), red);

@@ -1,4 +1,4 @@
-// Internal: the sixteen named colours.
+// The sixteen named colours.
 #ifndef V_COLOR_NAMES_H
 #define V_COLOR_NAMES_H
 

@@ -165,7 +165,7 @@ class RandomRefusals : public testing::Test {
 protected:
     void TearDown() override { EXPECT_EQ(Holdings(), before); }
 
-    const Unpooled mark;
+    const Mark direct{0};
     const Holdings before;
 };
 

@@ -1,6 +1,6 @@
 // Which formats are written without the C library, and that they stay in their room. The texts that callers see are
 // tested in karstring_process_test.cpp, where the C library takes over what is left to it here; those of numbers too,
-// but for one rounding that no format asks for.
+// but for one rounding that no format asks for. Numbers are read from parts of texts, which callers can't ask for.
 #include "formattext.cpp"
 #include "numbertext.cpp"
 
@@ -77,6 +77,8 @@ TEST(WriteUsualFormat, WritesTheUsualConversions)
     EXPECT_EQ(usual("%x|%5x|%05x|%x", 0u, 0xabcu, 1u, 0xffffffffu), "0|  abc|00001|ffffffff");
     EXPECT_EQ(usual("%f|%.0f|%.1f|%+.1f|%07.2f", 1.5, 2.5, -0.25, 0.5, -1.0), "1.500000|2|-0.2|+0.5|-001.00");
     EXPECT_EQ(usual("%60.12f|", 0.5).size(), 61u);
+    // A half, and a little more than one behind eight zeros.
+    EXPECT_EQ(usual("%.8f|%.8f", 0x1p-9, 0x1p-9 + 0x1p-61), "0.00195312|0.00195313");
     EXPECT_EQ(usual("%.3f|%.40f", 1e-30, std::ldexp(1.0, -80)), "0.000|0.0000000000000000000000008271806125530277");
     EXPECT_EQ(usual("%9d|%19d", 5, 6), "        5|                  6");
 }
@@ -122,4 +124,50 @@ TEST(WriteFixed, KeepsTheZerosOfWhatVanishes)
     };
     EXPECT_EQ(published(1.0 / 1024.0), "0.000");
     EXPECT_EQ(published(std::ldexp(1.0, -80)), "0.000000000000000000000000");
+}
+
+TEST(ReadReal, EndsWithItsPartOfTheText)
+{
+    const char text[] = "-12.75";
+    const struct {
+        int begin, end;
+        double value;
+        int behind;
+    } parts[] = {{0, 6, -12.75, 6}, {0, 5, -12.7, 5}, {0, 4, -12, 4}, {0, 3, -12, 3}, {0, 2, -1, 2}, {0, 1, 0, 1},
+                 {0, 0, 0, 0},      {1, 1, 0, 1},     {1, 2, 1, 2},   {3, 3, 0, 3},   {3, 4, 0, 4},  {3, 5, 0.7, 5}};
+    for (const auto &part : parts) {
+        const char *behind = nullptr;
+        EXPECT_EQ(kar::text::readReal(text + part.begin, text + part.end, behind), part.value);
+        EXPECT_EQ(behind - text, part.behind) << part.begin << " to " << part.end;
+    }
+}
+
+TEST(ReadHexadecimal, EndsWithItsPartOfTheText)
+{
+    const char text[] = " -0x1f2";
+    const struct {
+        int begin, end;
+        int value;
+        int behind;
+    } parts[] = {{0, 7, -0x1f2, 7}, {0, 6, -0x1f, 6}, {0, 5, -1, 5}, {0, 4, 0, 3}, {0, 3, 0, 3},   {0, 2, 0, 0},
+                 {0, 1, 0, 0},      {0, 0, 0, 0},     {1, 1, 0, 1},  {2, 3, 0, 3}, {5, 7, 0xf2, 7}};
+    for (const auto &part : parts) {
+        const char *behind = nullptr;
+        EXPECT_EQ(kar::text::readHexadecimal(text + part.begin, text + part.end, behind), part.value);
+        EXPECT_EQ(behind - text, part.behind) << part.begin << " to " << part.end;
+    }
+}
+
+TEST(ReadDecimal, EndsWithItsPartOfTheText)
+{
+    const char text[] = "00127x";
+    int value = 5;
+    EXPECT_TRUE(kar::text::readDecimal(text, text + 5, value));
+    EXPECT_EQ(value, 127);
+    EXPECT_TRUE(kar::text::readDecimal(text + 2, text + 4, value));
+    EXPECT_EQ(value, 12);
+    EXPECT_FALSE(kar::text::readDecimal(text, text + 6, value));
+    EXPECT_EQ(value, 12);
+    EXPECT_TRUE(kar::text::readDecimal(text + 5, text + 5, value));
+    EXPECT_EQ(value, 0);
 }

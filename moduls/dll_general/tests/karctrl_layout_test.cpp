@@ -86,7 +86,7 @@ TEST(CtrlLayout, FieldsStandInTheirOrder)
     static_assert(std::is_base_of<karListHeadObject, karMessage>::value, "");
 }
 
-TEST(CtrlLayout, ValuesOfTheEnumerations)
+TEST(CtrlLayout, EnumerationsHaveTheirValues)
 {
     EXPECT_EQ(CtrlNone, 0);
     EXPECT_EQ(CtrlId, 1);

@@ -15,14 +15,9 @@
 namespace {
 
 constexpr double degree = 0.017453292519943295;
+constexpr double pi = 3.141592653589793;
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-bool isSame(const karD_Rect &r, const karD_Rect &o)
-{
-    return sameBits(r.left(), o.left()) && sameBits(r.bottom(), o.bottom()) && sameBits(r.right(), o.right()) &&
-           sameBits(r.top(), o.top());
-}
 
 bool equalsTheScan(double cx, double cy, double a, double b, double rotation)
 {
@@ -93,6 +88,18 @@ TEST(SampledBox, EqualsTheScanOnBothSidesOfEveryBound)
         EXPECT_TRUE(equalsTheScan(0.0, 1e9, std::cos(k * degree) / c, std::sin(k * degree) / s, 0.7)) << k;
     for (double far = 1e4; far < 1e20; far *= 1.5) // from here on the height is lost, bit by bit
         EXPECT_TRUE(equalsTheScan(far, -far, 2.0, 1.0, 0.7)) << far;
+}
+
+TEST(SampledBox, EqualsTheScanForEverySetOfSpecialNumbers)
+{
+    const double specials[] = {0.0, -0.0, 1.0, -1.0, 5e-324, -1e-290, 1.7976931348623157e308, -inf, nan};
+    for (const double rotation : {0.5 * pi - degree, -0.5 * pi, 0.25 * pi, 5e-49, -3e5, 1e300})
+        for (const double a : specials)
+            for (const double b : specials)
+                for (const double cx : specials)
+                    for (const double cy : specials)
+                        ASSERT_TRUE(equalsTheScan(cx, cy, a, b, rotation))
+                            << cx << ' ' << cy << ' ' << a << ' ' << b << ' ' << rotation;
 }
 
 /// Coordinates and axes of one size, and what turns them.

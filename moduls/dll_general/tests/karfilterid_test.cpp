@@ -289,6 +289,47 @@ TEST(KarFilterIdBase, TheItemIsAskedOnceAndBeforeTheTable)
     EXPECT_EQ(item.asked, 2);
 }
 
+TEST(KarFilterIdBase, TheTableIsReadWhenTheItemHasAnswered)
+{
+    class Changer : public karFilterObject {
+    public:
+        explicit Changer(Dispatcher &changed) : dispatcher(changed) {}
+        filterObjectID getFilterId() override
+        {
+            if (drop)
+                dispatcher.dropTable();
+            else
+                dispatcher.filterInit(static_cast<karFilterIdBase *>(&dispatcher), dispatcher.noAction());
+            return filterObjectID(24);
+        }
+        Dispatcher &dispatcher;
+        bool drop = false;
+    };
+    Dispatcher dispatcher;
+    Changer item(dispatcher);
+    EXPECT_EQ(dispatcher.filterObject(&item), 0);
+    item.drop = true;
+    EXPECT_EQ(dispatcher.filterObject(&item), -252);
+    item.drop = false;
+    EXPECT_EQ(dispatcher.filterObject(&item), 0);
+}
+
+TEST(KarFilterIdBase, AHandlerMayReplaceTheTableThatItStandsIn)
+{
+    class Replacing : public Dispatcher {
+    public:
+        errorCodesKARTORY replace(karFilterObject *)
+        {
+            filterInit(static_cast<karFilterIdBase *>(this), noAction());
+            return errorCodesKARTORY(5);
+        }
+    };
+    Replacing dispatcher;
+    dispatcher.setFilterHandler(filterObjectID(2), &dispatcher, &Replacing::replace);
+    EXPECT_EQ(run(dispatcher, 2), 5);
+    EXPECT_EQ(run(dispatcher, 2), 0);
+}
+
 namespace {
 
 // Its virtual operation puts a table in front of the dispatcher part.

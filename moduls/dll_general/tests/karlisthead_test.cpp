@@ -213,7 +213,7 @@ TEST(KarListHeadObject, AppendOverwritesTheLinkToThePredecessor)
     EXPECT_EQ(a->prev(), nullptr); // the last element of an empty list
 }
 
-TEST(KarListHeadObject, InsertAtTheFront)
+TEST(KarListHeadObject, InsertBehindNullMakesTheElementFirstAndCurrent)
 {
     Head head;
     auto *const a = new Element('a');

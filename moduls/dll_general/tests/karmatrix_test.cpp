@@ -169,6 +169,20 @@ TEST(KarMatrix, MovedFromIsEmpty)
     EXPECT_TRUE(isEmpty(taken)); // NOLINT
 }
 
+TEST(KarMatrix, WithoutAnElementNothingIsReadOrWritten)
+{
+    karMatrix never;
+    karMatrix before(2);
+    const karMatrix taken(std::move(before));
+    for (karMatrix *m : {&never, &before}) { // NOLINT: what is left behind
+        EXPECT_TRUE(isEmpty(*m *= 2.0));
+        EXPECT_TRUE(isEmpty(*m += *m));
+        EXPECT_TRUE(isEmpty(*m -= *m));
+        EXPECT_TRUE(isEmpty(-*m));
+        EXPECT_TRUE(isEmpty(m->SetValue(1, 1, 5.0)));
+    }
+}
+
 TEST(KarMatrix, HasItsSizesAndItsArrayInOrder)
 {
     const karMatrix m(2, 3);

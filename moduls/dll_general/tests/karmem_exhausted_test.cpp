@@ -108,7 +108,7 @@ TEST(Exhaustion, LargeBlockLosesItsRecordAtMost)
     }
 }
 
-TEST(Exhaustion, ElementsOfBothPools)
+TEST(Exhaustion, BothPoolsStayValidAndGiveBackWhatTheyHad)
 {
     bool more = true;
     for (unsigned grants = 0; more; ++grants) {

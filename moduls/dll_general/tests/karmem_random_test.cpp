@@ -16,11 +16,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-constexpr unsigned blockShift = wide ? 12 : 0;
-
-std::uintptr_t at(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
-
 /// The pool as it is described: a scan over the pages, and within the page over its free list.
 class PlainPool {
 public:
@@ -115,11 +110,6 @@ private:
     std::list<Page> pages;
 };
 
-unsigned strideOf(int size)
-{
-    return static_cast<unsigned>(wide ? (std::max(size, 16) + 7) / 8 * 8 : std::max(size, 8));
-}
-
 /// What a user does with an element: leaves it as it is, writes noise, or builds list nodes of its own in it.
 void use(TestRandom &random, void *element, unsigned size, const std::vector<void *> &live)
 {
@@ -147,7 +137,7 @@ void runPool(std::uint64_t seed, int size, int perPage, int steps, unsigned most
 {
     SCOPED_TRACE(::testing::Message() << "seed " << seed << ", elements of " << size << ", " << perPage << " a page");
     TestRandom random(seed);
-    const unsigned stride = strideOf(size);
+    const auto stride = static_cast<unsigned>(strideOf(size));
     karPageMemory pool(size, perPage);
     PlainPool plain(stride, perPage);
     std::vector<void *> live;

@@ -17,20 +17,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-
-std::uintptr_t at(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
-
-/// Distance of two elements of `size` bytes: 8 bytes at least, on 64-bit targets 16 and a multiple of 8.
-int strideOf(int size) { return wide ? (std::max(size, 16) + 7) / 8 * 8 : std::max(size, 8); }
-
-/// Counts of the global allocator that every test leaves as it found them.
-struct HeapCounts {
-    long blocks = globalMemList->getCurAnzNew();
-    long bytes = globalMemList->getCurSizeNew();
-    bool operator==(const HeapCounts &other) const { return blocks == other.blocks && bytes == other.bytes; }
-};
-
 class BasisPage : public karBasisPage {
 public:
     using karBasisPage::checkElement;
@@ -424,7 +410,7 @@ TEST(KarPage, WithoutStorageHasZeroSizesAndNoElement)
         EXPECT_EQ(page.newElement(), nullptr);
         EXPECT_TRUE(page.isValid());
     }
-    if (sizeof(void *) > 4) { // the distance of 2^31 bytes is no int
+    if (wide) { // the distance of 2^31 bytes is no int
         Page page(nullptr, 0x7fffffff, 1);
         EXPECT_EQ(page.PageBegin(), nullptr);
         EXPECT_EQ(page.elementFullSize(), 0);
@@ -786,18 +772,15 @@ TEST(KarPageMemory, DeleteAllDropsElementsInUse)
 TEST(KarPageMemory, LeavesTheMarkAsItWas)
 {
     for (int mark : {0, 1, 7}) {
-        const int saved = globalMemList->setMarkMemListGlobal(mark);
-        {
-            karPageMemory pool(40, 3);
-            void *p = pool.newElement();
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-            pool.deleteElement(p);
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-            pool.newElement();
-            pool.delete_all();
-            EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-        }
-        globalMemList->setMarkMemListGlobal(saved);
+        const Mark during(mark);
+        karPageMemory pool(40, 3);
+        void *p = pool.newElement();
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
+        pool.deleteElement(p);
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
+        pool.newElement();
+        pool.delete_all();
+        EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
     }
 }
 
@@ -1122,7 +1105,7 @@ TEST(KarPageMemory, PagesAppendedAheadAreFilledInTheirOrder)
         EXPECT_EQ(pool.newElement(), pages[i]->PageBegin());
 }
 
-TEST(KarPageMemory, AppendAndDeletePageByHand)
+TEST(KarPageMemory, ServesPagesThatAreAppendedAndDeletedByHand)
 {
     PoolPeek pool(40, 3);
     karPage *const a = pool.appendPage();

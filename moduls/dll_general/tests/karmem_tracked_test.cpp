@@ -17,14 +17,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-
-struct HeapCounts {
-    long blocks = globalMemList->getCurAnzNew();
-    long bytes = globalMemList->getCurSizeNew();
-    bool operator==(const HeapCounts &other) const { return blocks == other.blocks && bytes == other.bytes; }
-};
-
 /// Addresses that no allocator knows.
 char places[100000];
 

@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-constexpr unsigned blockShift = wide ? 12 : 0;
-
 void setGuard(void *place, unsigned value) { std::memcpy(place, &value, sizeof value); }
 void setHeader(void *p, unsigned value) { setGuard(static_cast<char *>(p) - 4, value); }
 void setFooter(void *p, unsigned total, unsigned value) { setGuard(static_cast<char *>(p) + total - 8, value); }

@@ -13,11 +13,6 @@
 
 namespace {
 
-constexpr bool wide = sizeof(void *) > 4;
-constexpr unsigned blockShift = wide ? 12 : 0;
-
-std::uintptr_t at(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
-
 unsigned guardAt(const void *place)
 {
     unsigned value;

@@ -11,6 +11,14 @@
 static_assert(kar::lengthTolerance == 1e-50 && kar::curveTolerance == 1e-10, "the two tolerances");
 static_assert(kar::wrapAdd(INT_MAX, 1) == INT_MIN && kar::toInt(-2.9) == -2, "usable in constant expressions");
 
+// Constant expressions must be defined, whatever the machine would give.
+static_assert(kar::toInt(-2147483649.0) == INT_MIN && kar::toInt(-3e9) == INT_MIN &&
+                  kar::toInt(2147483648.0) == INT_MAX,
+              "outside of the range");
+static_assert(kar::toSigned(0x7fffffffu) == INT_MAX && kar::toSigned(0x80000000u) == INT_MIN &&
+                  kar::toSigned(0xffffffffu) == -1,
+              "both ends of the range");
+
 TEST(KarNumeric, WrapsSumDifferenceAndProduct)
 {
     EXPECT_EQ(kar::wrapAdd(INT_MAX, 1), INT_MIN);
@@ -100,4 +108,37 @@ TEST(KarNumeric, TruncatesARealAndSaturates)
     };
     for (const Row &row : rows)
         EXPECT_EQ(kar::toInt(row.value), row.expected) << row.value;
+}
+
+TEST(KarNumeric, RoundsHalfAwayFromZeroAndSaturates)
+{
+    struct Row {
+        double value;
+        int expected;
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    const Row rows[] = {
+        {0.0, 0},
+        {-0.0, 0},
+        {0.25, 0},
+        {-0.25, 0},
+        {0.5, 1},
+        {-0.5, -1},
+        {0.49999999999999994, 1}, // the sum with 0.5 is rounded to 1
+        {1.25, 1},
+        {-1.25, -1},
+        {2.5, 3},
+        {-2.5, -3},
+        {2147483646.5, INT_MAX},
+        {2147483647.5, INT_MAX},
+        {-2147483647.5, INT_MIN},
+        {-2147483648.5, INT_MIN},
+        {1e300, INT_MAX},
+        {-1e300, INT_MIN},
+        {infinity, INT_MAX},
+        {-infinity, INT_MIN},
+        {std::numeric_limits<double>::quiet_NaN(), 0},
+    };
+    for (const Row &row : rows)
+        EXPECT_EQ(kar::roundAway(row.value), row.expected) << row.value;
 }

@@ -341,7 +341,7 @@ TEST(KarParamBlock, ConcatAddsInsertPointsUnplacedAndWrapping)
     EXPECT_EQ(block.getInsertPoint(), karPoint(INT_MIN, 2));
 }
 
-TEST(KarParamBlock, ConcatWithItself)
+TEST(KarParamBlock, ConcatWithItselfTakesItsValuesOnEntry)
 {
     karParamBlock block(karPoint(10, 20), 2.0, 3.0, 3000000, 400000, 1, karColor(1, 2, 3), 4);
     block.Concat(&block);

@@ -231,6 +231,43 @@ TEST_F(KarPercent, RiseAndStandstillAreSilent)
     EXPECT_TRUE(host.ticks.empty());
 }
 
+TEST_F(KarPercent, ATickFindsTheNewPercentagesAndRange)
+{
+    class Reader : public SilentHost {
+    public:
+        explicit Reader(karPercent &read) : stack(read) {}
+        void Fortschritt(int) override
+        {
+            found = {stack.getPercent(), stack.getLayerPercent(), stack.getStart(), stack.getEnd()};
+        }
+        karPercent &stack;
+        std::vector<int> found;
+    };
+    Reader reader(stack);
+    stack.setLayerPercent(40);
+    stack.setLayerPercent(10);
+    EXPECT_EQ(reader.found, (std::vector<int>{10, 10, 0, 100}));
+    stack.setStartEnd(5, 60);
+    EXPECT_EQ(reader.found, (std::vector<int>{5, 0, 5, 60}));
+    stack.removeLayer();
+    stack.setLayerPercent(1);
+    EXPECT_EQ(reader.found, (std::vector<int>{-1, -1, -1, -1}));
+}
+
+TEST_F(KarPercent, TheLastLayerIsInnermostWhicheverIsCurrent)
+{
+    stack.addLayer();
+    stack.ListInsert(new karPercentList(nullptr, 20, 70), nullptr); // the outermost, and current
+    EXPECT_EQ(stack.getEnd(), 100);
+    stack.setStartEnd(0, 50);
+    EXPECT_EQ(stack.ListLast()->getEnd(), 50);
+    EXPECT_EQ(stack.ListFirst()->getEnd(), 70);
+    stack.setLayerPercent(100); // 50, then 20 + 25
+    EXPECT_EQ(stack.getPercent(), 45);
+    stack.removeLayer();
+    EXPECT_EQ(stack.getEnd(), 100);
+}
+
 TEST_F(KarPercent, AnEmptyStackGivesNoneAndMayTick)
 {
     stack.setLayerPercent(40);

@@ -4,9 +4,11 @@
 #include "testrandom.h"
 #include "teststeps.h"
 
+#include <climits>
 #include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace {
 
@@ -177,6 +179,26 @@ TEST(KarPointModel, AgreesOverAMillionRotations)
         }
         add(run.code, p);
     }
+}
+
+TEST(KarPointModel, AgreesWhereARotationReachesTheEndsOfTheRange)
+{
+    const int places[] = {INT_MIN, INT_MIN + 1, -1, 0, INT_MAX};
+    const double belowOne = std::nextafter(1.0, 0.0), aboveOne = std::nextafter(1.0, 2.0);
+    const double infinity = std::numeric_limits<double>::infinity(), nan = std::numeric_limits<double>::quiet_NaN();
+    const double factors[] = {0.0, -0.0,     5e-324,    0.5, belowOne, -belowOne, 1.0,
+                              -1., aboveOne, -aboveOne, 2.0, infinity, -infinity, nan};
+    for (const int x : places)
+        for (const int y : places)
+            for (const double c : factors)
+                for (const double s : factors)
+                    for (const int centre : {0, 1, INT_MIN, INT_MAX}) {
+                        karPoint p(x, y);
+                        p.RotateElement(c, s, centre, -1);
+                        const Plain expected = turned({x, y}, c, s, centre, -1);
+                        ASSERT_EQ(p.x(), expected.x) << x << ' ' << y << ' ' << c << ' ' << s << ' ' << centre;
+                        ASSERT_EQ(p.y(), expected.y) << x << ' ' << y << ' ' << c << ' ' << s << ' ' << centre;
+                    }
 }
 
 // Coordinates up to 10000 keep a last-bit difference between trigonometry libraries away from the truncation.

@@ -703,6 +703,10 @@ TEST(KarD_Rect, IsNormalisedOnRequest)
     r = plainReal(10, 2, 1, 20);
     r.NormalizeRect();
     EXPECT_EQ(box(r), (RealBox{1, 2, 10, 20}));
+    r = plainReal(0.0, 0.0, -0.0, -0.0); // equal: nothing is exchanged
+    r.NormalizeRect();
+    EXPECT_FALSE(std::signbit(r.left()) || std::signbit(r.bottom()));
+    EXPECT_TRUE(std::signbit(r.right()) && std::signbit(r.top()));
 }
 
 TEST(KarD_Rect, TakesValuesOutOfItselfAsTheyWere)

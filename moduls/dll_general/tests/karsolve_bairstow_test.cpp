@@ -23,8 +23,6 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 /// Left in entries that must not be written.
 constexpr double untouched = 12345.0;
 
-#define EXPECT_BITS(expected, actual) EXPECT_TRUE(sameBits(expected, actual)) << (actual) << " is not " << (expected)
-
 /// One run of `eqbairstow`, with an entry behind the arrays.
 struct RealRun {
     int n;
@@ -583,6 +581,66 @@ TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
         run.code.add(passes);
         for (int i = 1; i <= roots; ++i)
             run.code.add(solver.x[i].GetReal()), run.code.add(solver.x[i].GetImag());
+    }
+}
+
+/// Bounds that are met late, never, and at once.
+double anyBound(TestRandom &random)
+{
+    const double bounds[] = {1e-3, 1e-15, 1e-300, 0.0, -1.0, inf, nan};
+    return bounds[random.below(7)];
+}
+
+TEST(Eqbairstow, EqualsTheStepsForAnyBoundAndLeavesTheirQuotient)
+{
+    TestRandom random(90);
+    for (int step = 0, steps = testSteps(30000); step < steps; ++step) {
+        std::vector<double> a(static_cast<std::size_t>(random.between(4, 5)));
+        for (double &coefficient : a)
+            coefficient = step % 2 == 0 ? random.between(-3, 3) : mixedDouble(random);
+        const double eps = anyBound(random);
+        RealRun run(a), expected = run;
+        plain::Complex x[4];
+        int passes = 40, allowed = 40;
+        const int roots = plain::bairstow(run.n, expected.a, 0.0, 0.0, x, passes, eps);
+        for (int i = 0; i < roots; ++i)
+            expected.re[i + 1] = x[i].re, expected.im[i + 1] = x[i].im;
+        ASSERT_EQ(roots, run.solve(eps, allowed)) << "seed 90, step " << step;
+        ASSERT_EQ(passes, allowed) << "seed 90, step " << step;
+        ASSERT_TRUE(run.isSameAs(expected)) << "seed 90, step " << step;
+    }
+}
+
+TEST(EqBairstow, EqualsTheStepsForAnyBoundAndStartAndLeavesTheirQuotient)
+{
+    TestRandom random(91);
+    for (int step = 0, steps = testSteps(20000); step < steps; ++step) {
+        const auto part = [&] { return step % 2 == 0 ? random.between(-3, 3) : mixedDouble(random); };
+        const auto number = [&] {
+            const double re = part();
+            return plain::Complex{re, random.below(4) == 0 ? 0.0 : part()};
+        };
+        const auto asLibrary = [](plain::Complex z) { return karComplex(z.re, z.im); };
+        std::vector<karComplex> coefficients;
+        plain::Complex a[5];
+        const int n = random.between(3, 4);
+        for (int i = 0; i <= n; ++i) {
+            a[i] = number();
+            coefficients.push_back(asLibrary(a[i]));
+        }
+        const double eps = anyBound(random);
+        const plain::Complex p = number(), q = number();
+        ComplexRun run(coefficients), expected = run;
+        plain::Complex x[4];
+        int passes = 40, allowed = 40;
+        const int roots = plain::bairstow(n, a, p, q, x, passes, eps);
+        for (int i = 0; i <= n; ++i)
+            expected.a[i] = asLibrary(a[i]);
+        for (int i = 0; i < roots; ++i)
+            expected.x[i + 1] = asLibrary(x[i]);
+        ASSERT_EQ(roots, run.solve(asLibrary(p), asLibrary(q), eps, allowed)) << "seed 91, step " << step;
+        ASSERT_EQ(passes, allowed) << "seed 91, step " << step;
+        ASSERT_TRUE(run.isSameAs(expected)) << "seed 91, step " << step;
     }
 }
 

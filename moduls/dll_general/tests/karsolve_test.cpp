@@ -1,7 +1,7 @@
 #include "karsolve.h"
 
-#include "testexact.h"
 #include "goldenrun.h"
+#include "testexact.h"
 #include "testnumbers.h"
 #include "testrandom.h"
 #include "teststeps.h"
@@ -18,8 +18,6 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
 /// Left in outputs that must not be written.
 constexpr double untouched = 12345.0;
-
-#define EXPECT_BITS(expected, actual) EXPECT_TRUE(sameBits(expected, actual)) << (actual) << " is not " << (expected)
 
 // Determinants and linear systems
 

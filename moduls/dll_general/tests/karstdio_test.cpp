@@ -1,8 +1,8 @@
 // The console hooks beside a host that records what it is asked.
 // Not tested: `statusText` without a host, where the pointer is used without a test.
 #include "karstdio.h"
-#include "support/failalloc.h"
-#include "support/textprobe.h"
+#include "failalloc.h"
+#include "textprobe.h"
 #include "testslot.h"
 
 #include <cstdio>

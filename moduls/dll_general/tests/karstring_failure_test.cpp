@@ -1,7 +1,7 @@
 // Texts while allocations fail: nothing is written, reads give the empty text, length and size stay as computed.
 #include "karstringlist.h"
-#include "support/failalloc.h"
-#include "support/textprobe.h"
+#include "failalloc.h"
+#include "textprobe.h"
 
 #include <string>
 

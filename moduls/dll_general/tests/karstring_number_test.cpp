@@ -1,6 +1,6 @@
 // Texts of real numbers and back, and whole numbers from texts.
-#include "support/exactdecimal.h"
-#include "support/textprobe.h"
+#include "exactdecimal.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
 
@@ -234,6 +234,7 @@ TEST(KarString, ReadsRealNumbers)
     EXPECT_EQ(readReal("0.0000000000000000000007"), 7e-22);           // 22 places
     EXPECT_EQ(readReal("0.00000000000000000000007"), 7e-23);          // one more
     EXPECT_EQ(readReal("9007199254740992"), 9007199254740992.0);      // 2^53
+    EXPECT_EQ(readReal("10848760502060.357"), 0x1.3bbd9082e58b7p+43); // above 2^53 without the point
     EXPECT_EQ(readReal("9999999999999999999"), 1e19);                 // 19 digits, 20 and more
     EXPECT_EQ(readReal("18446744073709551617"), 18446744073709552e3); // 2^64 + 1
     EXPECT_EQ(readReal("184467440737095516160"), 18446744073709552e4);
@@ -300,6 +301,35 @@ TEST(KarString, ReadsRealNumbersOfAnyLength)
     EXPECT_EQ(readReal("9007199254740993"), 9007199254740992.0);                                // a tie goes to even
     EXPECT_EQ(readReal("9007199254740993." + std::string(800, '0') + "1"), 9007199254740994.0); // a little above it
     EXPECT_EQ(readReal("9007199254740995"), 9007199254740996.0);
+    // Above 2^53, where digits and quotient would each be rounded.
+    EXPECT_EQ(readReal("141.34132357837303"), 141.34132357837303);
+    EXPECT_EQ(readReal("100693156.97783869"), 100693156.97783869);
+}
+
+TEST(KarString, ReadsNumbersThatFillTheirBuffers)
+{
+    const auto full = [](const char *text) { // of eight characters
+        karString s(std::string(text, 7).c_str(), 0u);
+        s[7] = text[7];
+        return s;
+    };
+    const auto whole = [](karString s) {
+        int value = -77;
+        EXPECT_EQ(s.s2int(value), KAR_SUCCESS);
+        return value;
+    };
+    errno = 0;
+    EXPECT_EQ(whole(full("12345678")), 12345678);
+    EXPECT_EQ(whole(full("0x1234ab")), 0x1234ab);
+    EXPECT_EQ(whole(full("-1234567")), -0x1234567);
+    karString real = full("1234.567");
+    double value = -77;
+    EXPECT_EQ(real.s2double(value), KAR_SUCCESS);
+    EXPECT_EQ(value, 1234.567);
+    karString controls = full("123456\r\n");
+    EXPECT_EQ(controls.s2double(value), KAR_SUCCESS);
+    EXPECT_EQ(value, 123456.0);
+    EXPECT_TRUE(hasState(controls, "123456", 6, 8));
 }
 
 TEST(KarString, AnInfinityLeavesErrnoAlone)

@@ -1,7 +1,7 @@
 // Formatting, trimming, mapping, searching and taking texts apart.
 // Not tested: the size that a format of more than 4 GB asks for.
 #include "karmemgb.h"
-#include "support/textprobe.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
 
@@ -363,6 +363,11 @@ TEST(KarString, FormatRoundsAMiddleToTheEvenDigitAndNamesWhatIsNoNumber)
     EXPECT_EQ(s == "0.000000000000000000000847032947254300339068322500679641962051391601562", 1);
     s.format("%.71f", 0x1p-70 + 0x1p-72); // ...953125
     EXPECT_EQ(s == "0.00000000000000000000105879118406787542383540312584955245256423950195312", 1);
+    // More than the middle by what follows in the same nine digits, and by what follows them.
+    s.format("%.54f", 0x1p-61); // ...6845703125
+    EXPECT_EQ(s == "0.000000000000000000433680868994201773602981120347976685", 1);
+    s.format("%.17f", 13 * 0x1p-61); // 5.637...e-18
+    EXPECT_EQ(s == "0.00000000000000001", 1);
 #if defined(__linux__)
     s.format("%f|%5.1f", std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity());
     EXPECT_EQ(s == "inf| -inf", 1);

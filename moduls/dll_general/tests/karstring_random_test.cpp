@@ -1,5 +1,5 @@
 // A million random operations on texts beside a plain model that keeps every byte, the cached length and the size.
-#include "support/textprobe.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "teststeps.h"
 

@@ -1,6 +1,6 @@
 // Storage, construction, assignment, access, comparison, concatenation and bounded copies of texts.
 // Not tested: a null where none is accepted.
-#include "support/textprobe.h"
+#include "textprobe.h"
 
 #include <climits>
 #include <cstdint>
@@ -86,6 +86,7 @@ TEST(KarString, RepeatsACharacter)
 {
     EXPECT_TRUE(hasState(karString('x', 3u, 8u), "xxx", 3, 16));
     EXPECT_TRUE(hasState(karString('x', 3u), "xxx", 3, 16)); // extra is 8 by default
+    EXPECT_TRUE(hasState(karString('x', 7u), "xxxxxxx", 7, 16));
     EXPECT_TRUE(hasState(karString('x', 3u, 0u), "xxx", 3, 8));
     EXPECT_TRUE(hasState(karString('x', 7u, 0u), "xxxxxxx", 7, 8));
     EXPECT_TRUE(hasState(karString('x', 8u, 0u), "xxxxxxxx", 8, 16));
@@ -137,6 +138,8 @@ TEST(KarString, CopyHasTheLengthOfItsSource)
     EXPECT_TRUE(hasState(karString(source, 0u), "abcdef", 6, 8));
     EXPECT_TRUE(hasState(karString(source, 1u), "abcdef", 6, 8));
     EXPECT_TRUE(hasState(karString(source, 2u), "abcdef", 6, 16));
+    const karString full("abcdefg", 0u);
+    EXPECT_TRUE(hasState(karString(full), "abcdefg", 7, 16)); // 8 bytes more, no ninth
 }
 
 TEST(KarString, CopyMeasuresAMarkedSourceAndLeavesItMarked)
@@ -263,6 +266,10 @@ TEST(KarString, ReadsAsEmptyWithoutABuffer)
     karString::searchStruct table[] = {{"", 1}, {nullptr, 0}};
     EXPECT_EQ(s.searchValue(table, value), -1);
     EXPECT_EQ(value, 5);
+    karString t("abc");
+    t &= s;
+    EXPECT_TRUE(hasState(t, "abc", 3, 16));
+    EXPECT_TRUE(hasState(t & s, "abc", 3, 16));
     EXPECT_TRUE(hasState(s.notIn("x"), "", 0, 16));
     EXPECT_TRUE(hasState(s.replacechar('x', 'y'), "", 0, 16));
     EXPECT_TRUE(hasState(s.removechar('x'), "", 0, 16));
@@ -622,6 +629,7 @@ TEST(KarString, IndexTakesEveryIntegerType)
     EXPECT_EQ(s[static_cast<short>(1)], 'b');
     EXPECT_EQ(s[static_cast<unsigned char>(1)], 'b');
     EXPECT_EQ(s.at(std::size_t{2}), 'c');
+    EXPECT_EQ(&s[0x100000000LL], &s[-1]);
     EXPECT_EQ(&s[0x100000001LL], &s[-1]); // no 32 bits: bad, not the second character
     EXPECT_EQ(&s.at(-5L), &s[-1]);
 }
@@ -800,14 +808,16 @@ TEST(KarString, ComparesByteByByteAsUnsigned)
 
 TEST(KarString, ComparesWithATextThatMayBeWrittenTo)
 {
-    karString s("b");
-    char other[] = "a";
-    EXPECT_EQ(s < other, 0);
-    EXPECT_EQ(s > other, 1);
-    EXPECT_EQ(s <= other, 0);
-    EXPECT_EQ(s >= other, 1);
-    EXPECT_EQ(s == other, 0);
-    EXPECT_EQ(s != other, 1);
+    const karString s("b");
+    for (char c = 'a'; c <= 'c'; ++c) {
+        char other[] = {c, '\0'};
+        EXPECT_EQ(s < other, 'b' < c);
+        EXPECT_EQ(s > other, 'b' > c);
+        EXPECT_EQ(s <= other, 'b' <= c);
+        EXPECT_EQ(s >= other, 'b' >= c);
+        EXPECT_EQ(s == other, 'b' == c);
+        EXPECT_EQ(s != other, 'b' != c);
+    }
     EXPECT_EQ(TextProbe::cached(s), 1u);
 }
 

@@ -1,7 +1,7 @@
 // Lists of texts: what an element does with its text and its links, and what a head owns.
 #include "karstringlist.h"
-#include "support/failalloc.h"
-#include "support/textprobe.h"
+#include "failalloc.h"
+#include "textprobe.h"
 #include "testrandom.h"
 #include "testslot.h"
 #include "teststeps.h"

@@ -49,21 +49,18 @@ SystemAnswers answers(std::uint32_t platform, std::uint32_t major, std::uint32_t
     return kar::answersTo(&report, madeUpName);
 }
 
-int versionRow(std::uint32_t major, std::uint32_t minor) { return answers(2, major, minor, 1).versionRow; }
+int versionOf(std::uint32_t major, std::uint32_t minor) { return answers(2, major, minor, 1).version; }
 
 TEST(SystemTables, HoldTheNumbersAndTexts)
 {
     const char *const types[] = {"UNKNOWN", "Win32s", "Windows NT", "Windows 95", "SUNOS"};
     ASSERT_EQ(std::extent<decltype(kar::systemTypes)>::value, 5u);
-    for (int row = 0; row < 5; ++row) {
-        EXPECT_EQ(kar::systemTypes[row].number, row);
-        EXPECT_STREQ(kar::systemTypes[row].text, types[row]);
-    }
+    for (int row = 0; row < 5; ++row)
+        EXPECT_STREQ(kar::systemTypes[row], types[row]);
     const char *const versions[] = {"UNKNOWN", "3.1", "3.5", "3.51", "4.0", "4.01", "5.4"};
     const unsigned packed[] = {0x0000, 0x030a, 0x0332, 0x0333, 0x0400, 0x0401, 0x0540};
     ASSERT_EQ(std::extent<decltype(kar::systemVersions)>::value, 7u);
     for (int row = 0; row < 7; ++row) {
-        EXPECT_EQ(kar::systemVersions[row].number, row);
         EXPECT_STREQ(kar::systemVersions[row].text, versions[row]);
         EXPECT_EQ(kar::systemVersions[row].packed, packed[row]);
     }
@@ -72,49 +69,49 @@ TEST(SystemTables, HoldTheNumbersAndTexts)
 TEST(SystemAnswers, PlatformSelectsTheTypeRow)
 {
     computer = "ABC";
-    EXPECT_EQ(answers(0, 4, 0, 1).typeRow, 1);
-    EXPECT_EQ(answers(1, 4, 0, 1).typeRow, 3);
-    EXPECT_EQ(answers(2, 4, 0, 1).typeRow, 2);
-    EXPECT_EQ(answers(3, 4, 0, 1).typeRow, 0);
-    EXPECT_EQ(answers(4, 4, 0, 1).typeRow, 0); // the row 4 exists, no platform selects it
-    EXPECT_EQ(answers(kar::otherPlatform, 4, 0, 1).typeRow, 0);
+    EXPECT_EQ(answers(0, 4, 0, 1).type, 1);
+    EXPECT_EQ(answers(1, 4, 0, 1).type, 3);
+    EXPECT_EQ(answers(2, 4, 0, 1).type, 2);
+    EXPECT_EQ(answers(3, 4, 0, 1).type, 0);
+    EXPECT_EQ(answers(4, 4, 0, 1).type, 0); // the row 4 exists, no platform selects it
+    EXPECT_EQ(answers(kar::otherPlatform, 4, 0, 1).type, 0);
 }
 
 TEST(SystemAnswers, PackedVersionSelectsTheVersionRow)
 {
-    EXPECT_EQ(versionRow(3, 10), 1);
-    EXPECT_EQ(versionRow(3, 50), 2);
-    EXPECT_EQ(versionRow(3, 51), 3);
-    EXPECT_EQ(versionRow(4, 0), 4);
-    EXPECT_EQ(versionRow(4, 1), 5);
-    EXPECT_EQ(versionRow(5, 64), 6);
+    EXPECT_EQ(versionOf(3, 10), 1);
+    EXPECT_EQ(versionOf(3, 50), 2);
+    EXPECT_EQ(versionOf(3, 51), 3);
+    EXPECT_EQ(versionOf(4, 0), 4);
+    EXPECT_EQ(versionOf(4, 1), 5);
+    EXPECT_EQ(versionOf(5, 64), 6);
 }
 
 TEST(SystemAnswers, VersionsOutsideTheTableAreUnknown)
 {
-    EXPECT_EQ(versionRow(4, 10), 0);
-    EXPECT_EQ(versionRow(5, 0), 0);
-    EXPECT_EQ(versionRow(5, 1), 0);
-    EXPECT_EQ(versionRow(5, 4), 0); // the text of the row 6 says 5.4, its packed form 5.64
-    EXPECT_EQ(versionRow(3, 1), 0);
-    EXPECT_EQ(versionRow(10, 0), 0);
-    EXPECT_EQ(versionRow(0, 0), 0);
+    EXPECT_EQ(versionOf(4, 10), 0);
+    EXPECT_EQ(versionOf(5, 0), 0);
+    EXPECT_EQ(versionOf(5, 1), 0);
+    EXPECT_EQ(versionOf(5, 4), 0); // the text of the row 6 says 5.4, its packed form 5.64
+    EXPECT_EQ(versionOf(3, 1), 0);
+    EXPECT_EQ(versionOf(10, 0), 0);
+    EXPECT_EQ(versionOf(0, 0), 0);
 }
 
 TEST(SystemAnswers, PackedVersionHas16Bits)
 {
-    EXPECT_EQ(versionRow(3, 256), 4);      // 0x0300 + 0x0100
-    EXPECT_EQ(versionRow(0x104, 0), 4);    // 0x10400 without its bit 16
-    EXPECT_EQ(versionRow(0, 0x10401u), 5); // the same from the minor version
+    EXPECT_EQ(versionOf(3, 256), 4);      // 0x0300 + 0x0100
+    EXPECT_EQ(versionOf(0x104, 0), 4);    // 0x10400 without its bit 16
+    EXPECT_EQ(versionOf(0, 0x10401u), 5); // the same from the minor version
 }
 
 TEST(SystemAnswers, UnknownVersionKeepsBuildAndPlatform)
 {
     computer = "ABC";
     const SystemAnswers said = answers(2, 5, 0, 2195);
-    EXPECT_EQ(said.versionRow, 0);
+    EXPECT_EQ(said.version, 0);
     EXPECT_EQ(said.built, 2195);
-    EXPECT_EQ(said.typeRow, 2);
+    EXPECT_EQ(said.type, 2);
     EXPECT_STREQ(said.node, "ABC");
 }
 
@@ -129,8 +126,8 @@ TEST(SystemAnswers, FailedQueryGivesNothing)
     computer = "ABC";
     asked = 0;
     const SystemAnswers said = kar::answersTo(nullptr, madeUpName);
-    EXPECT_EQ(said.typeRow, 0);
-    EXPECT_EQ(said.versionRow, 0);
+    EXPECT_EQ(said.type, 0);
+    EXPECT_EQ(said.version, 0);
     EXPECT_EQ(said.built, 0);
     EXPECT_STREQ(said.node, "");
     EXPECT_EQ(asked, 0);
@@ -240,7 +237,7 @@ TEST(System, AnswersStayTheSame)
     EXPECT_EQ(systemBuilt(), systemBuilt());
 }
 
-TEST(System, TypesOfTheExports)
+TEST(System, ExportsHaveTheirTypes)
 {
     static_assert(std::is_same<decltype(systemType()), int>::value, "");
     static_assert(std::is_same<decltype(systemTypeString()), const char *>::value, "");
@@ -280,7 +277,7 @@ TEST(Markers, GiveTheirCodeBack)
     EXPECT_EQ(errornoMethodExt(7, nullptr, 0), 7);
 }
 
-TEST(Markers, Return)
+TEST(Markers, DoNothingAndReturn)
 {
     globalBeep();
     _notready("karMatrix::Inverse()", "moduls/dll_general/src/karmatrix", 1);

@@ -387,7 +387,7 @@ TEST(KarVarPageMemory, FastPathCutsTheTailOffInPlace)
     EXPECT_EQ(pool.runs(0), (Runs{{0, 16}, {32, 48}}));
 }
 
-TEST(KarVarPageMemory, ResizeToNothing)
+TEST(KarVarPageMemory, ResizeToNothingEmptiesThePageOnTheFastPathAlone)
 {
     Pool pool(8, 10);
     void *const a = pool.newElement(2);
@@ -457,7 +457,7 @@ TEST(KarVarPageMemory, NewRunThatIsAloneOnItsPageIsGivenBackThroughTheOldPage)
     // The old page counts both the run that isn't its own and the tail; the new one keeps its count.
     EXPECT_EQ(pool.used(), (Counts{0, 8}));
     EXPECT_EQ(pool.runs(1), (Runs{{8, 8}}));
-    if (widePointers) {
+    if (wide) {
         EXPECT_EQ(pool.runs(0), (Runs{{8, 8}}));
     } else {
         EXPECT_EQ(pool.runs(0).size(), 2u);

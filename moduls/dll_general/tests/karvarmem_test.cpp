@@ -151,7 +151,7 @@ TEST(KarFreeVarElement, LinkOutOfReachReadsAsNullWithWidePointers)
 {
     char bytes[16];
     auto *const run = new (bytes) karFreeVarElement(nullptr, 8);
-    if (!widePointers) { // the link is the pointer itself
+    if (!wide) { // the link is the pointer itself
         run->next(run);
         void *link;
         std::memcpy(&link, bytes, sizeof link);
@@ -178,7 +178,7 @@ TEST(KarVarPage, FieldsStandBehindThoseOfTheBase)
     EXPECT_EQ(offsetIn(page, page.minElementCount_) - offsetIn(page, page.firstFreeElement_),
               static_cast<long>(sizeof(void *)));
     EXPECT_GT(offsetIn(page, page.firstFreeElement_), offsetIn(page, page.elementUsed_));
-    if (!widePointers) {
+    if (!wide) {
         EXPECT_EQ(offsetIn(page, page.firstFreeElement_), 32);
         EXPECT_EQ(offsetIn(page, page.minElementCount_), 36);
     }
@@ -785,7 +785,7 @@ TEST(KarVarPage, ReleaseOfARunOfAnotherPageIsLinkedOnlyWithNarrowPointers)
     EXPECT_EQ(page.elementUsed(), 2);
     EXPECT_EQ(other.elementUsed(), 4);
     EXPECT_EQ(other.runs(), Runs());
-    if (widePointers) {
+    if (wide) {
         EXPECT_EQ(page.firstFreeElement(), nullptr);
     } else {
         EXPECT_EQ(page.firstFreeElement(), p);

@@ -1,12 +1,9 @@
 // Any bytes as the text of a colour. A text without its marks is black, and what is written of a colour reads back.
+#include "fuzzinput.h"
 #include "karstring.h"
 #include "vcolor.h"
 
 #include <cerrno>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -20,15 +17,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::size_t first = open == std::string::npos ? open : seen.find(',', open);
     const std::size_t second = first == std::string::npos ? first : seen.find(',', first + 1);
     const std::size_t close = second == std::string::npos ? second : seen.find(')', second + 1);
-    if (close == std::string::npos && rgb != 0)
-        std::abort();
-    if (rgb < -2147483647 - 1 || rgb > 2147483647)
-        std::abort();
+    FUZZ_REQUIRE(close != std::string::npos || rgb == 0);
+    FUZZ_REQUIRE(rgb >= -2147483647 - 1 && rgb <= 2147483647);
 
     karString written;
     errno = 0;
-    if (vColorName::Conv(rgb, written, 0) != 0 ||
-        vColorName::Conv(static_cast<const karString &>(written)) != (rgb & 0xFFFFFF))
-        std::abort();
+    FUZZ_REQUIRE(vColorName::Conv(rgb, written, 0) == 0);
+    FUZZ_REQUIRE(vColorName::Conv(static_cast<const karString &>(written)) == (rgb & 0xFFFFFF));
     return 0;
 }

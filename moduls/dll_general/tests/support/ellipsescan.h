@@ -1,8 +1,9 @@
-// The box of a whole turned ellipse by its steps written out.
+// The box of a whole turned ellipse by its steps written out, and the comparison of two boxes.
 #ifndef KAR_TEST_ELLIPSE_SCAN_H
 #define KAR_TEST_ELLIPSE_SCAN_H
 
 #include "karrect.h"
+#include "testnumbers.h"
 
 #include <cmath>
 
@@ -19,6 +20,13 @@ struct DegreeTable {
         }
     }
 };
+
+/// Bit by bit.
+inline bool isSame(const karD_Rect &r, const karD_Rect &o)
+{
+    return sameBits(r.left(), o.left()) && sameBits(r.bottom(), o.bottom()) && sameBits(r.right(), o.right()) &&
+           sameBits(r.top(), o.top());
+}
 
 /// The steps written out, for a rotation that isn't along or across the axes.
 inline karD_Rect scanned(double cx, double cy, double a, double b, double rotation)

@@ -102,18 +102,6 @@ inline void PrintTo(const Holdings &holdings, std::ostream *out)
          << holdings.small << " small";
 }
 
-/// Sends every request straight to the system's heap while one lives: an allocation is one request.
-class Unpooled {
-public:
-    Unpooled() : before(globalMemList->setMarkMemListGlobal(0)) {}
-    ~Unpooled() { globalMemList->setMarkMemListGlobal(before); }
-    Unpooled(const Unpooled &) = delete;
-    Unpooled &operator=(const Unpooled &) = delete;
-
-private:
-    int before;
-};
-
 /// Blocks of each size class with a free place between them, so that an operation's blocks have neighbours on both
 /// sides.
 class Neighbours {
@@ -209,7 +197,7 @@ protected:
 
     static void releaseLost(unsigned smallest, unsigned largest)
     {
-        const Unpooled mark;
+        const Mark direct(0);
         for (unsigned i = 0; i < refusedHeap.grantedCount; ++i)
             for (unsigned offset = 0; offset < 32; ++offset) {
                 char *const block = static_cast<char *>(refusedHeap.granted[i]) + offset;
@@ -223,7 +211,7 @@ protected:
 TEST_P(EveryAllocation, FailsAloneOrWithThoseAfterIt)
 {
     const Operation &operation = GetParam();
-    const Unpooled mark;
+    const Mark direct(0); // an allocation is one request
     EXPECT_EQ(triedNormally(), operation.normal);
     EXPECT_EQ(refusedHeap.requests, operation.oneFails.size());
     for (unsigned n = 1; n <= operation.oneFails.size(); ++n)

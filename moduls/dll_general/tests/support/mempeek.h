@@ -5,6 +5,24 @@
 #include "karmemgb.h"
 #include "testslot.h"
 
+#include <algorithm>
+#include <cstdint>
+
+inline std::uintptr_t at(const void *p) { return reinterpret_cast<std::uintptr_t>(p); }
+
+/// Distance of two elements of `size` bytes: 8 bytes at least, on 64-bit targets 16 and a multiple of 8.
+inline int strideOf(int size) { return wide ? (std::max(size, 16) + 7) / 8 * 8 : std::max(size, 8); }
+
+/// Bytes from the start of an element to the block in it, so that the caller's bytes are aligned to 16.
+constexpr unsigned blockShift = wide ? 12 : 0;
+
+/// Counts of the global allocator that every test leaves as it found them.
+struct HeapCounts {
+    long blocks = globalMemList->getCurAnzNew();
+    long bytes = globalMemList->getCurSizeNew();
+    bool operator==(const HeapCounts &other) const { return blocks == other.blocks && bytes == other.bytes; }
+};
+
 struct PagePeek : karPage {
     static int stride(karPage &page) { return page.*&PagePeek::elementFullSize_; }
     static karFreeElement *freeList(karPage &page) { return page.*&PagePeek::firstFreeElement_; }

@@ -42,14 +42,15 @@ inline void quadratic(Complex p, Complex q, Complex *x)
     x[1] = {(-p.re - S.re) / 2, (-p.im - S.im) / 2};
 }
 
-/// Roots 0 to n - 1 for degree 3 or 4; the number of them. `passes` as in the library.
+/// Roots 0 to n - 1 for degree 3 or 4; the number of them. `a` is left with the quotient, `passes` as in the library.
 template <class Number>
-int bairstow(int n, Number *a, Number p, Number q, Complex *x, int &passes)
+int bairstow(int n, Number *a, Number p, Number q, Complex *x, int &passes, double eps = 1e-10)
 {
     Number b[5], c[5];
+    double ratio;
     int used = 0;
     b[0] = c[0] = a[0];
-    for (double ratio = 1; ratio > 1e-10;) {
+    do {
         if (used >= passes) {
             passes = -1;
             return 0;
@@ -68,9 +69,11 @@ int bairstow(int n, Number *a, Number p, Number q, Complex *x, int &passes)
         p = p + dp;
         q = q + dq;
         ratio = (size(dp) + size(dq)) / (size(p) + size(q));
-    }
+    } while (ratio > eps);
     passes = used;
     quadratic(p, q, x);
+    for (int k = 1; k <= n - 2; ++k)
+        a[k] = b[k];
     if (n == 4)
         quadratic(b[1] / b[0], b[2] / b[0], x + 2);
     else

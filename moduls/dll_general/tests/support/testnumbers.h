@@ -47,4 +47,6 @@ inline bool sameBits(double a, double b)
     return bitsOfA == bitsOfB;
 }
 
+#define EXPECT_BITS(expected, actual) EXPECT_TRUE(sameBits(expected, actual)) << (actual) << " is not " << (expected)
+
 #endif

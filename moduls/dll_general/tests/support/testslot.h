@@ -1,9 +1,12 @@
-// Where a virtual operation stands in its class, read from a pointer to member.
+// Where the parts of an object and its virtual operations stand.
 #ifndef KAR_TEST_SLOT_H
 #define KAR_TEST_SLOT_H
 
 #include <cstdint>
 #include <cstring>
+
+/// Links and addresses of 64 bits.
+constexpr bool wide = sizeof(void *) > 4;
 
 /// Index in the table of virtual operations. A destructor takes two places. Itanium C++ ABI, as all targets have it:
 /// the first word of a pointer to a virtual member is 1 plus the offset in the table.

@@ -8,8 +8,6 @@
 #include <utility>
 #include <vector>
 
-constexpr bool widePointers = sizeof(void *) > 4;
-
 using Runs = std::vector<std::pair<int, int>>; // offset in the page and length of each free run, in list order
 
 inline char *at(void *base, int bytes) { return static_cast<char *>(base) + bytes; }

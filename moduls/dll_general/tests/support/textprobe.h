@@ -17,6 +17,11 @@ struct TextProbe : karString {
     static unsigned size(const karString &s) { return s.*&TextProbe::bufferSize; }
 };
 
+/// Keeps the pages that short texts come from, which would come and go with each text of a long sequence.
+struct HeldPages {
+    const karString small{7u}, middle{23u}, large{39u};
+};
+
 /// Text, cached length and size, read without any operation of the class.
 inline ::testing::AssertionResult hasState(const karString &s, const std::string &text, unsigned cached, unsigned size)
 {
