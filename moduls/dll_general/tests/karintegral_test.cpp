@@ -377,7 +377,7 @@ int reached(const double *row, double eps)
     return 6;
 }
 
-TEST(Integral, MillionCallsOfTheIntegrandHashToTheGoldenValue)
+TEST(Integral, MillionCallsOfTheIntegrandEqualThePlainSteps)
 {
     GoldenRun run(88, 8000, 10825597049705815912u);
     while (run.next()) {

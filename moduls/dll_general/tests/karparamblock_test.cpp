@@ -480,7 +480,7 @@ void plainPlace(const PlainBlock &p, double &x, double &y)
 } // namespace
 
 // Right angles and no slope: nothing of the C library's trigonometry takes part, so every bit is compared.
-TEST(PlacedCopy, AMillionPointsAtRightAnglesHaveTheHashOfThePlainSteps)
+TEST(PlacedCopy, AMillionPointsAtRightAnglesEqualThePlainSteps)
 {
     GoldenRun run(1021, 1000000, 0x4d849fd13e949341u);
     while (run.next()) {
@@ -505,7 +505,7 @@ TEST(PlacedCopy, AMillionPointsAtRightAnglesHaveTheHashOfThePlainSteps)
 }
 
 // Any angle and slope: the places are hashed on the grid, where a last bit of a sine doesn't show.
-TEST(PlacedCopy, AMillionGridPointsHaveTheHashOfThePlainSteps)
+TEST(PlacedCopy, AMillionGridPointsEqualThePlainSteps)
 {
     GoldenRun run(1022, 1000000, 0x779b2af8511a7915u);
     while (run.next()) {
@@ -530,7 +530,7 @@ TEST(PlacedCopy, AMillionGridPointsHaveTheHashOfThePlainSteps)
 }
 
 // Chains of combinations; the fields are whole numbers and products of powers of two, exact on every target.
-TEST(KarParamBlock, AMillionCombinationsHaveTheHashOfThePlainSums)
+TEST(KarParamBlock, AMillionCombinationsEqualThePlainSums)
 {
     GoldenRun run(1023, 1000000, 0x5b6192694efe53a3u);
     karParamBlock block;

@@ -746,7 +746,7 @@ karRectX turnedBox(const Plain &box)
 
 } // namespace
 
-TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
+TEST(KarRectX, AMillionCornersAndExtentsEqualThePlainSteps)
 {
     GoldenRun run(1040, 250000, 0xafbcd2d2e40c66dbu);
     while (run.next()) {
@@ -783,7 +783,7 @@ TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
     }
 }
 
-TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
+TEST(KarRectX, AMillionPointsInTurnedBoxesEqualThePlainSteps)
 {
     GoldenRun run(1041, 200000, 0x4759403d37ff0bd7u);
     while (run.next()) {
@@ -807,7 +807,7 @@ TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
     }
 }
 
-TEST(KarRectX, AMillionViewsHaveTheHashOfThePlainSteps)
+TEST(KarRectX, AMillionViewsEqualThePlainSteps)
 {
     GoldenRun run(1042, 1000000, 0xd4454c2542699ce5u);
     int seen = 0;
