@@ -629,8 +629,12 @@ karMemory_Entry *karMemory::search_memory_entry(void *p)
             if (!index->add(*record))
                 forgetIndex();
     }
-    if (index)
-        return index->find(p);
+    if (index) {
+        karMemory_Entry *const record = index->find(p);
+        if (!record || (record->next() && record->next()->prev() == record))
+            return record;
+        forgetIndex(); // a host has taken the record out of the chain
+    }
     for (karMemory_Entry *record = memoryEntries->first(); record->next(); record = record->next())
         if (record->hentry() == p)
             return record;

@@ -4,7 +4,6 @@
 #include "karnumeric.h"
 #include "pagechain.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -19,7 +18,8 @@ static_assert(sizeof(karFreeVarElement) == nodeBytes && alignof(karFreeVarElemen
 
 void *placeAt(const void *base, std::int64_t bytes)
 {
-    return static_cast<char *>(const_cast<void *>(base)) + static_cast<std::ptrdiff_t>(bytes);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): it may lie outside the storage
+    return reinterpret_cast<void *>(addressOf(base) + static_cast<std::uintptr_t>(bytes));
 }
 
 std::uintptr_t behind(const karFreeVarElement *run) { return addressOf(run->nextStart()); }

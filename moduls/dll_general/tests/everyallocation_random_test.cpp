@@ -29,7 +29,6 @@ public:
 
 const char *const texts[] = {"", "a", " ab,c\t", "0123456789abcdef", "12,34;56,78;90,ab;cd,ef;gh,ij", "\t-7fff "};
 
-// NOLINTNEXTLINE(readability-function-size): one line for each operation
 void changeText(karString &s, const karString &other, TestRandom &random)
 {
     const char *const text = texts[random.below(6)];

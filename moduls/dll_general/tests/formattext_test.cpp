@@ -158,6 +158,14 @@ TEST(ReadHexadecimal, EndsWithItsPartOfTheText)
     }
 }
 
+TEST(ReadHexadecimal, TakesAPrefixWithoutADigitForANumber)
+{
+    const char text[] = "0xg";
+    const char *behind = nullptr;
+    EXPECT_EQ(kar::text::readHexadecimal(text, text + 3, behind), 0);
+    EXPECT_EQ(behind, text + 1);
+}
+
 TEST(ReadDecimal, EndsWithItsPartOfTheText)
 {
     const char text[] = "00127x";

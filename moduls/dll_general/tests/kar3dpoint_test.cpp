@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -121,7 +120,7 @@ TEST(Kar3DPoint, RelationsAreBoolAndThoseOfADimensionInt)
     EXPECT_TRUE((std::is_same<decltype(d.width()), const double &>::value));
 }
 
-TEST(Kar3DPoint, EqualityHasAToleranceOf1e50Exclusive)
+TEST(Kar3DPoint, EqualityHoldsWithinAToleranceItselfExcluded)
 {
     EXPECT_TRUE(kar3D_Point(0, 0, 0) == kar3D_Point(1e-51, 0, 0));
     EXPECT_FALSE(kar3D_Point(0, 0, 0) == kar3D_Point(1e-50, 0, 0));

@@ -275,7 +275,7 @@ TEST(KarColor, TheNamedIndicesHaveTheirColours)
 }
 
 // Each byte of two numbers on its own, with plain integers.
-TEST(KarColor, AMillionStepsHaveTheHashOfPlainBytes)
+TEST(KarColor, AMillionStepsEqualPlainBytes)
 {
     GoldenRun run(1010, 1000000, 0x88ed9f27ed00c0c6u);
     while (run.next()) {

@@ -8,9 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
-#include <deque>
-#include <memory>
 #include <vector>
 
 namespace {
@@ -409,7 +408,7 @@ TEST(KarMessage, AddsAnElementOnce)
 TEST(KarMessage, RemovesByElementMessageAndId)
 {
     karMessage list;
-    karMessageLBase *a = list.addMessage(EnumMessageID(1), 0);
+    list.addMessage(EnumMessageID(1), 0);
     karMessageLBase *b = list.addMessage(EnumMessageID(2), 0);
     karMessageLBase *c = list.addMessage(EnumMessageID(1), 0);
     karMessageLBase *d = list.addMessage(EnumMessageID(2), 0);
@@ -424,7 +423,6 @@ TEST(KarMessage, RemovesByElementMessageAndId)
     EXPECT_EQ(b->next(), d);
     list.removeMessage(b);
     EXPECT_EQ(list.ListFirst(), d);
-    (void)a;
 }
 
 TEST(KarMessage, RemAllRemovesEveryMessageOfTheId)
@@ -522,15 +520,11 @@ TEST(KarMessage, RandomSequencesWithSharedIdsFollowAPlainList)
                 plain.erase(plain.begin() + static_cast<std::ptrdiff_t>(at));
             }
             break;
-        case 4: {
+        case 4: { // the first of them
+            const auto first = std::find_if(plain.begin(), plain.end(), [&](auto *one) { return id(one) == wanted; });
             list.removeMessage(EnumMessageID(wanted));
-            for (auto i = plain.begin(); i != plain.end(); ++i) {
-                // the elements of the model are compared by place: the removed one is no longer read
-                if (list.ListExist(*i) == nullptr) {
-                    plain.erase(i);
-                    break;
-                }
-            }
+            if (first != plain.end())
+                plain.erase(first);
             break;
         }
         case 5:

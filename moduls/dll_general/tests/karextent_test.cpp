@@ -512,7 +512,7 @@ void add(RoundedHash &hash, const karD_Rect &r)
     hash.add(r.top());
 }
 
-TEST(Extents, MillionCallsHashToTheGoldenValue)
+TEST(Extents, MillionCallsEqualThePlainSteps)
 {
     GoldenRun<RoundedHash> run(55, 200000, 7897754397368335013u);
     while (run.next()) {

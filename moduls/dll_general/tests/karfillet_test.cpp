@@ -491,7 +491,7 @@ Lines randomLines(TestRandom &random)
     return g;
 }
 
-TEST(Fillet, MillionCallsHashToTheGoldenValue)
+TEST(Fillet, MillionCallsEqualThePlainSteps)
 {
     GoldenRun run(63, 500000, 5295480620140153750u);
     while (run.next()) {

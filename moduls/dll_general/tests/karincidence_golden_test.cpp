@@ -162,7 +162,7 @@ bool isNumber(const double *values, int count)
     return true;
 }
 
-TEST(Incidence, MillionCallsWithoutTrigonometryHashToTheGoldenValue)
+TEST(Incidence, MillionCallsWithoutTrigonometryEqualThePlainSteps)
 {
     GoldenRun run(91, 100000, 10399924719281701858u);
     while (run.next()) {

@@ -365,7 +365,7 @@ TEST(CalculateDistanceToLine, CoincidentEndPointsCountAsVertical)
     EXPECT_EQ(9.0, Calculate_Distance_To_Line(5, 9, 0, 0, 4, 9.9e-51));
 }
 
-TEST(CalculateDistanceToLine, ADifferenceOf1e50IsSloped)
+TEST(CalculateDistanceToLine, ADifferenceAtTheBoundIsSloped)
 {
     EXPECT_NEAR(4.0, Calculate_Distance_To_Line(1e50, 5, 0, 0, 1, 1e-50), 1e-14); // rises by 1 up to there
     EXPECT_EQ(5.0, Calculate_Distance_To_Line(1e50, 5, 0, 0, 1, 9.9e-51));
@@ -406,7 +406,7 @@ TEST(CalculateMirrorPointToLine, CoincidentEndPointsCountAsHorizontal)
     EXPECT_EQ(-3.0, x);
 }
 
-TEST(CalculateMirrorPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNumberIsNot)
+TEST(CalculateMirrorPointToLine, LengthAtTheBoundIsNormalisedAndOneThatIsNoNumberIsNot)
 {
     double x = 0, y = 0;
     // sqrt(6e-51 * 6e-51 + 8e-51 * 8e-51) is 1e-50: a slope, not the horizontal that 8e-51 would be
@@ -421,7 +421,7 @@ TEST(CalculateMirrorPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNumberIsN
     EXPECT_EQ(-3.0, y);
 }
 
-TEST(CalculateMirrorPointToLine, ADifferenceOf1e50IsSloped)
+TEST(CalculateMirrorPointToLine, ADifferenceAtTheBoundIsSloped)
 {
     double x = untouched, y = untouched;
     Calculate_Mirror_Point_To_Line(1e50, 0, 0, 0, 1, 1e-50, x, y); // the line rises by 1 up to there
@@ -471,7 +471,7 @@ TEST(CalculatePerpendicularPointToLine, TestsTheSegmentOnRequestAndWritesTheFoot
     EXPECT_EQ(0, Calculate_Perpendicular_Point_To_Line(5 + 1.1e-10, 7, 0, 2, 5, 2, x, y, true));
 }
 
-TEST(CalculatePerpendicularPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNumberIsNot)
+TEST(CalculatePerpendicularPointToLine, LengthAtTheBoundIsNormalisedAndOneThatIsNoNumberIsNot)
 {
     double x = 0, y = 0;
     EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(1, 0, 0, 0, 6e-51, 8e-51, x, y, false));
@@ -486,7 +486,7 @@ TEST(CalculatePerpendicularPointToLine, LengthOf1e50IsNormalisedAndOneThatIsNoNu
     EXPECT_EQ(0, Calculate_Perpendicular_Point_To_Line(3, 7, inf, 2, inf, 2, x, y, true)); // not in the box at infinity
 }
 
-TEST(CalculatePerpendicularPointToLine, ADifferenceOf1e50IsSloped)
+TEST(CalculatePerpendicularPointToLine, ADifferenceAtTheBoundIsSloped)
 {
     double x = untouched, y = untouched;
     EXPECT_EQ(1, Calculate_Perpendicular_Point_To_Line(1e50, 0, 0, 0, 1, 1e-50, x, y, false));
@@ -576,7 +576,7 @@ TEST(CalculateCentrepointOfArc, LeavesTheCentreOfCoincidentPoints)
     EXPECT_EQ(untouched, cy);
 }
 
-TEST(CalculateCentrepointOfArc, EliminatesXFromADifferenceOf1e50On)
+TEST(CalculateCentrepointOfArc, EliminatesXFromADifferenceAtTheBoundOn)
 {
     double cx = untouched, cy = untouched;
     EXPECT_TRUE(Calculate_Centrepoint_Of_Arc(0, 0, 9.9e-51, 0, 2, cx, cy)); // as vertical it divides by dy = 0

@@ -303,8 +303,8 @@ TEST(LengthOfEllipticalArc, IsTheIntegralOfTheSpeed)
     }
 }
 
-/// How far the length may be off, relative to it, for the whole ellipse, half of it and a quarter: up to four times what
-/// docs/arclength.md tells, as rounding is another for turned ellipses and on other targets.
+/// How far the length may be off, relative to it, for the whole ellipse, half of it and a quarter: up to four times
+/// what docs/arclength.md tells, as rounding is another for turned ellipses and on other targets.
 struct Reach {
     double flattening; // b / a
     double whole;
@@ -377,7 +377,7 @@ int reached(const double *row, double eps)
     return 6;
 }
 
-TEST(Integral, MillionCallsOfTheIntegrandHashToTheGoldenValue)
+TEST(Integral, MillionCallsOfTheIntegrandEqualThePlainSteps)
 {
     GoldenRun run(88, 8000, 10825597049705815912u);
     while (run.next()) {

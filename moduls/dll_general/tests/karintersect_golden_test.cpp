@@ -138,7 +138,7 @@ Ellipse randomEllipse(TestRandom &random, bool circle, bool rotated)
     return {v[0], v[1], a, b, rotated ? rotation : 0.0, start, end};
 }
 
-TEST(IntersectLine, CallsWithoutRotationHashToTheGoldenValue)
+TEST(IntersectLine, CallsWithoutRotationEqualThePlainSteps)
 {
     GoldenRun run(81, 200000, 17717090785720604481u);
     while (run.next()) {
@@ -176,7 +176,7 @@ TEST(IntersectLine, CallsWithRotationEqualTheSteps)
     }
 }
 
-TEST(IntersectEllipses, CallsWithoutRotationHashToTheGoldenValue)
+TEST(IntersectEllipses, CallsWithoutRotationEqualThePlainSteps)
 {
     GoldenRun run(83, 300000, 4430666571354711228u);
     while (run.next()) {
@@ -217,7 +217,7 @@ TEST(IntersectEllipses, CallsWithRotationEqualTheSteps)
     }
 }
 
-TEST(PerpendicularPoints, CallsWithoutRotationHashToTheGoldenValue)
+TEST(PerpendicularPoints, CallsWithoutRotationEqualThePlainSteps)
 {
     GoldenRun run(85, 200000, 18209146569110534442u);
     while (run.next()) {

@@ -10,10 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 namespace {
 

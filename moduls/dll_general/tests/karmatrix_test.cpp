@@ -163,10 +163,10 @@ TEST(KarMatrix, MovedFromIsEmpty)
     const double *array = m.GetData();
     karMatrix taken(std::move(m));
     EXPECT_EQ(taken.GetData(), array);
-    EXPECT_TRUE(isEmpty(m)); // NOLINT: what is left behind
+    EXPECT_TRUE(isEmpty(m)); // what is left behind
     m = std::move(taken);
     EXPECT_EQ(m.GetData(), array);
-    EXPECT_TRUE(isEmpty(taken)); // NOLINT
+    EXPECT_TRUE(isEmpty(taken));
 }
 
 TEST(KarMatrix, WithoutAnElementNothingIsReadOrWritten)
@@ -174,7 +174,7 @@ TEST(KarMatrix, WithoutAnElementNothingIsReadOrWritten)
     karMatrix never;
     karMatrix before(2);
     const karMatrix taken(std::move(before));
-    for (karMatrix *m : {&never, &before}) { // NOLINT: what is left behind
+    for (karMatrix *m : {&never, &before}) { // what is left behind
         EXPECT_TRUE(isEmpty(*m *= 2.0));
         EXPECT_TRUE(isEmpty(*m += *m));
         EXPECT_TRUE(isEmpty(*m -= *m));

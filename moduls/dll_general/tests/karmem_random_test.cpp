@@ -199,6 +199,136 @@ void runPool(std::uint64_t seed, int size, int perPage, int steps, unsigned most
     EXPECT_EQ(plain.pageCount(), 0);
 }
 
+std::vector<karPage *> pagesOf(karPageMemory &pool)
+{
+    std::vector<karPage *> pages;
+    karPage *const wayIn = PoolPeek::firstOf(pool);
+    for (karPage *page = wayIn ? wayIn->first() : nullptr; page; page = page->next())
+        pages.push_back(page);
+    return pages;
+}
+
+void chainSomewhere(TestRandom &random, karPage *page, karPage *other)
+{
+    switch (random.below(4)) {
+    case 0:
+        page->append(other);
+        break;
+    case 1:
+        page->insert(other);
+        break;
+    case 2:
+        page->insertFront(other);
+        break;
+    default: // behind the other, by the links alone
+        page->prev(other);
+        page->next(other->next());
+        if (karPage *const behind = other->next())
+            behind->prev(page);
+        other->next(page);
+        break;
+    }
+}
+
+/// Two pools whose host takes pages out of their chains and chains them elsewhere, beside walks along the links.
+class RechainedPools {
+public:
+    RechainedPools(TestRandom &source, int elementSize, int elementsPerPage)
+        : random(source),
+          size(elementSize),
+          perPage(elementsPerPage),
+          pools{{elementSize, elementsPerPage}, {elementSize, elementsPerPage}}
+    {}
+    ~RechainedPools()
+    {
+        const Mark direct(0);
+        for (karPage *page : loose)
+            delete page;
+    }
+    RechainedPools(const RechainedPools &) = delete;
+    RechainedPools &operator=(const RechainedPools &) = delete;
+
+    void step()
+    {
+        karPageMemory &pool = pools[random.below(2)];
+        const unsigned action = random.below(100);
+        if (action < 45)
+            take(pool);
+        else if (action < 92)
+            give(pool);
+        else
+            rechain(pool, action);
+    }
+    bool areValid() const { return pools[0].isValid() && pools[1].isValid(); }
+
+private:
+    void take(karPageMemory &pool)
+    {
+        const std::vector<karPage *> pages = pagesOf(pool);
+        const auto page = std::find_if(pages.begin(), pages.end(), [](karPage *p) { return p->canInsertElement(); });
+        const void *const expected = page != pages.end() ? PagePeek::freeList(**page) : nullptr;
+        void *const p = pool.newElement();
+        ASSERT_NE(p, nullptr);
+        if (expected) {
+            ASSERT_EQ(p, expected);
+        }
+        ASSERT_EQ(pagesOf(pool).size(), pages.size() + (expected ? 0 : 1));
+        live.push_back(p);
+    }
+
+    void give(karPageMemory &pool)
+    {
+        if (live.empty())
+            return;
+        const std::vector<karPage *> pages = pagesOf(pool);
+        void *&element = live[random.below(static_cast<unsigned>(live.size()))];
+        karPage *const page = pages.empty() ? nullptr : pages.front()->search(element);
+        const bool goes = page && page->elementUsed() == 1;
+        void *p = element;
+        pool.deleteElement(p);
+        ASSERT_EQ(p, page ? nullptr : element);
+        ASSERT_EQ(pagesOf(pool).size(), pages.size() - (goes ? 1 : 0));
+        if (page) {
+            element = live.back();
+            live.pop_back();
+        }
+    }
+
+    void rechain(karPageMemory &pool, unsigned action)
+    {
+        const std::vector<karPage *> pages = pagesOf(pool);
+        karPage *const page = pages.empty() ? nullptr : pages[random.below(static_cast<unsigned>(pages.size()))];
+        if (action < 94) {
+            const Mark direct(0); // straight from the heap, as the pages of the pools
+            loose.push_back(new karPage(nullptr, size, perPage));
+        } else if (action < 97) {
+            if (page && !isField(page)) {
+                page->unchain();
+                loose.push_back(page);
+            }
+        } else if (page && !loose.empty()) {
+            chainSomewhere(random, loose.back(), page);
+            loose.pop_back();
+        }
+    }
+
+    bool isField(const karPage *page)
+    {
+        for (karPageMemory &pool : pools)
+            for (const karPage *field : {PoolPeek::firstOf(pool), PoolPeek::currentOf(pool), PoolPeek::lastOf(pool)})
+                if (page == field)
+                    return true;
+        return false;
+    }
+
+    TestRandom &random;
+    int size;
+    int perPage;
+    karPageMemory pools[2];
+    std::vector<karPage *> loose; // in no pool
+    std::vector<void *> live;     // elements of any page
+};
+
 } // namespace
 
 TEST(KarPageMemory, MillionRandomStepsAgreeWithPlainScans)
@@ -367,4 +497,21 @@ TEST(KarGlobalMemory, MillionRandomStepsAgreeWithPlainScans)
     EXPECT_EQ(globalMemList->getCurAnzNew(), blocksBefore);
     EXPECT_EQ(globalMemList->getCurSizeNew(), 0);
     EXPECT_EQ(globalMemList->curr_used_memory(), 0);
+}
+
+TEST(KarPageMemory, PagesChainedByHandAtRandomAgreeWithPlainWalks)
+{
+    for (std::uint64_t seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE(seed);
+        TestRandom random(seed);
+        const int size =
+            random.below(2) ? 40 : 9000; // for small pages and large ones, which all pools look up together
+        const int perPage = random.between(1, 4);
+        RechainedPools pools(random, size, perPage);
+        for (int step = 0, steps = testSteps(300); step < steps; ++step) {
+            pools.step();
+            ASSERT_FALSE(HasFatalFailure()) << step;
+        }
+        ASSERT_TRUE(pools.areValid());
+    }
 }

@@ -6,13 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <deque>
-#include <memory>
-#include <string>
 #include <vector>
 
 namespace {

@@ -284,6 +284,26 @@ TEST(KarMemory, RecordFollowsAnAddressStoredInIt)
     EXPECT_EQ(memory.search_memory_entry(places + 7), nullptr);
 }
 
+TEST(KarMemory, RecordThatAHostTakesOutOfTheChainIsUnknown)
+{
+    for (int others : {3, 50}) { // with few records and with an index over many
+        Memory memory;
+        for (int i = 0; i < others; ++i)
+            memory.dxnew(places + i, 1);
+        EXPECT_EQ(memory.search_memory_entry(&memory), nullptr);
+        karMemory_Entry *const record = memory.search_memory_entry(places + 1);
+        record->unchain();
+        EXPECT_FALSE(forget(memory, places + 1));
+        EXPECT_EQ(memory.curr_used_memory(), others); // its size stays in the sum
+        memory.dxnew(places + 1, 10);
+        memory.dxnew(places + 99, 1);
+        EXPECT_TRUE(forget(memory, places + 1));
+        EXPECT_FALSE(forget(memory, places + 1));
+        EXPECT_EQ(memory.curr_used_memory(), others + 1);
+        EXPECT_TRUE(memory.isValid());
+    }
+}
+
 TEST(KarMemory, RecordOfANullAddressIsFound)
 {
     for (int others : {3, 50}) { // with few records and with an index over many
@@ -364,7 +384,7 @@ TEST(KarMemory, MissingRecordCutsTheOlderOnesOff)
 
 TEST(KarMemory, RecordComesFromTheGeneralAllocatorWhereThePoolHasNone)
 {
-    const int mark = globalMemList->setMarkMemListGlobal(1);
+    const Mark pooled(1);
     {
         karMemory memory;
         PoolPeek::lastOf(MemoryPeek::poolOf(memory)) = nullptr;
@@ -379,7 +399,6 @@ TEST(KarMemory, RecordComesFromTheGeneralAllocatorWhereThePoolHasNone)
         EXPECT_EQ(AllocatorPeek::pool(*globalMemList, 7).getAnzElem(), 2);
     }
     AllocatorPeek::pool(*globalMemList, 7).delete_all();
-    globalMemList->setMarkMemListGlobal(mark);
 }
 
 TEST(KarMemory, CopyFindsTheSameRecords)
@@ -539,16 +558,38 @@ TEST(KarMemory, DestructorReleasesWhatIsStillRegistered)
     EXPECT_TRUE(HeapCounts() == before);
 }
 
+TEST(KarMemory, TestDeleteAllGlobalMendsTheWayIntoThePoolWithoutRecordsOnly)
+{
+    Memory memory;
+    karPageMemory &pool = MemoryPeek::poolOf(memory);
+    void *element;
+    {
+        const Mark direct(0);
+        element = pool.newElement();
+    }
+    karPage *const page = PoolPeek::firstOf(pool);
+    memory.dxnew(places, 1);
+    PoolPeek::firstOf(pool) = nullptr;
+    memory.testDeleteAllGlobal();
+    EXPECT_EQ(PoolPeek::firstOf(pool), nullptr);
+    PoolPeek::firstOf(pool) = page;
+    EXPECT_TRUE(forget(memory, places));
+    PoolPeek::firstOf(pool) = nullptr;
+    memory.testDeleteAllGlobal();
+    EXPECT_EQ(PoolPeek::firstOf(pool), page);
+    const Mark direct(0);
+    pool.deleteElement(element);
+}
+
 TEST(KarMemory, MarkIsClearedForItsOwnRecordsOnly)
 {
     for (int mark : {0, 1, 7}) {
-        const int saved = globalMemList->setMarkMemListGlobal(mark);
+        const Mark during(mark);
         karMemory memory;
         memory.dxnew(places, 1);
         EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
         forget(memory, places);
         EXPECT_EQ(globalMemList->getMarkMemListGlobal(), mark);
-        globalMemList->setMarkMemListGlobal(saved);
     }
 }
 

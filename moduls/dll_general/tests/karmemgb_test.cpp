@@ -159,6 +159,21 @@ TEST(KarGlobalMemory, NeighboursInAPageStandOneStrideApart)
     }
 }
 
+TEST(KarGlobalMemory, TestDeleteAllMendsTheWayInUpToTheFirstPoolInUse)
+{
+    void *const small = KarAllocMemory(20);
+    void *const large = KarAllocMemory(900);
+    PoolPeek::firstOf(pool(7)) = nullptr;
+    PoolPeek::firstOf(pool(10)) = nullptr;
+    globalMemList->testDeleteAll();
+    EXPECT_EQ(PoolPeek::firstOf(pool(7)), PoolPeek::lastOf(pool(7)));
+    EXPECT_EQ(PoolPeek::firstOf(pool(10)), nullptr); // isn't reached
+    KarDellocMemory(small);
+    globalMemList->testDeleteAll();
+    EXPECT_EQ(PoolPeek::firstOf(pool(10)), PoolPeek::lastOf(pool(10)));
+    KarDellocMemory(large);
+}
+
 TEST(KarGlobalMemory, PoolsBetweenAreReadyForTheirSizes)
 {
     const int strides[] = {20, 30, 40, 50, 60, 80};

@@ -302,7 +302,7 @@ TEST(KarRectX, NormLageMovesTheCornersByTwoUnitsAtMost)
             int nearest = INT_MAX;
             for (int old = 0; old < 4; ++old)
                 nearest = std::min(nearest, before.Point(old).DistMax(box.Point(corner)));
-            ASSERT_LE(nearest, 4) << "step " << i;
+            ASSERT_LE(nearest, 2) << "step " << i;
         }
     }
 }
@@ -452,6 +452,7 @@ TEST(KarRectX, APointIsInWhereThePlainTestIsClear)
         const double across = -(p.x() - x) * s + (p.y() - y) * c;
         const double inner = std::min(std::min(along, width - along), std::min(across, height - across));
         const bool in = isIn(p, karRectX(karPoint(x, y), width, height, angle));
+        // The tangents are below 10 here: a unit of a corner moves a limit by 10, and rounding by one or two more.
         if (inner > 12) {
             ++inside;
             ASSERT_TRUE(in) << "step " << i;
@@ -745,7 +746,7 @@ karRectX turnedBox(const Plain &box)
 
 } // namespace
 
-TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
+TEST(KarRectX, AMillionCornersAndExtentsEqualThePlainSteps)
 {
     GoldenRun run(1040, 250000, 0xafbcd2d2e40c66dbu);
     while (run.next()) {
@@ -782,7 +783,7 @@ TEST(KarRectX, AMillionCornersAndExtentsHaveTheHashOfThePlainSteps)
     }
 }
 
-TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
+TEST(KarRectX, AMillionPointsInTurnedBoxesEqualThePlainSteps)
 {
     GoldenRun run(1041, 200000, 0x4759403d37ff0bd7u);
     while (run.next()) {
@@ -806,7 +807,7 @@ TEST(KarRectX, AMillionPointsInTurnedBoxesHaveTheHashOfThePlainSteps)
     }
 }
 
-TEST(KarRectX, AMillionViewsHaveTheHashOfThePlainSteps)
+TEST(KarRectX, AMillionViewsEqualThePlainSteps)
 {
     GoldenRun run(1042, 1000000, 0xd4454c2542699ce5u);
     int seen = 0;

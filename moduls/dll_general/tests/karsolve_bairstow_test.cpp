@@ -543,7 +543,7 @@ void addSteps(TestHash &hash, std::vector<Number> a, Number p, Number q)
         hash.add(x[i].re), hash.add(x[i].im);
 }
 
-TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
+TEST(Eqbairstow, MillionPassesEqualThePlainSteps)
 {
     GoldenRun run(84, 100000, 16711054473206003138u);
     while (run.next()) {
@@ -561,7 +561,7 @@ TEST(Eqbairstow, MillionPassesHashToTheGoldenValue)
     }
 }
 
-TEST(EqBairstow, HalfAMillionPassesHashToTheGoldenValue)
+TEST(EqBairstow, HalfAMillionPassesEqualThePlainSteps)
 {
     GoldenRun run(85, 30000, 6737948442523617243u);
     while (run.next()) {

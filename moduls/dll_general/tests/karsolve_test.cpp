@@ -499,7 +499,7 @@ void addComplex(TestHash &hash, TestHash &expected, double a, double b, double c
     expected.add((-a - u) / 2), expected.add((-b - v) / 2);
 }
 
-TEST(QuadraticSolvers, MillionCallsHashToTheGoldenValue)
+TEST(QuadraticSolvers, MillionCallsEqualThePlainSteps)
 {
     GoldenRun run(82, 250000, 4427330292202347150u);
     while (run.next()) { // four solvers
@@ -544,7 +544,7 @@ int eliminate(const double (*A)[2], double *b, int n)
     return 1;
 }
 
-TEST(LinearSolvers, MillionCallsHashToTheGoldenValue)
+TEST(LinearSolvers, MillionCallsEqualThePlainSteps)
 {
     GoldenRun run(83, 200000, 14541637026835405234u);
     while (run.next()) { // five calls

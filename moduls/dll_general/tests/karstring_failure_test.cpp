@@ -3,8 +3,6 @@
 #include "failalloc.h"
 #include "textprobe.h"
 
-#include <string>
-
 namespace {
 
 ::testing::AssertionResult hasNoBuffer(const karString &s, unsigned cached, unsigned size)

@@ -1,15 +1,23 @@
-// A million texts read as numbers, against the steps written out on plain texts and the schoolbook arithmetic of short
-// numbers; long ones are tested in karstring_number_test.cpp.
+// A million texts read as numbers and a million numbers written, against the steps written out on plain texts and the
+// schoolbook arithmetic of short numbers; long ones are tested in karstring_number_test.cpp.
 #include "support/textprobe.h"
 
 #include "goldenrun.h"
 
 #include <cerrno>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <string>
 
 namespace {
+
+std::uint64_t wordOf(const std::string &text, std::uint64_t word = 0)
+{
+    for (const char c : text)
+        word = word * 257 + static_cast<unsigned char>(c);
+    return word;
+}
 
 struct Reading {
     int result;
@@ -19,10 +27,7 @@ struct Reading {
 
     void addTo(TestHash &hash) const
     {
-        std::uint64_t word = error == ERANGE ? 1 : error == 0 ? 0 : 2;
-        for (const char c : text)
-            word = word * 257 + static_cast<unsigned char>(c);
-        hash.add(word);
+        hash.add(wordOf(text, error == ERANGE ? 1 : error == 0 ? 0 : 2));
         hash.add(result);
         hash.add(value);
     }
@@ -99,6 +104,56 @@ Reading plainReal(std::string text, int error)
     return {0, !any ? 0.0 : negative ? -value : value, error, text};
 }
 
+// The steps from digits and the place of their point to the text, for numerator / 2^shift. Up to 8 decimals of numbers
+// below 2^33 stay within 64 bits.
+std::string plainText(bool negative, std::uint64_t numerator, unsigned shift, int decimals, bool stripZeros)
+{
+    decimals = decimals < 0 ? 0 : decimals;
+    std::uint64_t power = 1;
+    for (int i = 0; i < decimals; ++i)
+        power *= 10;
+    const std::uint64_t rounded = (numerator * power * 2 + (std::uint64_t{1} << shift)) >> (shift + 1);
+    std::string digits;
+    int point = 0;
+    if (numerator == 0) {
+        digits.assign(static_cast<std::size_t>(decimals), '0');
+    } else if (rounded == 0) { // its own exponent
+        for (std::uint64_t rest = numerator * 10; rest >> shift == 0; rest *= 10)
+            --point;
+    } else {
+        digits = std::to_string(rounded);
+        point = static_cast<int>(digits.size()) - decimals;
+    }
+
+    std::string text = negative ? "-" : "";
+    std::size_t next = 0;
+    int budget = decimals;
+    if (point >= 1) {
+        for (int copied = 0; copied != point && next < digits.size(); ++copied)
+            text += digits[next++];
+        text += '.';
+    } else {
+        text += "0." + std::string(static_cast<std::size_t>(-point), '0');
+        budget += point;
+    }
+    for (; budget != 0 && next < digits.size(); --budget)
+        text += digits[next++];
+    while (stripZeros && text.back() == '0')
+        text.pop_back();
+    if (stripZeros && text.back() == '.')
+        text.pop_back();
+    return text;
+}
+
+std::string plainDigits(std::uint32_t value, unsigned radix)
+{
+    std::string text;
+    do
+        text.insert(0, 1, "0123456789abcdefghijklmnopqrstuvwxyz"[value % radix]);
+    while ((value /= radix) != 0);
+    return text;
+}
+
 // Texts near the borders of what is a number
 
 std::string anyText(TestRandom &random, unsigned longest)
@@ -167,5 +222,35 @@ TEST(KarString, AMillionTextsReadAsRealNumbersAsTheStepsDo)
         const int after = errno;
         Reading{result, value, after, textOf(s)}.addTo(run.code);
         plainReal(text, error).addTo(run.plain);
+    }
+}
+
+TEST(KarString, AMillionRealNumbersAreWrittenAsTheStepsDo)
+{
+    const HeldPages pages;
+    GoldenRun<> run(4171, 1000000, 113669923886713391u);
+    while (run.next()) {
+        const bool negative = run.random.below(2);
+        const std::uint64_t numerator = run.random.bits() >> (31 + run.random.below(33));
+        const unsigned shift = run.random.below(28);
+        const int decimals = run.random.between(-1, 8);
+        const bool stripZeros = run.random.below(2);
+        const double magnitude = std::ldexp(static_cast<double>(numerator), -static_cast<int>(shift));
+        run.code.add(wordOf(textOf(karString(negative ? -magnitude : magnitude, decimals, stripZeros))));
+        run.plain.add(wordOf(plainText(negative, numerator, shift, decimals, stripZeros)));
+    }
+}
+
+TEST(KarString, AMillionWholeNumbersAreWrittenAsTheStepsDo)
+{
+    const HeldPages pages;
+    GoldenRun<> run(4172, 1000000, 12244048924210286011u);
+    while (run.next()) {
+        const int value = run.random.anyInt() >> run.random.below(32);
+        const int radix = run.random.below(2) ? 10 : run.random.between(2, 36);
+        run.code.add(wordOf(textOf(karString(value, radix))));
+        const auto bits = static_cast<std::uint32_t>(value);
+        run.plain.add(wordOf(radix == 10 && value < 0 ? "-" + plainDigits(0u - bits, 10)
+                                                      : plainDigits(bits, static_cast<unsigned>(radix))));
     }
 }

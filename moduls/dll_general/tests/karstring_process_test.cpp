@@ -18,7 +18,6 @@
 #include <memory>
 #include <limits>
 #include <string>
-#include <vector>
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic ignored "-Wformat-nonliteral" // formats made at random

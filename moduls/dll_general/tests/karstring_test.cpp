@@ -3,11 +3,9 @@
 #include "textprobe.h"
 
 #include <climits>
-#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
-#include <vector>
 
 namespace {
 

@@ -332,7 +332,7 @@ TEST(VColor, ToDxfFollowsTheStepsForEveryLimit)
                 ASSERT_EQ(dxf(r, g, b), plainRGB2DXF(packed(r, g, b))) << r << ' ' << g << ' ' << b;
 }
 
-TEST(VColor, AMillionColoursHaveTheHashOfThePlainSteps)
+TEST(VColor, AMillionColoursEqualThePlainSteps)
 {
     GoldenRun run(1001, 1000000, 0xb1b48601ca9a2effu);
     while (run.next()) {
@@ -344,7 +344,7 @@ TEST(VColor, AMillionColoursHaveTheHashOfThePlainSteps)
 }
 
 // Random numbers almost never meet the eight exact values, so half of the calls choose among them.
-TEST(VColor, AMillionIgesNumbersHaveTheHashOfThePlainTable)
+TEST(VColor, AMillionIgesNumbersEqualThePlainTable)
 {
     GoldenRun run(1002, 1000000, 0xc60e3c9ae6e5dfeau);
     while (run.next()) {
@@ -355,7 +355,7 @@ TEST(VColor, AMillionIgesNumbersHaveTheHashOfThePlainTable)
     }
 }
 
-TEST(VColor, AMillionIndicesHaveTheHashOfThePlainTable)
+TEST(VColor, AMillionIndicesEqualThePlainTable)
 {
     GoldenRun run(1003, 1000000, 0x47e7e23dcce3a9fu);
     while (run.next()) {

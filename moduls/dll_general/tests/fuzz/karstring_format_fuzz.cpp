@@ -3,8 +3,6 @@
 #include "fuzzinput.h"
 #include "karstring.h"
 
-#include <cstdarg>
-
 #pragma clang diagnostic ignored "-Wformat-nonliteral"
 #pragma clang diagnostic ignored "-Wformat-security"
 

@@ -236,7 +236,6 @@ inline bool refuses(const void *caller)
 
 } // namespace refusedheap
 
-// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 #if defined(__SANITIZE_ADDRESS__)
 void *__interceptor_malloc(std::size_t size);
@@ -284,7 +283,6 @@ __attribute__((visibility("default"), no_sanitize("address", "undefined"))) void
     KAR_SYSTEM_FREE(p);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier)
 
 #endif
 
