@@ -429,6 +429,21 @@ TEST(KarGlobalMemory, CopySharesPagesRecordsAndCounters)
     KarDellocMemory(large);
 }
 
+TEST(KarGlobalMemory, AssignedOneTakesFromThePagesOfItsSource)
+{
+    void *small = KarAllocMemory(20);
+    alignas(karGlobalMemory) static unsigned char rooms[2][sizeof(karGlobalMemory)];
+    karGlobalMemory *const assigned = ::new (static_cast<void *>(rooms[0])) karGlobalMemory;
+    void *const left = assigned->newMem(20);
+    karGlobalMemory *const former = ::new (static_cast<void *>(rooms[1])) karGlobalMemory(*assigned);
+    *assigned = *globalMemList;
+    void *const second = assigned->newMem(20);
+    EXPECT_EQ(at(small) - at(second), wide ? 112u : 100u);
+    assigned->deleteMem(second);
+    former->deleteMem(left); // the page goes
+    KarDellocMemory(small);
+}
+
 TEST(KarGlobalMemory, HostsOwnAllocatorTakesItsPagesFromTheGlobalOne)
 {
     const long blocks = globalMemList->getCurAnzNew();

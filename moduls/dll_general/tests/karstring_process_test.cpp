@@ -166,6 +166,9 @@ TEST(KarString, FormatEstimateStopsReadingBehindWhatItDoesNotKnow)
     behind.format("%Fs|%*d|%-5d|%c|%n", 1.0, 3, 7, 8, 'x', &printed);
     EXPECT_EQ(behind == "1.000000s|  7|8    |x|", 1);
     EXPECT_EQ(printed, 22);
+    karString counts;
+    counts.format("0123456789abcde%n", &printed); // counts nothing: adjust(16)
+    EXPECT_TRUE(hasState(counts, "0123456789abcde", 15, 16));
     printed = 0;
     karString given;
     given.format("%*d|%*d|%s", 0, 5, 3, 6, "ab"); // a width of 0 is none; 32 + 1 + 32 + 1 + 2
@@ -399,12 +402,16 @@ TEST(KarString, WritesDurations)
     karString s;
     s.time(59);
     EXPECT_TRUE(hasState(s, "00:00:59", 8, 104)); // 3 * 32 + 2
+    s.time(60);
+    EXPECT_EQ(s == "00:01:00", 1);
     s.time(3661);
     EXPECT_EQ(s == "01:01:01", 1);
     s.time(86399);
     EXPECT_EQ(s == "23:59:59", 1);
     s.time(86400);
     EXPECT_EQ(s == "01d00:00", 1); // the seconds vanish
+    s.time(86460);
+    EXPECT_EQ(s == "01d00:01", 1);
     s.time(90061);
     EXPECT_EQ(s == "01d01:01", 1);
     s.time(100ul * 86400 + 3599);

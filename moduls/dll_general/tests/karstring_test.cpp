@@ -78,6 +78,12 @@ TEST(KarString, ANewBufferIsZeroedToItsEndAndNotBeyond)
         std::memcpy(&guard, TextProbe::bytes(s) + 192, sizeof guard);
         EXPECT_EQ(guard, 200u) << count;
     }
+    // Without room of its own the buffer of 16 bytes fills no element; the guards of one tell its size.
+    const karString empty;
+    unsigned size, footer;
+    std::memcpy(&size, TextProbe::bytes(empty) - sizeof size, sizeof size);
+    std::memcpy(&footer, TextProbe::bytes(empty) + size - 2 * sizeof size, sizeof footer);
+    EXPECT_EQ(footer, size);
 }
 
 TEST(KarString, RepeatsACharacter)
@@ -120,6 +126,7 @@ TEST(KarString, JoinsTwoTextsWithoutSpareRoom)
 {
     const char *const none = nullptr;
     EXPECT_TRUE(hasState(karString("abc", "def"), "abcdef", 6, 8));
+    EXPECT_TRUE(hasState(karString("abcd", "efg"), "abcdefg", 7, 8));
     EXPECT_TRUE(hasState(karString("abcd", "efgh"), "abcdefgh", 8, 16));
     EXPECT_TRUE(hasState(karString("", "def"), "def", 3, 8));
     EXPECT_TRUE(hasState(karString("abc", none), "abc", 3, 8));

@@ -427,6 +427,20 @@ TEST(KarVarPageMemory, GrowingMovesWhatThePageHas)
     EXPECT_EQ(last.where(grown), (Place{1, 0}));
     EXPECT_TRUE(holds(grown, 16, 90));
     EXPECT_EQ(last.used(), (Counts{8, 4}));
+
+    Pool gap(8, 16);
+    gap.newElement(12);
+    void *const d = gap.newElement(4);
+    fill(d, 32, 90);
+    gap.newElement(10);
+    void *freed = gap.newElement(6);
+    fill(freed, 48, 150);
+    gap.deleteElement(freed, 6);
+    p = d;
+    void *const rest = gap.resizeElementLast(p, 4, 6); // 16 of the 48 bytes lie behind the page
+    EXPECT_EQ(gap.where(rest), (Place{1, 80}));
+    EXPECT_TRUE(holds(rest, 32, 90));
+    EXPECT_TRUE(holds(static_cast<char *>(rest) + 32, 16, 182)); // as they were
 }
 
 TEST(KarVarPageMemory, GrowingOntoTheRunDirectlyBehindOverlaps)
