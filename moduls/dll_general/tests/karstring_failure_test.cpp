@@ -117,14 +117,14 @@ TEST(KarStringFailure, FormatGivesTheLengthAndNoText)
     karString isLong("abc");
     karString hasRoom("abc", 3000u);
     const AllAllocationsFail failing;
+    EXPECT_EQ(hasRoom.format("%2000d", 12), 2000); // but there is none to print in
+    EXPECT_TRUE(hasState(hasRoom, "", 2000, 3008));
     EXPECT_EQ(grows.format("%d", 12), 2);
     EXPECT_TRUE(hasNoBuffer(grows, 2, 40));
     EXPECT_EQ(fits.format("%d", 12), 2);
     EXPECT_TRUE(hasState(fits, "12", 2, 104)); // nothing is allocated
     EXPECT_EQ(isLong.format("%600d", 12), 600);
     EXPECT_TRUE(hasNoBuffer(isLong, 600, 608));
-    EXPECT_EQ(hasRoom.format("%2000d", 12), 2000); // but there is none to print in
-    EXPECT_TRUE(hasState(hasRoom, "", 2000, 3008));
 }
 
 // The room to print in can't be had; releasing the old buffer then makes way for the new one.
