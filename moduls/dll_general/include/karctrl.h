@@ -64,7 +64,7 @@ public:
     virtual void setId(int newId);     ///< Stores another id.
     /// \}
 
-    explicit karDataId(int value = 0) : id(value) {}   ///< Holds `value`.
+    karDataId(int value = 0) : id(value) {}            ///< Holds `value`.
     karDataId(const karDataId &) = default;            ///< Copies the id.
     karDataId &operator=(const karDataId &) = default; ///< Copies the id.
 
@@ -82,9 +82,9 @@ public:
     virtual void setText(const karString &newText); ///< A copy replaces the text.
     /// \}
 
-    explicit karDataText(const karString &value = karString()); ///< Holds a copy of `value`.
-    karDataText(const karDataText &) = default;                 ///< Copies the text.
-    karDataText &operator=(const karDataText &) = default;      ///< Copies the text.
+    karDataText(const karString &value = karString());     ///< Holds a copy of `value`.
+    karDataText(const karDataText &) = default;            ///< Copies the text.
+    karDataText &operator=(const karDataText &) = default; ///< Copies the text.
 
 protected:
     karString text; ///< a copy of its own
@@ -100,7 +100,7 @@ public:
     virtual void setInteger(int newValue); ///< Stores another number.
     /// \}
 
-    explicit karDataInteger(int number = 0) : value(number) {}   ///< Holds `number`.
+    karDataInteger(int number = 0) : value(number) {}            ///< Holds `number`.
     karDataInteger(const karDataInteger &) = default;            ///< Copies the number.
     karDataInteger &operator=(const karDataInteger &) = default; ///< Copies the number.
 
@@ -118,9 +118,9 @@ public:
     virtual void getDouble(double newValue); ///< Stores. Note: this is the setter, under this name.
     /// \}
 
-    explicit karDataDouble(double number = 0.0) : value(number) {} ///< Holds `number`.
-    karDataDouble(const karDataDouble &) = default;                ///< Copies the number.
-    karDataDouble &operator=(const karDataDouble &) = default;     ///< Copies the number.
+    karDataDouble(double number = 0.0) : value(number) {}      ///< Holds `number`.
+    karDataDouble(const karDataDouble &) = default;            ///< Copies the number.
+    karDataDouble &operator=(const karDataDouble &) = default; ///< Copies the number.
 
 protected:
     double value; ///< as `getDouble` gives it
@@ -139,9 +139,9 @@ public:
     virtual void setParam(const karVectorizeParameter *newParam); ///< Stores nothing.
     /// \}
 
-    explicit karDataParam(const karVectorizeParameter *value = nullptr); ///< Holds null, whatever `value` is.
-    karDataParam(const karDataParam &) = default;                        ///< Copies the pointer.
-    karDataParam &operator=(const karDataParam &) = default;             ///< Copies the pointer.
+    karDataParam(const karVectorizeParameter *value = nullptr); ///< Holds null, whatever `value` is.
+    karDataParam(const karDataParam &) = default;               ///< Copies the pointer.
+    karDataParam &operator=(const karDataParam &) = default;    ///< Copies the pointer.
 
 protected:
     karVectorizeParameter *param = nullptr; ///< not owned
@@ -180,7 +180,7 @@ public:
     virtual karMessageBase &setDouble(int index, double value); ///< As `setId`.
     /// \}
 
-    explicit karMessageBase(EnumMessageID ownId = MessageNone, int count = 2); ///< `count` empty parameters.
+    karMessageBase(EnumMessageID ownId = MessageNone, int count = 2); ///< `count` empty parameters.
     karMessageBase(const karMessageBase &) = default; ///< Note: both messages then hold, and release, one array.
     karMessageBase &operator=(const karMessageBase &) = default; ///< Note: as the copy; old parameters aren't released.
 
@@ -311,7 +311,7 @@ protected:
 class KAR_API karFilter {
 public:
     /// Uses the controller of the client or, with null, makes and owns one.
-    explicit karFilter(karCtrl *clientCtrl = nullptr);
+    karFilter(karCtrl *clientCtrl = nullptr);
     karFilter(const karFilter &) = default; ///< Note: of an owning filter, both believe that they own the controller.
     ~karFilter();                           ///< Deletes the controller if the filter made it.
     karFilter &operator=(const karFilter &) = default; ///< Note: as the copy; an owned controller isn't deleted.

@@ -33,9 +33,7 @@ using FilterMethod = errorCodesKARTORY (karFilterIdBase::*)(karFilterObject *ite
 class KAR_API FilterMObject {
 public:
     /// A slot; without arguments an empty one, for which `filter` gives -251.
-    explicit FilterMObject(void *ownObject = nullptr, FilterMethod ownMethod = nullptr)
-        : method(ownMethod), object(ownObject)
-    {}
+    FilterMObject(void *ownObject = nullptr, FilterMethod ownMethod = nullptr) : method(ownMethod), object(ownObject) {}
 
     /// Stores both, as `setObject` and `setMethod`.
     void set(void *newObject, FilterMethod newMethod)
@@ -83,7 +81,7 @@ public:
 
     /// All slots get `object` and `method`, as by `filterInit`.
     /// Note: built with the defaults, every slot has a null object, so `filterObject` gives -251 and not -252.
-    explicit karFilterIdBase(void *object = nullptr, FilterMethod method = &karFilterIdBase::filterUnknownMethod);
+    karFilterIdBase(void *object = nullptr, FilterMethod method = &karFilterIdBase::filterUnknownMethod);
     karFilterIdBase(const karFilterIdBase &) = default; ///< Note: both objects then hold, and release, one table.
     ~karFilterIdBase();                                 ///< Releases the table.
     karFilterIdBase &operator=(const karFilterIdBase &) = default; ///< Note: as the copy; the old table isn't released.

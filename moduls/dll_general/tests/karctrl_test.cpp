@@ -131,6 +131,16 @@ TEST(KarDataParam, StoresNoPointerButCopiesOne)
     EXPECT_EQ(assigned.getParam(), parameterSet);
 }
 
+TEST(KarDataBase, IsMadeFromAValueAlone)
+{
+    karDataInteger integer = 5;
+    karDataDouble real = 2.5;
+    EXPECT_EQ(integer.getInteger(), 5);
+    EXPECT_EQ(real.getDouble(), 2.5);
+    const karMessageBase message = {MessageNone, 3};
+    EXPECT_EQ(message.getParamCount(), 3);
+}
+
 TEST(KarMessageBase, StartsWithTwoEmptySlotsAndIdEight)
 {
     karMessageBase message;

@@ -82,6 +82,17 @@ TEST(FilterMObject, StoresAndCopiesBothFields)
     EXPECT_EQ(slot.getObject(), &target);
 }
 
+TEST(FilterMObject, StandsInATableByItsTwoValues)
+{
+    Dispatcher target;
+    Item item(0);
+    FilterMObject slots[] = {{&target, static_cast<FilterMethod>(&Dispatcher::fail)}, &target, {}};
+    EXPECT_EQ(slots[0].filter(&item), -3);
+    EXPECT_EQ(slots[1].getObject(), &target);
+    EXPECT_EQ(slots[1].filter(&item), -251);
+    EXPECT_EQ(slots[2].getObject(), nullptr);
+}
+
 TEST(FilterMObject, PassesANullItemOn)
 {
     Dispatcher target;
