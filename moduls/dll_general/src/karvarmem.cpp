@@ -512,7 +512,8 @@ void *karVarPageMemory::resizeElementLast(void *&p, int oldCount, int newCount)
 void *karVarPageMemory::moveRun(karVarPage *page, void *run, void *target, int oldCount, int newCount)
 {
     const std::int64_t wanted = std::int64_t{newCount} * elementSize_;
-    const auto room = static_cast<std::int64_t>(addressOf(page->storage()) - addressOf(run)) + page->storageBytes();
+    const std::int64_t room =
+        page->storageBytes() - static_cast<std::int64_t>(addressOf(run) - addressOf(page->storage()));
     const std::int64_t bytes = wanted < room ? wanted : room;
     if (bytes > 0)
         std::memmove(target, run, static_cast<std::size_t>(bytes));
