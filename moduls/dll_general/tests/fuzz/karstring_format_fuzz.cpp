@@ -41,11 +41,16 @@ void checkStars(const std::string &start, const std::string &format, unsigned st
         check(start, format, width, precision, value, text, width);
 }
 
+// At most three digits in a row: behind "%F", which the estimate takes for a letter of length, "%%" and digits are a
+// width, and memory is asked for that.
 std::string ordinary(FuzzInput &input)
 {
     std::string result;
-    for (const char c : input.text(input.below(20)))
-        result += c == '%' ? std::string("%%") : std::string(1, c);
+    int digits = 0;
+    for (const char c : input.text(input.below(20))) {
+        digits = c >= '0' && c <= '9' ? digits + 1 : 0;
+        result += c == '%' ? std::string("%%") : std::string(1, digits > 3 ? 'x' : c);
+    }
     return result;
 }
 
